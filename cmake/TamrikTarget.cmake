@@ -1,0 +1,53 @@
+# What every target of the project has in common: warnings, sanitizers, Qt's stricter API.
+
+add_library(tamrik_flags INTERFACE)
+target_compile_options(tamrik_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Werror
+    -Wconversion -Wshadow -Wold-style-cast -Wcast-qual -Wformat=2
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi -Wimplicit-fallthrough
+    $<$<CXX_COMPILER_ID:GNU>:-Wuseless-cast -Wduplicated-cond -Wlogical-op>)
+target_compile_definitions(tamrik_flags INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH
+    QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+
+if(TAMRIK_SANITIZE STREQUAL "address")
+    set(tamrik_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
+elseif(TAMRIK_SANITIZE STREQUAL "thread")
+    set(tamrik_sanitizers -fsanitize=thread)
+elseif(TAMRIK_SANITIZE)
+    message(FATAL_ERROR "TAMRIK_SANITIZE is '${TAMRIK_SANITIZE}'; it may be empty, address or thread")
+endif()
+if(TAMRIK_SANITIZE)
+    target_compile_options(tamrik_flags INTERFACE ${tamrik_sanitizers} -fno-omit-frame-pointer)
+    target_compile_definitions(tamrik_flags INTERFACE _GLIBCXX_ASSERTIONS)
+    target_link_options(tamrik_flags INTERFACE ${tamrik_sanitizers})
+endif()
+
+# tamrik_library(NAME [MOC] [QT header...] HEADERS h... SOURCES c... LINK lib...)
+#
+# One layer of the program: a static library whose headers are found from src/ and must each
+# compile on their own (target all_verify_interface_header_sets).
+function(tamrik_library name)
+    cmake_parse_arguments(ARG "MOC" "" "HEADERS;SOURCES;LINK;PRIVATE_LINK;PCH" ${ARGN})
+    if(ARG_SOURCES)
+        add_library(${name} STATIC ${ARG_SOURCES})
+        set(scope PUBLIC)
+        target_link_libraries(${name} PRIVATE tamrik_flags)
+    else()
+        add_library(${name} INTERFACE)
+        set(scope INTERFACE)
+    endif()
+    target_sources(${name} ${scope}
+        FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/src FILES ${ARG_HEADERS})
+    target_link_libraries(${name} ${scope} ${ARG_LINK})
+    if(ARG_PRIVATE_LINK)
+        target_link_libraries(${name} PRIVATE ${ARG_PRIVATE_LINK})
+    endif()
+    if(ARG_MOC)
+        set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    endif()
+    if(ARG_PCH AND TAMRIK_PCH)
+        target_precompile_headers(${name} PRIVATE ${ARG_PCH})
+    endif()
+    set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+endfunction()
