@@ -8,7 +8,8 @@
 /// Two kinds of space exist, and their types differ so that neither passes for the other:
 ///  - `Point` and `Rect`: y grows upwards. Global ones have their origin at the bottom left of the
 ///    primary screen; those of a view at the bottom left of that view.
-///  - `TopLeftPoint` and `TopLeftRect`: y grows downwards. This is what Qt, X11 and the capture tool
+///  - `TopLeftPoint` and `TopLeftRect`: y grows downwards. This is what Qt, X11 and the capture
+///  tool
 ///    speak.
 /// `Flip` is the only bridge between them.
 namespace Geometry {

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-/// The table of screens that the program hands to its capture tool, so that both agree on how points
-/// become pixels. Free of Qt: the tool starts without it.
+/// The table of screens that the program hands to its capture tool, so that both agree on how
+/// points become pixels. Free of Qt: the tool starts without it.
 namespace ScreenTable {
 
 /// The environment variable that carries the table from the program to the tool.
@@ -27,8 +27,8 @@ struct PixelRect {
 
 struct Screen {
     std::string name;
-    /// In points, origin at the top left of the primary screen, y down. Qt rounds it to whole points,
-    /// so its size times `scale` may miss the pixels' by one.
+    /// In points, origin at the top left of the primary screen, y down. Qt rounds it to whole
+    /// points, so its size times `scale` may miss the pixels' by one.
     Geometry::TopLeftRect frame;
     PixelRect pixels;
     /// Pixels a point.
@@ -54,13 +54,14 @@ struct Placement {
 /// Maps a rectangle in points (origin at the top left of the primary screen, y down) to pixels.
 ///
 /// The whole rectangle goes through the screen that holds most of its area (the earlier one in the
-/// table when two hold as much). Each edge is rounded by itself, halves away from zero: pixel edge =
-/// screen's pixel edge + (edge - screen's edge) * scale. An edge on the screen's own far edge goes to
-/// the screen's own far pixel edge, so that a whole screen is a whole screen at every scale. What lies
-/// off all screens is cut away: the result is the smallest rectangle around what is left.
+/// table when two hold as much). Each edge is rounded by itself, halves away from zero: pixel edge
+/// = screen's pixel edge + (edge - screen's edge) * scale. An edge on the screen's own far edge
+/// goes to the screen's own far pixel edge, so that a whole screen is a whole screen at every
+/// scale. What lies off all screens is cut away: the result is the smallest rectangle around what
+/// is left.
 ///
-/// Absent when nothing is left: the rectangle lies wholly off the screens, is empty, has a value that
-/// is not finite, or is thinner than a pixel.
+/// Absent when nothing is left: the rectangle lies wholly off the screens, is empty, has a value
+/// that is not finite, or is thinner than a pixel.
 std::optional<Placement> place(Geometry::TopLeftRect points, const std::vector<Screen>& screens);
 
 } // namespace ScreenTable
