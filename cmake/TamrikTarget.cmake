@@ -23,14 +23,20 @@ if(TAMRIK_SANITIZE)
     target_link_options(tamrik_flags INTERFACE ${tamrik_sanitizers})
 endif()
 
-# tamrik_library(NAME [MOC] [QT header...] HEADERS h... SOURCES c... LINK lib...)
+# tamrik_library(NAME [MOC] [OBJECT] HEADERS h... SOURCES c... [LINK lib...] [PRIVATE_LINK lib...]
+#                [PCH <header>...])
 #
 # One layer of the program: a static library whose headers are found from src/ and must each
-# compile on their own (target all_verify_interface_header_sets).
+# compile on their own (target all_verify_interface_header_sets). OBJECT makes it a set of object
+# files instead: for an implementation of the seam, which every layer above may call without naming it.
 function(tamrik_library name)
-    cmake_parse_arguments(ARG "MOC" "" "HEADERS;SOURCES;LINK;PRIVATE_LINK;PCH" ${ARGN})
+    cmake_parse_arguments(ARG "MOC;OBJECT" "" "HEADERS;SOURCES;LINK;PRIVATE_LINK;PCH" ${ARGN})
     if(ARG_SOURCES)
-        add_library(${name} STATIC ${ARG_SOURCES})
+        if(ARG_OBJECT)
+            add_library(${name} OBJECT ${ARG_SOURCES})
+        else()
+            add_library(${name} STATIC ${ARG_SOURCES})
+        endif()
         set(scope PUBLIC)
         target_link_libraries(${name} PRIVATE tamrik_flags)
     else()

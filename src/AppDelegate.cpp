@@ -1,0 +1,399 @@
+#include "AppDelegate.h"
+
+#include "Platform/Application.h"
+#include "Platform/CapturePermission.h"
+#include "Platform/Pasteboard.h"
+#include "Platform/Screens.h"
+#include "Preferences.h"
+#include "SelectionSession.h"
+#include "Support/CaptureFiles.h"
+#include "Support/Guarded.h"
+#include "Support/Log.h"
+
+#include <QDesktopServices>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr std::uint32_t annotateKeyCode = 14; // E
+constexpr std::uint32_t recordKeyCode = 15;   // R
+constexpr std::uint32_t fixedModifiers =
+    Platform::HotKeyModifier::option | Platform::HotKeyModifier::shift;
+
+std::optional<QByteArray> contents(const QUrl& url)
+{
+    QFile file(url.toLocalFile());
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    return file.readAll();
+}
+
+/// Hands a file or folder to the user's desktop. One that does not exist opens nothing.
+void openInWorkspace(const QUrl& url)
+{
+    if (QFileInfo::exists(url.toLocalFile()))
+        QDesktopServices::openUrl(url);
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(Preferences& preferences, Clock clock, Subsystems subsystems)
+    : m_preferences(preferences)
+    , m_clock(clock)
+    , m_subsystems(std::move(subsystems))
+    , m_capture(std::move(clock))
+{
+}
+
+AppDelegate::~AppDelegate()
+{
+    // A selection must not outlive what its completion calls.
+    SelectionSession::current.reset();
+}
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    Platform::becomeAccessory();
+    if (m_subsystems.chips.setOnEdit) {
+        m_subsystems.chips.setOnEdit(
+            Guarded::any<const QUrl&>(this, [this](const QUrl& file) { openEditor(file); }));
+    }
+    setupStatusItem();
+    registerHotKeys();
+    if (!Platform::preflightScreenCaptureAccess())
+        (void)Platform::requestScreenCaptureAccess(); // the program works on whatever the answer is
+}
+
+void AppDelegate::setupStatusItem()
+{
+    m_statusMenu = std::make_unique<StatusMenu>(
+        m_preferences, StatusMenu::Commands{
+                           .captureArea = [this] { captureArea(); },
+                           .toggleRecording = [this] { toggleRecording(); },
+                           .annotateLast = [this] { annotateLast(); },
+                           .openFolder = [this] { openFolder(); },
+                           .toggleCamera = [this] { toggleCamera(); },
+                           .toggleMic = [this] { toggleMic(); },
+                           .hasLastCapture = [this] { return lastCaptureURL().has_value(); },
+                           .chipPositionChanged =
+                               [this] {
+                                   if (m_subsystems.chips.layout)
+                                       m_subsystems.chips.layout(true);
+                               },
+                       });
+    m_statusMenu->show();
+}
+
+void AppDelegate::registerHotKeys()
+{
+    m_hotKey = HotKey::create(m_preferences.hotKeyCode(), m_preferences.hotKeyModifiers(),
+                              Guarded::any(this, [this] { captureArea(); }));
+    if (!m_hotKey) {
+        Log::line(QStringLiteral("hotkey registration failed (already taken by another app?)"));
+    }
+    m_annotateHotKey = HotKey::create(annotateKeyCode, fixedModifiers,
+                                      Guarded::any(this, [this] { annotateLast(); }));
+    m_recordHotKey = HotKey::create(recordKeyCode, fixedModifiers,
+                                    Guarded::any(this, [this] { toggleRecording(); }));
+}
+
+// Selection
+
+SelectionHooks AppDelegate::selectionHooks()
+{
+    return {
+        .isMicOn = Guarded::query(this, false, [this] { return m_preferences.recordMic(); }),
+        .toggleMic = Guarded::any(this, [this] { toggleMic(); }),
+        .isCameraOn = Guarded::query(this, false, [this] { return m_cameraBubble != nullptr; }),
+        .toggleCamera = Guarded::any(this, [this] { toggleCamera(); }),
+    };
+}
+
+void AppDelegate::select(SelectionMode mode, std::function<void(const SelectionResult&)> picked)
+{
+    if (SelectionSession::current)
+        return;
+    using Picked = std::optional<SelectionResult>;
+    SelectionSession::current = SelectionSession::open(
+        mode, selectionHooks(), m_clock,
+        Guarded::once<const Picked&>(this, [picked = std::move(picked)](const Picked& result) {
+            if (result)
+                picked(*result);
+        }));
+}
+
+// Screenshots
+
+void AppDelegate::captureArea()
+{
+    select(SelectionMode::screenshot, [this](const SelectionResult& result) {
+        if (result.kind != SelectionResult::Kind::screenshot)
+            return;
+        m_capture.captureRect(result.rect,
+                              Guarded::once<const QUrl&>(
+                                  this, [this](const QUrl& file) { screenshotFinished(file); }));
+    });
+}
+
+void AppDelegate::screenshotFinished(const QUrl& file)
+{
+    if (file.isEmpty())
+        return;
+    Platform::writePasteboard({.png = contents(file), .fileURL = file});
+    setLastCaptureURL(file);
+    if (m_subsystems.chips.add)
+        m_subsystems.chips.add(file);
+}
+
+std::optional<QUrl> AppDelegate::lastCaptureURL() const
+{
+    const auto path = m_preferences.lastCapturePath();
+    if (!path || !QFileInfo::exists(*path))
+        return std::nullopt;
+    return QUrl::fromLocalFile(*path);
+}
+
+void AppDelegate::setLastCaptureURL(const QUrl& file)
+{
+    m_preferences.setLastCapturePath(file.toLocalFile());
+}
+
+// Recordings
+
+void AppDelegate::toggleRecording()
+{
+    const auto& recorder = m_subsystems.recorder;
+    if (recorder.state && recorder.state() != RecordingState::idle) {
+        if (recorder.stop)
+            recorder.stop(false);
+        return;
+    }
+    select(SelectionMode::record, [this](const SelectionResult& result) {
+        switch (result.kind) {
+        case SelectionResult::Kind::screenshot:
+            return;
+        case SelectionResult::Kind::recordVideo:
+            startRecording(result.rect, false);
+            return;
+        case SelectionResult::Kind::recordGIF:
+            startRecording(result.rect, true);
+            return;
+        }
+    });
+}
+
+void AppDelegate::startRecording(Geometry::Rect rect, bool asGIF)
+{
+    const auto& recorder = m_subsystems.recorder;
+    if (!recorder.start)
+        return;
+    const bool busy = recorder.state && recorder.state() != RecordingState::idle;
+    if (busy || Platform::screens().empty()) {
+        recordingFinished({}, asGIF);
+        return;
+    }
+    CaptureFiles::createFolder();
+    recorder.start({
+        .rect = rect,
+        .micEnabled = m_preferences.recordMic() && !asGIF,
+        .showClicks = true,
+        .finalURL = CaptureFiles::newRecording(m_clock),
+        .started = Guarded::once(this, [this, rect] { recordingStarted(rect); }),
+        .completion = Guarded::once<const QUrl&>(
+            this, [this, asGIF](const QUrl& file) { recordingFinished(file, asGIF); }),
+    });
+}
+
+void AppDelegate::recordingStarted(Geometry::Rect rect)
+{
+    updateRecordingUI(true);
+    showRecordingControls(rect);
+}
+
+void AppDelegate::recordingFinished(const QUrl& file, bool asGIF)
+{
+    updateRecordingUI(false);
+    closeRecordingControls();
+    if (file.isEmpty())
+        return;
+    if (!asGIF || !m_subsystems.gif.exportVideo) {
+        deliver(file);
+        return;
+    }
+    const QFileInfo video(file.toLocalFile());
+    const QUrl gif = QUrl::fromLocalFile(video.path() + QLatin1Char('/') +
+                                         video.completeBaseName() + QStringLiteral(".gif"));
+    m_subsystems.gif.exportVideo(file,
+                                 {.start = 0, .duration = std::numeric_limits<double>::infinity()},
+                                 gif, Guarded::once<bool>(this, [this, file, gif](bool succeeded) {
+                                     deliver(succeeded ? gif : file);
+                                 }));
+}
+
+void AppDelegate::deliver(const QUrl& file)
+{
+    Platform::writePasteboard({.png = std::nullopt, .fileURL = file});
+    if (m_subsystems.chips.add)
+        m_subsystems.chips.add(file);
+}
+
+void AppDelegate::updateRecordingUI(bool recording)
+{
+    if (m_statusMenu)
+        m_statusMenu->setRecording(recording);
+}
+
+void AppDelegate::showRecordingControls(Geometry::Rect near)
+{
+    closeRecordingControls();
+    if (!m_subsystems.controls.make)
+        return;
+    const auto& recorder = m_subsystems.recorder;
+    m_recordingControls = m_subsystems.controls.make(
+        near,
+        {
+            .isPaused = Guarded::query(
+                this, false, [&recorder] { return recorder.isPaused && recorder.isPaused(); }),
+            .elapsed = Guarded::query(
+                this, 0.0, [&recorder] { return recorder.elapsed ? recorder.elapsed() : 0.0; }),
+            .onPauseResume = Guarded::any(this,
+                                          [&recorder] {
+                                              if (recorder.togglePause)
+                                                  recorder.togglePause();
+                                          }),
+            .onStop = Guarded::any(this,
+                                   [&recorder] {
+                                       if (recorder.stop)
+                                           recorder.stop(false);
+                                   }),
+            .onRestart = Guarded::any(this,
+                                      [&recorder] {
+                                          if (recorder.restart)
+                                              recorder.restart();
+                                      }),
+            .onDelete = Guarded::any(this,
+                                     [&recorder] {
+                                         if (recorder.stop)
+                                             recorder.stop(true);
+                                     }),
+        });
+    if (m_recordingControls)
+        m_recordingControls->orderFrontRegardless();
+}
+
+void AppDelegate::closeRecordingControls()
+{
+    if (!m_recordingControls)
+        return;
+    const auto controls = std::exchange(m_recordingControls, nullptr);
+    controls->stop();
+    controls->close();
+}
+
+// Microphone and camera
+
+void AppDelegate::toggleMic()
+{
+    m_preferences.setRecordMic(!m_preferences.recordMic());
+    if (m_statusMenu)
+        m_statusMenu->setMicOn(m_preferences.recordMic());
+}
+
+void AppDelegate::toggleCamera()
+{
+    if (m_cameraBubble) {
+        const auto bubble = std::exchange(m_cameraBubble, nullptr);
+        bubble->stop();
+        bubble->close();
+        if (m_statusMenu)
+            m_statusMenu->setCameraShown(false);
+        return;
+    }
+    const auto& camera = m_subsystems.camera;
+    if (!camera.authorization || !camera.make || !camera.requestAndShow)
+        return;
+    using Panel = std::shared_ptr<Subsystems::Panel>;
+    switch (camera.authorization()) {
+    case Subsystems::CameraAuthorization::notDetermined:
+        camera.requestAndShow(
+            Guarded::once<Panel>(this, [this](const Panel& panel) { cameraShown(panel); }));
+        return;
+    case Subsystems::CameraAuthorization::authorized:
+        cameraShown(camera.make());
+        return;
+    case Subsystems::CameraAuthorization::restricted:
+    case Subsystems::CameraAuthorization::denied:
+        Log::line(
+            QStringLiteral("camera access denied — System Settings → Privacy & Security → Camera"));
+        cameraShown(nullptr);
+        return;
+    }
+}
+
+void AppDelegate::cameraShown(std::shared_ptr<Subsystems::Panel> panel)
+{
+    m_cameraBubble = std::move(panel);
+    if (m_statusMenu)
+        m_statusMenu->setCameraShown(m_cameraBubble != nullptr);
+}
+
+// Files and editors
+
+void AppDelegate::annotateLast()
+{
+    if (const auto file = lastCaptureURL())
+        openEditor(*file);
+}
+
+void AppDelegate::openFolder()
+{
+    openInWorkspace(QUrl::fromLocalFile(CaptureFiles::folder()));
+}
+
+void AppDelegate::openEditor(const QUrl& file)
+{
+    const QString extension = QFileInfo(file.toLocalFile()).suffix().toLower();
+    if (extension == QLatin1String("mov") || extension == QLatin1String("mp4"))
+        openVideoEditor(file);
+    else if (extension == QLatin1String("gif"))
+        openInWorkspace(file);
+    else
+        openImageEditor(file);
+}
+
+void AppDelegate::openImageEditor(const QUrl& file)
+{
+    openEditor(file, m_editors, m_subsystems.editors.makeImageEditor);
+}
+
+void AppDelegate::openVideoEditor(const QUrl& file)
+{
+    openEditor(file, m_videoEditors, m_subsystems.editors.makeVideoEditor);
+}
+
+void AppDelegate::openEditor(const QUrl& file, EditorList& open, const EditorFactory& make)
+{
+    const auto found = std::find_if(open.begin(), open.end(),
+                                    [&](const auto& editor) { return editor->fileURL == file; });
+    std::shared_ptr<Editor> editor;
+    if (found != open.end()) {
+        editor = *found;
+    } else {
+        if (make)
+            editor = make(file);
+        if (!editor)
+            return;
+        editor->onClose = Guarded::any<const Editor*>(this, [&open](const Editor* closed) {
+            std::erase_if(open, [closed](const auto& e) { return e.get() == closed; });
+        });
+        editor->onFileProduced =
+            Guarded::any<const QUrl&>(this, [this](const QUrl& produced) { deliver(produced); });
+        open.push_back(editor);
+    }
+    editor->makeKeyAndOrderFront();
+    Platform::activateIgnoringOthers();
+}

@@ -1,0 +1,97 @@
+#pragma once
+
+#include "CaptureManager.h"
+#include "HotKey.h"
+#include "SelectionTypes.h"
+#include "StatusMenu.h"
+#include "Subsystems.h"
+#include "Support/Clock.h"
+
+#include <QObject>
+#include <QUrl>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+class Preferences;
+
+/// The app controller: owns what lives as long as the program and runs every command flow. Main
+/// thread only.
+class AppDelegate : public QObject {
+    Q_OBJECT
+
+public:
+    /// `preferences` is borrowed and outlives the controller.
+    AppDelegate(Preferences& preferences, Clock clock, Subsystems subsystems);
+    ~AppDelegate() override;
+
+    /// Makes the program an accessory, builds the status menu, registers the hot keys and asks for
+    /// the screen once. Call it once, when the event loop is about to run.
+    void applicationDidFinishLaunching();
+
+    // The commands of the menu, the hot keys and the selection's bar.
+    void captureArea();
+    /// Starts a selection for a recording, or stops the recording that runs.
+    void toggleRecording();
+    void toggleMic();
+    void toggleCamera();
+    void annotateLast();
+    void openFolder();
+
+    /// Opens the editor for a file, by the kind that its extension names.
+    void openEditor(const QUrl& file);
+
+    /// The newest screenshot, if its file still exists.
+    std::optional<QUrl> lastCaptureURL() const;
+
+    const StatusMenu* statusMenu() const { return m_statusMenu.get(); }
+    const CaptureManager& capture() const { return m_capture; }
+    bool hasCameraBubble() const { return m_cameraBubble != nullptr; }
+    bool hasRecordingControls() const { return m_recordingControls != nullptr; }
+
+private:
+    using Editor = Subsystems::Editor;
+    using EditorList = std::vector<std::shared_ptr<Editor>>;
+    using EditorFactory = std::function<std::shared_ptr<Editor>(const QUrl&)>;
+
+    void setupStatusItem();
+    void registerHotKeys();
+
+    SelectionHooks selectionHooks();
+    /// Opens a selection; does nothing while one is open. `picked` is called with what the user
+    /// picked.
+    void select(SelectionMode mode, std::function<void(const SelectionResult&)> picked);
+
+    void setLastCaptureURL(const QUrl& file);
+    void screenshotFinished(const QUrl& file);
+
+    void startRecording(Geometry::Rect rect, bool asGIF);
+    void recordingStarted(Geometry::Rect rect);
+    void recordingFinished(const QUrl& file, bool asGIF);
+    /// Puts a finished recording, or a file that an editor wrote, on the pasteboard and shows its
+    /// chip.
+    void deliver(const QUrl& file);
+    void updateRecordingUI(bool recording);
+    void showRecordingControls(Geometry::Rect near);
+    void closeRecordingControls();
+
+    void cameraShown(std::shared_ptr<Subsystems::Panel> panel);
+
+    void openImageEditor(const QUrl& file);
+    void openVideoEditor(const QUrl& file);
+    void openEditor(const QUrl& file, EditorList& open, const EditorFactory& make);
+
+    Preferences& m_preferences;
+    Clock m_clock;
+    Subsystems m_subsystems;
+    std::unique_ptr<StatusMenu> m_statusMenu;
+    std::unique_ptr<HotKey> m_hotKey;
+    std::unique_ptr<HotKey> m_annotateHotKey;
+    std::unique_ptr<HotKey> m_recordHotKey;
+    CaptureManager m_capture;
+    EditorList m_editors;
+    EditorList m_videoEditors;
+    std::shared_ptr<Subsystems::Panel> m_cameraBubble;
+    std::shared_ptr<Subsystems::Panel> m_recordingControls;
+};

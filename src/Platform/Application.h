@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Support/Result.h"
+
+/// How the program presents itself to the desktop.
+namespace Platform {
+
+/// Called first of all, before the application object is made: settles which window system to use.
+/// Fails, with a line for the user, when there is no desktop to run on.
+Result<void> prepareApplication();
+
+/// No task bar entry, no main menu; the program goes on when its last window closes.
+void becomeAccessory();
+
+/// Brings the program's key window to the keyboard, whichever program has it now.
+void activateIgnoringOthers();
+
+} // namespace Platform

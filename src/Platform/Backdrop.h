@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Platform/Screens.h"
+
+#include <QPixmap>
+
+#include <optional>
+
+namespace Platform {
+
+/// The picture of `screen` as it is now, for an overlay to paint below itself where windows cannot
+/// be translucent (an X server without a compositor). Absent where they can, and when the screen
+/// cannot be read. Its device pixel ratio is the screen's.
+std::optional<QPixmap> frozenBackdrop(const Screen& screen);
+
+} // namespace Platform

@@ -1,0 +1,57 @@
+#include "Platform/Defaults.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStandardPaths>
+
+namespace {
+
+/// The file of a device that QSettings opened, for keeping a damaged one aside.
+void keepAside(QIODevice& device)
+{
+    const auto* file = qobject_cast<const QFile*>(&device);
+    if (!file)
+        return;
+    const QString aside = file->fileName() + QStringLiteral(".unreadable");
+    QFile::remove(aside);
+    // Best effort: the program must start whatever state its preferences are in.
+    QFile::copy(file->fileName(), aside);
+}
+
+/// Reads one JSON object. Anything else is kept aside under another name and reads as empty, so
+/// that the next write does not destroy what the user may want to mend.
+bool readJson(QIODevice& device, QSettings::SettingsMap& map)
+{
+    const QByteArray bytes = device.readAll();
+    if (bytes.isEmpty())
+        return true;
+    const QJsonDocument document = QJsonDocument::fromJson(bytes);
+    if (document.isObject())
+        map = document.object().toVariantMap();
+    else
+        keepAside(device);
+    return true;
+}
+
+bool writeJson(QIODevice& device, const QSettings::SettingsMap& map)
+{
+    const QByteArray bytes = QJsonDocument(QJsonObject::fromVariantMap(map)).toJson();
+    return device.write(bytes) == bytes.size();
+}
+
+QSettings::Format jsonFormat()
+{
+    static const QSettings::Format format =
+        QSettings::registerFormat(QStringLiteral("json"), readJson, writeJson);
+    return format;
+}
+
+} // namespace
+
+std::unique_ptr<QSettings> Platform::openDefaults()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    return std::make_unique<QSettings>(folder + QStringLiteral("/tamrik/preferences.json"),
+                                       jsonFormat());
+}

@@ -1,0 +1,182 @@
+#include "Platform/HotKeys.h"
+
+#include "Platform/Linux/X11/Connection.h"
+#include "Platform/Linux/X11/KeyCodes.h"
+#include "Platform/Linux/X11/ModifierMap.h"
+
+#include <QAbstractNativeEventFilter>
+#include <QCoreApplication>
+
+#include <map>
+
+namespace {
+
+/// How long after a key's release its next press still is the keyboard repeating it, in
+/// milliseconds of the server's clock. A repeat is a release and a press at the same time; a finger
+/// takes longer.
+constexpr std::uint32_t repeatGap = 5;
+
+/// Bits of an event's response type that say something else than its type.
+constexpr std::uint8_t sentEventBit = 0x80;
+
+/// Grabs keys on the root window and hears of their presses through Qt's event loop.
+class HotKeyGrabber : public QAbstractNativeEventFilter {
+public:
+    struct Registration {
+        xcb_keycode_t keyCode;
+        std::uint16_t modifiers;
+        std::uint32_t mask;
+        std::uint32_t identifier;
+    };
+
+    static HotKeyGrabber& instance()
+    {
+        // As long as the process: hot keys are its first and last users.
+        static HotKeyGrabber grabber;
+        return grabber;
+    }
+
+    std::function<void(std::uint32_t)> handler;
+
+    std::optional<Platform::HotKeyReference> add(xcb_keycode_t keyCode, std::uint32_t mask,
+                                                 std::uint32_t identifier)
+    {
+        const X11::ModifierMap map;
+        const Registration wanted{keyCode, map.fromHotKeyMask(mask), mask, identifier};
+        if (!grab(wanted, map))
+            return std::nullopt;
+        if (m_registrations.empty())
+            QCoreApplication::instance()->installNativeEventFilter(this);
+        m_registrations[++m_lastReference] = wanted;
+        return Platform::HotKeyReference{m_lastReference};
+    }
+
+    void remove(Platform::HotKeyReference reference)
+    {
+        const auto found = m_registrations.find(reference.value);
+        if (found == m_registrations.end())
+            return;
+        ungrab(found->second, X11::ModifierMap());
+        m_registrations.erase(found);
+        if (m_registrations.empty() && QCoreApplication::instance())
+            QCoreApplication::instance()->removeNativeEventFilter(this);
+    }
+
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr*) override
+    {
+        if (type != "xcb_generic_event_t")
+            return false;
+        const auto* event = static_cast<const xcb_generic_event_t*>(message);
+        switch (event->response_type & ~sentEventBit) {
+        case XCB_KEY_PRESS:
+            return keyPressed(*static_cast<const xcb_key_press_event_t*>(message));
+        case XCB_KEY_RELEASE:
+            return keyReleased(*static_cast<const xcb_key_release_event_t*>(message));
+        case XCB_MAPPING_NOTIFY:
+            if (static_cast<const xcb_mapping_notify_event_t*>(message)->request ==
+                XCB_MAPPING_MODIFIER)
+                grabAfresh();
+            return false;
+        default: // all other events
+            return false;
+        }
+    }
+
+private:
+    /// Grabs the key under every state of the locks; none of them when the server refuses one.
+    static bool grab(const Registration& wanted, const X11::ModifierMap& map)
+    {
+        xcb_connection_t* connection = X11::connection();
+        bool granted = true;
+        for (const std::uint16_t locks : map.lockVariants()) {
+            const auto cookie =
+                xcb_grab_key_checked(connection, 1, X11::screen().root,
+                                     static_cast<std::uint16_t>(wanted.modifiers | locks),
+                                     wanted.keyCode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+            const X11::Reply<xcb_generic_error_t> error(xcb_request_check(connection, cookie));
+            granted = granted && !error;
+        }
+        if (!granted)
+            ungrab(wanted, map);
+        return granted;
+    }
+
+    static void ungrab(const Registration& registration, const X11::ModifierMap& map)
+    {
+        xcb_connection_t* connection = X11::connection();
+        if (!connection)
+            return;
+        for (const std::uint16_t locks : map.lockVariants()) {
+            xcb_ungrab_key(connection, registration.keyCode, X11::screen().root,
+                           static_cast<std::uint16_t>(registration.modifiers | locks));
+        }
+        xcb_flush(connection);
+    }
+
+    /// The modifier keys were assigned anew: Alt, Super and NumLock may set other bits now.
+    void grabAfresh()
+    {
+        const X11::ModifierMap map;
+        for (auto& [reference, registration] : m_registrations) {
+            registration.modifiers = map.fromHotKeyMask(registration.mask);
+            // Already granted variants are granted again; one that another program took meanwhile
+            // is lost, and there is nobody to tell.
+            (void)grab(registration, map);
+        }
+    }
+
+    bool keyPressed(const xcb_key_press_event_t& event)
+    {
+        if (event.event != X11::screen().root)
+            return false;
+        const X11::ModifierMap map;
+        const unsigned state = event.state & map.relevant();
+        for (const auto& [reference, registration] : m_registrations) {
+            if (registration.keyCode != event.detail || registration.modifiers != state)
+                continue;
+            const bool repeated =
+                event.detail == m_releasedKey && event.time - m_releaseTime <= repeatGap;
+            if (!repeated && handler) {
+                const auto identifier = registration.identifier;
+                handler(identifier); // may change m_registrations
+            }
+            return true;
+        }
+        return false;
+    }
+
+    bool keyReleased(const xcb_key_release_event_t& event)
+    {
+        if (event.event != X11::screen().root)
+            return false;
+        m_releasedKey = event.detail;
+        m_releaseTime = event.time;
+        return false;
+    }
+
+    std::map<std::uint32_t, Registration> m_registrations;
+    std::uint32_t m_lastReference = 0;
+    xcb_keycode_t m_releasedKey = 0;
+    xcb_timestamp_t m_releaseTime = 0;
+};
+
+} // namespace
+
+void Platform::setHotKeyHandler(std::function<void(std::uint32_t)> handler)
+{
+    HotKeyGrabber::instance().handler = std::move(handler);
+}
+
+std::optional<Platform::HotKeyReference>
+Platform::registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers, std::uint32_t identifier)
+{
+    const auto key = X11::keyCodeFromVirtual(keyCode);
+    if (!key || !X11::connection())
+        return std::nullopt;
+    return HotKeyGrabber::instance().add(*key, modifiers, identifier);
+}
+
+void Platform::unregisterHotKey(HotKeyReference reference)
+{
+    HotKeyGrabber::instance().remove(reference);
+}

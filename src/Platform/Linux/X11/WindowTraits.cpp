@@ -1,0 +1,74 @@
+#include "Platform/WindowTraits.h"
+
+#include "Platform/Linux/X11/Connection.h"
+#include "Platform/Linux/X11/KeyboardGrab.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <vector>
+
+namespace {
+
+/// The panels of the highest level, in the order they came to the front. They bypass the window
+/// manager, so keeping them above lower panels is up to us.
+std::vector<QPointer<QWidget>>& topmostPanels()
+{
+    static std::vector<QPointer<QWidget>> panels;
+    return panels;
+}
+
+constexpr const char* levelProperty = "tamrikWindowLevel";
+
+bool isTopmost(const QWidget& window)
+{
+    return window.property(levelProperty).toInt() ==
+           static_cast<int>(Platform::WindowLevel::ScreenSaver);
+}
+
+} // namespace
+
+void Platform::applyTraits(QWidget& window, WindowTraits traits)
+{
+    // Bypassing the window manager keeps a panel out of task bars and switchers, on every desktop
+    // and above full-screen windows, and lets it stand exactly where it is put.
+    Qt::WindowFlags flags = Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                            Qt::NoDropShadowWindowHint | Qt::X11BypassWindowManagerHint;
+    if (traits.nonActivating) {
+        flags |= Qt::WindowDoesNotAcceptFocus;
+        window.setAttribute(Qt::WA_ShowWithoutActivating);
+    }
+    window.setWindowFlags(flags);
+    window.setAttribute(Qt::WA_AlwaysShowToolTips);
+    window.setAttribute(Qt::WA_TranslucentBackground, traits.translucent);
+    window.setProperty(levelProperty, static_cast<int>(traits.level));
+}
+
+void Platform::orderFrontRegardless(QWidget& window)
+{
+    auto& topmost = topmostPanels();
+    std::erase_if(topmost, [&window](const auto& w) { return !w || w == &window; });
+    if (isTopmost(window))
+        topmost.emplace_back(&window);
+    window.show();
+    window.raise();
+    for (const auto& panel : topmost) {
+        if (!isTopmost(window) && panel->isVisible())
+            panel->raise();
+    }
+}
+
+void Platform::makeKey(QWidget& window)
+{
+    X11::KeyboardGrab::release(window);
+    new X11::KeyboardGrab(window); // the window owns it
+    window.setFocus();
+}
+
+void Platform::orderOut(QWidget& window)
+{
+    X11::KeyboardGrab::release(window);
+    window.hide();
+    if (xcb_connection_t* connection = X11::connection())
+        xcb_flush(connection);
+}

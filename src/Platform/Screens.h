@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Support/Geometry.h"
+
+#include <QPointer>
+#include <QScreen>
+#include <QString>
+
+#include <vector>
+
+namespace Platform {
+
+/// One screen. Rectangles are in global points: y up, origin at the bottom left of the primary
+/// screen.
+struct Screen {
+    QString name;
+    Geometry::Rect frame;
+    /// The frame less panels and docks.
+    Geometry::Rect visibleFrame;
+    /// Pixels a point.
+    double scale = 1;
+    /// Null once the screen is unplugged.
+    QPointer<QScreen> handle;
+};
+
+/// The screens as they are now, the primary one first; empty when there is none.
+std::vector<Screen> screens();
+
+/// Turns y over between Qt's desktop coordinates and global points, as the screens are now.
+Geometry::Flip desktopFlip();
+
+/// Where the pointer is, in global points.
+Geometry::Point mouseLocation();
+
+} // namespace Platform

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QtGlobal>
+
+QT_FORWARD_DECLARE_CLASS(QWidget)
+
+/// What Qt's window flags do not say of the program's panels.
+namespace Platform {
+
+/// Stacking levels; a window always lies below every open one of a higher level.
+enum class WindowLevel {
+    StatusPanel = 25,   ///< above ordinary windows, full-screen ones too
+    ScreenSaver = 1000, ///< above everything
+};
+
+struct WindowTraits {
+    WindowLevel level = WindowLevel::StatusPanel;
+    /// A click neither activates the program nor takes the keyboard from another one.
+    bool nonActivating = false;
+    /// The window lets what lies below show through.
+    bool translucent = true;
+};
+
+/// Makes `window` a frameless panel that is on every desktop and in no task bar or window switcher.
+/// Call once, before it is first shown.
+void applyTraits(QWidget& window, WindowTraits traits);
+
+/// Shows `window` on top of its level, whether or not the program is active.
+void orderFrontRegardless(QWidget& window);
+
+/// Gives the keyboard to `window`, which is shown, until it is ordered out. The window of another
+/// program that has the focus keeps it.
+void makeKey(QWidget& window);
+
+/// Hides `window` at once and gives the keyboard back.
+void orderOut(QWidget& window);
+
+} // namespace Platform

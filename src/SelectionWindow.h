@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Platform/Screens.h"
+
+#include <QPixmap>
+#include <QWidget>
+
+#include <memory>
+#include <optional>
+
+class SelectionSession;
+class SelectionView;
+
+/// The overlay of one screen: a borderless window that covers it and holds one selection view.
+class SelectionWindow : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `backdrop` is the picture to paint below the overlay where the window cannot be translucent.
+    SelectionWindow(const Platform::Screen& screen, std::weak_ptr<SelectionSession> session,
+                    std::optional<QPixmap> backdrop);
+
+    SelectionView& view() const { return *m_view; }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    std::weak_ptr<SelectionSession> m_session;
+    SelectionView* m_view; // our child
+};

@@ -1,0 +1,49 @@
+#include "StatusIcon.h"
+
+#include "Symbols.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QPixmap>
+
+#include <array>
+
+namespace {
+
+/// The sizes that tray hosts ask for, in pixels, at scales from 1 to 3.
+constexpr std::array sizes = {16, 18, 20, 22, 24, 28, 32, 36, 40, 44, 48, 64};
+
+const QColor lightBody(0xF4, 0xF6, 0xF8);
+const QColor recordingRed(0xFF, 0x3B, 0x30);
+const QColor darkRim(0x10, 0x12, 0x16, 0xD0);
+
+QPixmap draw(Symbols::Symbol symbol, const QColor& body, int size)
+{
+    QPixmap pixmap(size, size);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+
+    // The rim takes a pixel all round, whatever the size.
+    const double rim = std::max(1.0, size / 22.0);
+    const double side = size - 2 * rim;
+    QTransform toPixels;
+    toPixels.translate(rim, rim);
+    toPixels.scale(side, side);
+    const QPainterPath path = toPixels.map(Symbols::path(symbol));
+    painter.strokePath(path, QPen(darkRim, 2 * rim, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.fillPath(path, body);
+    return pixmap;
+}
+
+} // namespace
+
+QIcon StatusIcon::icon(bool recording)
+{
+    QIcon icon;
+    for (const int size : sizes) {
+        icon.addPixmap(recording ? draw(Symbols::Symbol::stopCircleFill, recordingRed, size)
+                                 : draw(Symbols::Symbol::cameraViewfinder, lightBody, size));
+    }
+    return icon;
+}

@@ -1,0 +1,39 @@
+#include "Support/CaptureFiles.h"
+
+#include <QDir>
+#include <QLocale>
+
+namespace {
+
+/// The time as the user's locale writes its digits; the locale is asked afresh each time.
+QString timestamp(const Clock& clock)
+{
+    return QLocale::system().toString(clock.now(), QStringLiteral("yyyy-MM-dd 'at' HH.mm.ss"));
+}
+
+QUrl fileNamed(const QString& name)
+{
+    return QUrl::fromLocalFile(CaptureFiles::folder() + QLatin1Char('/') + name);
+}
+
+} // namespace
+
+QString CaptureFiles::folder()
+{
+    return QDir::homePath() + QStringLiteral("/Pictures/Tamrik");
+}
+
+void CaptureFiles::createFolder()
+{
+    QDir().mkpath(folder());
+}
+
+QUrl CaptureFiles::newScreenshot(const Clock& clock)
+{
+    return fileNamed(QStringLiteral("Tamrik ") + timestamp(clock) + QStringLiteral(".png"));
+}
+
+QUrl CaptureFiles::newRecording(const Clock& clock)
+{
+    return fileNamed(QStringLiteral("Tamrik Rec ") + timestamp(clock) + QStringLiteral(".mp4"));
+}

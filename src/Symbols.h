@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QColor>
+#include <QRectF>
+
+QT_FORWARD_DECLARE_CLASS(QPainter)
+QT_FORWARD_DECLARE_CLASS(QPainterPath)
+
+/// The symbol images of the program, drawn by code at any size.
+namespace Symbols {
+
+enum class Symbol {
+    cameraViewfinder, ///< "camera.viewfinder"
+    stopCircleFill,   ///< "stop.circle.fill"
+};
+
+/// The symbol's filled outline in a square with corners (0, 0) and (1, 1), y down.
+QPainterPath path(Symbol symbol);
+
+/// Fills the symbol with `tint` inside `box` (logical pixels), as large as fits, centred.
+void draw(QPainter& painter, Symbol symbol, const QRectF& box, const QColor& tint);
+
+} // namespace Symbols

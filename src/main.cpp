@@ -1,0 +1,31 @@
+#include "AppDelegate.h"
+#include "Platform/Application.h"
+#include "Platform/Defaults.h"
+#include "Preferences.h"
+#include "Support/Clock.h"
+#include "Support/Log.h"
+
+#include <QApplication>
+#include <QTimer>
+
+#include <clocale>
+
+int main(int argc, char** argv)
+{
+    if (const Result<void> prepared = Platform::prepareApplication(); !prepared) {
+        Log::line(prepared.error());
+        return EXIT_FAILURE;
+    }
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Tamrik"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Tamrik"));
+    QApplication::setDesktopFileName(QStringLiteral("tamrik"));
+    // The application object has taken the locale from the environment; libraries that we call
+    // write and read numbers for machines.
+    std::setlocale(LC_NUMERIC, "C");
+
+    Preferences preferences(Platform::openDefaults());
+    AppDelegate delegate(preferences, Clock::system(), Subsystems{});
+    QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);
+    return QApplication::exec();
+}
