@@ -45,7 +45,7 @@ public:
     /// The newest screenshot, if its file still exists.
     std::optional<QUrl> lastCaptureURL() const;
 
-    const StatusMenu* statusMenu() const { return m_statusMenu.get(); }
+    StatusMenu* statusMenu() const { return m_statusMenu.get(); }
     const CaptureManager& capture() const { return m_capture; }
     bool hasCameraBubble() const { return m_cameraBubble != nullptr; }
     bool hasRecordingControls() const { return m_recordingControls != nullptr; }

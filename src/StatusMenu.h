@@ -42,8 +42,8 @@ public:
     void setCameraShown(bool shown);
     void setMicOn(bool on);
 
-    const QMenu& menu() const { return m_menu; }
-    const QMenu& positionMenu() const { return m_positionMenu; }
+    QMenu& menu() { return m_menu; }
+    QMenu& positionMenu() { return m_positionMenu; }
     const QSystemTrayIcon& statusItem() const { return m_statusItem; }
 
 private:

@@ -1,0 +1,177 @@
+#include "fakes/FakePlatform.h"
+
+#include "Platform/Application.h"
+#include "Platform/Backdrop.h"
+#include "Platform/CapturePermission.h"
+#include "Platform/LoginItem.h"
+
+#include <QGuiApplication>
+
+namespace {
+
+std::unique_ptr<FakePlatform>& instance()
+{
+    static auto platform = std::make_unique<FakePlatform>();
+    return platform;
+}
+
+} // namespace
+
+FakePlatform& FakePlatform::current()
+{
+    return *instance();
+}
+
+void FakePlatform::reset()
+{
+    // The handler is installed once in a process, so it stays.
+    const auto handler = current().hotKeyHandler;
+    instance() = std::make_unique<FakePlatform>();
+    current().hotKeyHandler = handler;
+    current().screens = {{.name = QStringLiteral("Fake"),
+                          .frame = {0, 0, 1440, 900},
+                          .visibleFrame = {0, 0, 1440, 875},
+                          .scale = 1,
+                          .handle = QGuiApplication::primaryScreen()}};
+}
+
+void FakePlatform::press(std::uint32_t keyCode, std::uint32_t modifiers)
+{
+    const auto registered = hotKeys; // a press may change them
+    for (const auto& [reference, hotKey] : registered) {
+        if (hotKey.keyCode == keyCode && hotKey.modifiers == modifiers)
+            hotKeyHandler(hotKey.identifier);
+    }
+}
+
+namespace Platform {
+
+Result<void> prepareApplication()
+{
+    return {};
+}
+
+void becomeAccessory()
+{
+    ++FakePlatform::current().accessory;
+}
+
+void activateIgnoringOthers()
+{
+    ++FakePlatform::current().activations;
+}
+
+std::optional<QPixmap> frozenBackdrop(const Screen&)
+{
+    return FakePlatform::current().backdrop;
+}
+
+bool preflightScreenCaptureAccess()
+{
+    return FakePlatform::current().captureAllowed;
+}
+
+bool requestScreenCaptureAccess()
+{
+    ++FakePlatform::current().captureRequests;
+    return false;
+}
+
+CaptureTool captureTool()
+{
+    return FakePlatform::current().tool;
+}
+
+void setHotKeyHandler(std::function<void(std::uint32_t)> handler)
+{
+    ++FakePlatform::current().handlersInstalled;
+    FakePlatform::current().hotKeyHandler = std::move(handler);
+}
+
+std::optional<HotKeyReference> registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
+                                              std::uint32_t identifier)
+{
+    auto& platform = FakePlatform::current();
+    platform.askedIdentifiers.push_back(identifier);
+    if (platform.refusedKeyCodes.contains(keyCode))
+        return std::nullopt;
+    platform.hotKeys[identifier] = {keyCode, modifiers, identifier};
+    return HotKeyReference{identifier};
+}
+
+void unregisterHotKey(HotKeyReference reference)
+{
+    FakePlatform::current().hotKeys.erase(reference.value);
+}
+
+bool loginItemEnabled()
+{
+    return FakePlatform::current().loginItem;
+}
+
+Result<void> enableLoginItem()
+{
+    auto& platform = FakePlatform::current();
+    if (!platform.loginItemError.isEmpty())
+        return Error{platform.loginItemError};
+    platform.loginItem = true;
+    return {};
+}
+
+Result<void> disableLoginItem()
+{
+    auto& platform = FakePlatform::current();
+    if (!platform.loginItemError.isEmpty())
+        return Error{platform.loginItemError};
+    platform.loginItem = false;
+    return {};
+}
+
+void writePasteboard(const PasteboardItem& item)
+{
+    FakePlatform::current().pasteboard.push_back(item);
+}
+
+std::vector<Screen> screens()
+{
+    return FakePlatform::current().screens;
+}
+
+Geometry::Flip desktopFlip()
+{
+    const auto& screens = FakePlatform::current().screens;
+    if (screens.empty())
+        return Geometry::Flip({});
+    return Geometry::Flip({0, 0, screens.front().frame.width, screens.front().frame.height});
+}
+
+Geometry::Point mouseLocation()
+{
+    return FakePlatform::current().mouse;
+}
+
+void applyTraits(QWidget& window, WindowTraits traits)
+{
+    FakePlatform::current().traits[&window] = traits;
+    window.setWindowFlags(Qt::FramelessWindowHint);
+    window.setAttribute(Qt::WA_TranslucentBackground, traits.translucent);
+}
+
+void orderFrontRegardless(QWidget& window)
+{
+    FakePlatform::current().front.emplace_back(&window);
+    window.show();
+}
+
+void makeKey(QWidget& window)
+{
+    FakePlatform::current().key = &window;
+}
+
+void orderOut(QWidget& window)
+{
+    FakePlatform::current().orderedOut.emplace_back(&window);
+    window.hide();
+}
+
+} // namespace Platform

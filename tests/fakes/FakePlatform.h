@@ -1,0 +1,61 @@
+#pragma once
+
+#include "Platform/CaptureTool.h"
+#include "Platform/HotKeys.h"
+#include "Platform/Pasteboard.h"
+#include "Platform/Screens.h"
+#include "Platform/WindowTraits.h"
+
+#include <QPixmap>
+#include <QPointer>
+#include <QWidget>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <vector>
+
+class QSettings;
+
+/// One more implementation of the seam: a desktop that exists only in the test, which arranges it
+/// and looks at what the program did to it.
+struct FakePlatform {
+    struct HotKey {
+        std::uint32_t keyCode;
+        std::uint32_t modifiers;
+        std::uint32_t identifier;
+    };
+
+    // The desktop as the program finds it.
+    std::vector<Platform::Screen> screens;
+    Geometry::Point mouse;
+    std::optional<QPixmap> backdrop;
+    Platform::CaptureTool tool;
+    std::set<std::uint32_t> refusedKeyCodes;
+    bool captureAllowed = true;
+    bool loginItem = false;
+    QString loginItemError;
+
+    // What the program did.
+    std::function<void(std::uint32_t)> hotKeyHandler;
+    int handlersInstalled = 0;
+    std::map<std::uint32_t, HotKey> hotKeys;
+    std::vector<std::uint32_t> askedIdentifiers;
+    std::vector<Platform::PasteboardItem> pasteboard;
+    std::map<const QWidget*, Platform::WindowTraits> traits;
+    std::vector<QPointer<QWidget>> front;
+    QPointer<QWidget> key;
+    std::vector<QPointer<QWidget>> orderedOut;
+    int accessory = 0;
+    int activations = 0;
+    int captureRequests = 0;
+
+    /// The desktop of the running test.
+    static FakePlatform& current();
+    /// A fresh one: a single screen of 1440 x 900 points.
+    static void reset();
+
+    /// Presses a registered hot key's keys.
+    void press(std::uint32_t keyCode, std::uint32_t modifiers);
+};

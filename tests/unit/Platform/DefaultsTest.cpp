@@ -1,0 +1,165 @@
+#include "Platform/Defaults.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+class DefaultsTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        oldConfig = qgetenv("XDG_CONFIG_HOME");
+        qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
+    }
+
+    void TearDown() override { qputenv("XDG_CONFIG_HOME", oldConfig); }
+
+    QString path() const { return folder.filePath(QStringLiteral("tamrik/preferences.json")); }
+
+    QByteArray contents(const QString& file) const
+    {
+        QFile f(file);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+
+    void overwrite(const QByteArray& bytes)
+    {
+        QDir(folder.path()).mkpath(QStringLiteral("tamrik"));
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(bytes), bytes.size());
+    }
+
+    /// Runs `work` in a child process, which has a store of its own.
+    static pid_t inChild(const std::function<void()>& work)
+    {
+        const pid_t child = fork();
+        if (child == 0) {
+            work();
+            _exit(0);
+        }
+        return child;
+    }
+
+    QTemporaryDir folder;
+    QByteArray oldConfig;
+};
+
+} // namespace
+
+TEST_F(DefaultsTest, ValuesKeepTheirTypes)
+{
+    {
+        const auto store = Platform::openDefaults();
+        store->setValue(QStringLiteral("text"), QStringLiteral("1"));
+        store->setValue(QStringLiteral("whole"), 4294967295LL);
+        store->setValue(QStringLiteral("real"), 0.1);
+        store->setValue(QStringLiteral("flag"), true);
+        store->sync();
+        EXPECT_EQ(store->status(), QSettings::NoError);
+    }
+    const auto store = Platform::openDefaults();
+    EXPECT_EQ(store->value(QStringLiteral("text")).typeId(), QMetaType::QString);
+    EXPECT_EQ(store->value(QStringLiteral("whole")).typeId(), QMetaType::LongLong);
+    EXPECT_EQ(store->value(QStringLiteral("whole")).toLongLong(), 4294967295LL);
+    EXPECT_EQ(store->value(QStringLiteral("real")).typeId(), QMetaType::Double);
+    EXPECT_EQ(store->value(QStringLiteral("real")).toDouble(), 0.1);
+    EXPECT_EQ(store->value(QStringLiteral("flag")).typeId(), QMetaType::Bool);
+}
+
+TEST_F(DefaultsTest, KeysOfOthersStay)
+{
+    overwrite(R"({"theirs": {"nested": [1, "two", null]}, "ours": 1})");
+    const auto store = Platform::openDefaults();
+    store->setValue(QStringLiteral("ours"), 2);
+    store->sync();
+    const QJsonObject written = QJsonDocument::fromJson(contents(path())).object();
+    EXPECT_EQ(
+        written,
+        QJsonDocument::fromJson(R"({"theirs": {"nested": [1, "two", null]}, "ours": 2})").object());
+}
+
+TEST_F(DefaultsTest, AnUnreadableStoreIsKeptAsideAndReadsAsEmpty)
+{
+    const QByteArray damaged = R"({"chipPosition": "topLeft", )";
+    overwrite(damaged);
+    const auto store = Platform::openDefaults();
+    EXPECT_TRUE(store->allKeys().isEmpty());
+    store->setValue(QStringLiteral("recordMic"), true);
+    store->sync();
+    EXPECT_EQ(contents(path() + QStringLiteral(".unreadable")), damaged);
+    EXPECT_EQ(QJsonDocument::fromJson(contents(path())).object(),
+              QJsonDocument::fromJson(R"({"recordMic": true})").object());
+}
+
+TEST_F(DefaultsTest, AStoreThatIsNoObjectIsKeptAsideToo)
+{
+    overwrite("[1, 2]");
+    EXPECT_TRUE(Platform::openDefaults()->allKeys().isEmpty());
+    EXPECT_EQ(contents(path() + QStringLiteral(".unreadable")), "[1, 2]");
+}
+
+TEST_F(DefaultsTest, TwoWritersDoNotLoseEachOthersKeys)
+{
+    constexpr int rounds = 50;
+    const auto write = [](const char* key) {
+        const auto store = Platform::openDefaults();
+        for (int i = 1; i <= rounds; ++i) {
+            store->setValue(QLatin1String(key), i);
+            store->sync();
+        }
+    };
+    const pid_t first = inChild([&] { write("first"); });
+    const pid_t second = inChild([&] { write("second"); });
+    for (const pid_t child : {first, second}) {
+        int status = -1;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    const auto store = Platform::openDefaults();
+    EXPECT_EQ(store->value(QStringLiteral("first")).toInt(), rounds);
+    EXPECT_EQ(store->value(QStringLiteral("second")).toInt(), rounds);
+}
+
+TEST_F(DefaultsTest, AWriterThatIsKilledLeavesTheOldOrTheNewFileWhole)
+{
+    Platform::openDefaults()->setValue(QStringLiteral("value"), 0);
+    for (int round = 0; round < 20; ++round) {
+        const pid_t child = inChild([] {
+            const auto store = Platform::openDefaults();
+            for (int i = 1;; ++i) {
+                store->setValue(QStringLiteral("value"), i);
+                store->sync();
+            }
+        });
+        std::this_thread::sleep_for(std::chrono::milliseconds(2 + round));
+        ASSERT_EQ(kill(child, SIGKILL), 0);
+        ASSERT_EQ(waitpid(child, nullptr, 0), child);
+        ASSERT_TRUE(
+            QJsonDocument::fromJson(contents(path())).object().contains(QStringLiteral("value")));
+    }
+    EXPECT_FALSE(QFile::exists(path() + QStringLiteral(".unreadable")));
+}
+
+TEST_F(DefaultsTest, AFolderThatCannotBeMadeStillReadsAndRemembers)
+{
+    QFile inTheWay(folder.filePath(QStringLiteral("tamrik")));
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    const auto store = Platform::openDefaults();
+    store->setValue(QStringLiteral("recordMic"), true);
+    store->sync();
+    EXPECT_TRUE(store->value(QStringLiteral("recordMic")).toBool());
+}

@@ -1,0 +1,84 @@
+#include "Platform/LoginItem.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class LoginItemTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        oldConfig = qgetenv("XDG_CONFIG_HOME");
+        qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
+    }
+
+    void TearDown() override { qputenv("XDG_CONFIG_HOME", oldConfig); }
+
+    QString entry() const { return folder.filePath(QStringLiteral("autostart/tamrik.desktop")); }
+
+    QByteArray contents() const
+    {
+        QFile file(entry());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    void append(const QByteArray& line)
+    {
+        QFile file(entry());
+        ASSERT_TRUE(file.open(QIODevice::Append));
+        file.write(line);
+    }
+
+    QTemporaryDir folder;
+    QByteArray oldConfig;
+};
+
+} // namespace
+
+TEST_F(LoginItemTest, EnablingWritesAnAutostartEntryForThisProgram)
+{
+    EXPECT_FALSE(Platform::loginItemEnabled());
+    ASSERT_TRUE(Platform::enableLoginItem());
+    EXPECT_TRUE(Platform::loginItemEnabled());
+    const QByteArray text = contents();
+    EXPECT_TRUE(text.startsWith("[Desktop Entry]\nType=Application\n"));
+    EXPECT_TRUE(
+        text.contains("\nExec=\"" + QCoreApplication::applicationFilePath().toUtf8() + "\"\n"))
+        << text.constData();
+}
+
+TEST_F(LoginItemTest, DisablingRemovesIt)
+{
+    ASSERT_TRUE(Platform::enableLoginItem());
+    ASSERT_TRUE(Platform::disableLoginItem());
+    EXPECT_FALSE(Platform::loginItemEnabled());
+    EXPECT_FALSE(QFile::exists(entry()));
+}
+
+TEST_F(LoginItemTest, AnEntryThatTheDesktopSwitchedOffIsNotEnabled)
+{
+    for (const char* line : {"Hidden=true\n", "X-GNOME-Autostart-enabled = false\n"}) {
+        ASSERT_TRUE(Platform::enableLoginItem());
+        append(line);
+        EXPECT_FALSE(Platform::loginItemEnabled()) << line;
+        ASSERT_TRUE(Platform::enableLoginItem());
+        EXPECT_TRUE(Platform::loginItemEnabled()) << line;
+    }
+}
+
+TEST_F(LoginItemTest, AFailureSaysWhy)
+{
+    QFile inTheWay(folder.filePath(QStringLiteral("autostart")));
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    const Result<void> enabled = Platform::enableLoginItem();
+    ASSERT_FALSE(enabled);
+    EXPECT_FALSE(enabled.error().isEmpty());
+    const Result<void> disabled = Platform::disableLoginItem();
+    ASSERT_FALSE(disabled);
+    EXPECT_FALSE(disabled.error().isEmpty());
+}
