@@ -3,6 +3,8 @@
 #include <cstdlib>
 
 #include <sys/socket.h>
+#include <xcb/randr.h>
+#include <xcb/shm.h>
 #include <xcb/xcb.h>
 
 namespace X11 {
@@ -30,6 +32,10 @@ Result<Connection> Connection::open()
     std::unique_ptr<xcb_connection_t, Disconnect> connection(xcb_connect(name, &screenNumber));
     if (xcb_connection_has_error(connection.get()))
         return Failure{std::string("cannot open display \"") + name + '"'};
+
+    // Asked for together, since each question by itself costs a round trip.
+    xcb_prefetch_extension_data(connection.get(), &xcb_shm_id);
+    xcb_prefetch_extension_data(connection.get(), &xcb_randr_id);
 
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection.get()));
     while (screens.rem > 1 && screenNumber-- > 0)

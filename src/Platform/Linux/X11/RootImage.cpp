@@ -58,19 +58,15 @@ Result<PixelFormat> rootFormat(const Connection& connection)
     return format;
 }
 
-/// What of `wanted` lies on the root window, as large as that is now.
-Result<PixelRect> onRoot(const Connection& connection, const PixelRect& wanted)
+/// What of `wanted` lies on the root window, as large as that was when the connection was made.
+Result<PixelRect> onRoot(const xcb_screen_t& screen, const PixelRect& wanted)
 {
-    const Reply<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(
-        connection.get(), xcb_get_geometry(connection.get(), connection.screen().root), nullptr));
-    if (!root)
-        return connection.lostOr("cannot read the size of the root window");
     const std::int64_t left = std::max<std::int64_t>(wanted.x, 0);
     const std::int64_t top = std::max<std::int64_t>(wanted.y, 0);
     const std::int64_t right =
-        std::min<std::int64_t>(std::int64_t{wanted.x} + wanted.width, root->width);
+        std::min<std::int64_t>(std::int64_t{wanted.x} + wanted.width, screen.width_in_pixels);
     const std::int64_t bottom =
-        std::min<std::int64_t>(std::int64_t{wanted.y} + wanted.height, root->height);
+        std::min<std::int64_t>(std::int64_t{wanted.y} + wanted.height, screen.height_in_pixels);
     if (left >= right || top >= bottom)
         return Failure{"the rectangle lies off the desktop"};
     return PixelRect{static_cast<std::int32_t>(left), static_cast<std::int32_t>(top),
@@ -157,7 +153,7 @@ Result<RootImage> RootImage::grab(const Connection& connection, const PixelRect&
     const Result<PixelFormat> format = rootFormat(connection);
     if (!format)
         return format.failure();
-    const Result<PixelRect> area = onRoot(connection, wanted);
+    const Result<PixelRect> area = onRoot(connection.screen(), wanted);
     if (!area)
         return area.failure();
 

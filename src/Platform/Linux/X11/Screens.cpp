@@ -29,25 +29,25 @@ std::string atomName(xcb_connection_t* connection, xcb_atom_t atom)
             static_cast<std::size_t>(xcb_get_atom_name_name_length(name.get()))};
 }
 
-bool hasMonitors(xcb_connection_t* connection)
+bool hasRandr(xcb_connection_t* connection)
 {
     const xcb_query_extension_reply_t* const extension =
         xcb_get_extension_data(connection, &xcb_randr_id);
-    if (!extension || !extension->present)
-        return false;
-    const Reply<xcb_randr_query_version_reply_t> version(xcb_randr_query_version_reply(
-        connection, xcb_randr_query_version(connection, 1, 5), nullptr));
-    return version && (version->major_version > 1 || version->minor_version >= 5);
+    return extension && extension->present;
 }
 
 /// With no frames and scales yet, the primary one first.
 std::vector<Screen> monitors(xcb_connection_t* connection, xcb_window_t root)
 {
     std::vector<Screen> found;
-    if (!hasMonitors(connection))
+    if (!hasRandr(connection))
         return found;
-    const Reply<xcb_randr_get_monitors_reply_t> reply(xcb_randr_get_monitors_reply(
-        connection, xcb_randr_get_monitors(connection, root, true), nullptr));
+    // Sent together; a server older than 1.5 answers the second one with an error.
+    const auto version = xcb_randr_query_version(connection, 1, 5);
+    const auto list = xcb_randr_get_monitors(connection, root, true);
+    xcb_discard_reply(connection, version.sequence);
+    const Reply<xcb_randr_get_monitors_reply_t> reply(
+        xcb_randr_get_monitors_reply(connection, list, nullptr));
     if (!reply)
         return found;
     for (auto each = xcb_randr_get_monitors_monitors_iterator(reply.get()); each.rem;
