@@ -39,15 +39,16 @@ void CaptureManager::captureRect(Geometry::Rect rect, Completion completion)
     };
 
     auto* process = new Process(this);
-    const Result<void> started = process->start(command, [this, process, file, completion] {
+    const PossibleFailure failure = process->start(command, [this, process, file, completion] {
         process->deleteLater();
         m_isCapturing = false;
         completion(QFileInfo::exists(file.toLocalFile()) ? file : QUrl());
     });
-    if (!started) {
+    if (failure) {
         process->deleteLater();
         m_isCapturing = false;
-        Log::line(QStringLiteral("failed to launch screencapture: ") + started.error());
+        Log::line(QStringLiteral("failed to launch screencapture: ") +
+                  QString::fromStdString(failure->message));
         completion({});
     }
 }

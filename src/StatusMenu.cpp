@@ -163,10 +163,12 @@ void StatusMenu::positionChanged(const QAction& item)
 void StatusMenu::toggleLaunchAtLogin()
 {
     const bool enabled = Platform::loginItemEnabled();
-    const Result<void> toggled =
+    const PossibleFailure failure =
         enabled ? Platform::disableLoginItem() : Platform::enableLoginItem();
-    if (!toggled)
-        Log::line(QStringLiteral("launch-at-login toggle failed: ") + toggled.error());
+    if (failure) {
+        Log::line(QStringLiteral("launch-at-login toggle failed: ") +
+                  QString::fromStdString(failure->message));
+    }
     // The click has flipped the tick already: on failure this puts it back.
-    setTick(*m_launchAtLoginItem, toggled ? !enabled : enabled);
+    setTick(*m_launchAtLoginItem, failure ? enabled : !enabled);
 }

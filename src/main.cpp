@@ -12,8 +12,8 @@
 
 int main(int argc, char** argv)
 {
-    if (const Result<void> prepared = Platform::prepareApplication(); !prepared) {
-        Log::line(prepared.error());
+    if (const PossibleFailure failure = Platform::prepareApplication()) {
+        Log::line(QString::fromStdString(failure->message));
         return EXIT_FAILURE;
     }
     QApplication app(argc, argv);

@@ -7,7 +7,7 @@ namespace Platform {
 
 /// Called first of all, before the application object is made: settles which window system to use.
 /// Fails, with a line for the user, when there is no desktop to run on.
-Result<void> prepareApplication();
+[[nodiscard]] PossibleFailure prepareApplication();
 
 /// No task bar entry, no main menu; the program goes on when its last window closes.
 void becomeAccessory();

@@ -6,7 +6,7 @@
 namespace Platform {
 
 bool loginItemEnabled();
-Result<void> enableLoginItem();
-Result<void> disableLoginItem();
+[[nodiscard]] PossibleFailure enableLoginItem();
+[[nodiscard]] PossibleFailure disableLoginItem();
 
 } // namespace Platform

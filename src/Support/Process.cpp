@@ -20,7 +20,7 @@ Process::~Process()
         m_process.waitForFinished(quitGraceMilliseconds);
 }
 
-Result<void> Process::start(const Command& command, std::function<void()> ended)
+PossibleFailure Process::start(const Command& command, std::function<void()> ended)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (auto it = command.environment.begin(); it != command.environment.end(); ++it)
@@ -30,9 +30,9 @@ Result<void> Process::start(const Command& command, std::function<void()> ended)
     m_process.start(command.program, command.arguments);
     // Only waits until the child has replaced its image, which takes a millisecond or two.
     if (!m_process.waitForStarted(-1))
-        return Error{m_process.errorString()};
+        return Failure{m_process.errorString().toStdString()};
     connect(
         &m_process, &QProcess::finished, this, [ended = std::move(ended)] { ended(); },
         Qt::QueuedConnection);
-    return {};
+    return std::nullopt;
 }

@@ -28,7 +28,7 @@ public:
 
     /// Starts the child. `ended` is called once on the main thread, never before this function has
     /// returned, when the child has exited or was killed; not at all when starting failed.
-    Result<void> start(const Command& command, std::function<void()> ended);
+    [[nodiscard]] PossibleFailure start(const Command& command, std::function<void()> ended);
 
 private:
     QProcess m_process;

@@ -1,57 +1,55 @@
 #pragma once
 
-#include <QString>
-
+#include <cassert>
+#include <optional>
+#include <string>
 #include <utility>
 #include <variant>
 
-/// Why something failed, in words for a log line: no prefix, no final full stop.
-struct Error {
-    QString text;
+/// Why something could not be done, as one line for people: no line end, no full stop.
+struct Failure {
+    std::string message;
 };
 
-/// A value, or the reason why there is none.
-template <typename T>
+/// What a function that only acts comes back with: nothing, or why it failed.
+using PossibleFailure = std::optional<Failure>;
+
+/// A value, or why there is none. Free of Qt, so that the capture tool can use it.
+template <class Value>
 class [[nodiscard]] Result {
 public:
-    Result(T value)
+    Result(Value value)
         : m_content(std::in_place_index<0>, std::move(value))
     {
     }
-    Result(Error error)
-        : m_content(std::in_place_index<1>, std::move(error))
+    Result(Failure failure)
+        : m_content(std::in_place_index<1>, std::move(failure))
     {
     }
 
-    bool ok() const { return m_content.index() == 0; }
-    explicit operator bool() const { return ok(); }
-    /// Only when ok().
-    T& value() { return std::get<0>(m_content); }
-    const T& value() const { return std::get<0>(m_content); }
-    /// Only when not ok().
-    const QString& error() const { return std::get<1>(m_content).text; }
+    explicit operator bool() const { return m_content.index() == 0; }
 
-private:
-    std::variant<T, Error> m_content;
-};
-
-/// Success, or the reason for the failure.
-template <>
-class [[nodiscard]] Result<void> {
-public:
-    Result() = default;
-    Result(Error error)
-        : m_error(std::move(error.text))
-        , m_ok(false)
+    /// Only when there is a value.
+    Value& operator*()
     {
+        assert(*this);
+        return *std::get_if<0>(&m_content);
+    }
+    const Value& operator*() const
+    {
+        assert(*this);
+        return *std::get_if<0>(&m_content);
+    }
+    Value* operator->() { return &**this; }
+    const Value* operator->() const { return &**this; }
+
+    /// Only when there is no value.
+    const Failure& failure() const
+    {
+        assert(!*this);
+        return *std::get_if<1>(&m_content);
     }
 
-    bool ok() const { return m_ok; }
-    explicit operator bool() const { return m_ok; }
-    /// Only when not ok().
-    const QString& error() const { return m_error; }
-
 private:
-    QString m_error;
-    bool m_ok = true;
+    std::variant<Value, Failure> m_content;
 };

@@ -37,11 +37,15 @@ struct Screen {
     friend bool operator==(const Screen&, const Screen&) = default;
 };
 
-/// The table as text, one line a screen, the primary screen first.
+/// The table as text, one line a screen, the primary screen first. A line is nine numbers and the
+/// name, with one space between: frame x, y, width, height; pixel x, y, width, height; scale; name.
+/// The numbers read back exactly, in every locale. In the name control characters and '%' are
+/// written as '%' and two lower-case hexadecimal digits.
 std::string write(const std::vector<Screen>& screens);
 
-/// Reads what `write` made. Absent when any line is malformed, when a size or scale is not positive
-/// and finite, or when there is no screen at all.
+/// Reads what `write` made; the last line may lack its line end. Absent when any line is malformed,
+/// when a size or scale is not positive and finite, when a pixel lies farther than 2^24 from the
+/// origin, or when there is no screen at all.
 std::optional<std::vector<Screen>> read(std::string_view text);
 
 /// Where a rectangle lies on the root window, and at what scale.
@@ -60,8 +64,9 @@ struct Placement {
 /// scale. What lies off all screens is cut away: the result is the smallest rectangle around what
 /// is left.
 ///
-/// Absent when nothing is left: the rectangle lies wholly off the screens, is empty, has a value
-/// that is not finite, or is thinner than a pixel.
+/// A screen that `read` would refuse counts for nothing. Absent when nothing is left: the rectangle
+/// lies wholly off the screens, is empty, has a value that is not finite, or is thinner than a
+/// pixel.
 std::optional<Placement> place(Geometry::TopLeftRect points, const std::vector<Screen>& screens);
 
 } // namespace ScreenTable

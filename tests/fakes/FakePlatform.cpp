@@ -46,9 +46,9 @@ void FakePlatform::press(std::uint32_t keyCode, std::uint32_t modifiers)
 
 namespace Platform {
 
-Result<void> prepareApplication()
+PossibleFailure prepareApplication()
 {
-    return {};
+    return std::nullopt;
 }
 
 void becomeAccessory()
@@ -109,22 +109,22 @@ bool loginItemEnabled()
     return FakePlatform::current().loginItem;
 }
 
-Result<void> enableLoginItem()
+PossibleFailure enableLoginItem()
 {
     auto& platform = FakePlatform::current();
     if (!platform.loginItemError.isEmpty())
-        return Error{platform.loginItemError};
+        return Failure{platform.loginItemError.toStdString()};
     platform.loginItem = true;
-    return {};
+    return std::nullopt;
 }
 
-Result<void> disableLoginItem()
+PossibleFailure disableLoginItem()
 {
     auto& platform = FakePlatform::current();
     if (!platform.loginItemError.isEmpty())
-        return Error{platform.loginItemError};
+        return Failure{platform.loginItemError.toStdString()};
     platform.loginItem = false;
-    return {};
+    return std::nullopt;
 }
 
 void writePasteboard(const PasteboardItem& item)

@@ -47,8 +47,8 @@ bool isAllowed(const QString& warning)
     const auto matches = [&warning](const QRegularExpression& pattern) {
         return pattern.match(warning).hasMatch();
     };
-    return std::any_of(heard().allowed.begin(), heard().allowed.end(), matches)
-        || std::any_of(heard().allowedAlways.begin(), heard().allowedAlways.end(), matches);
+    return std::any_of(heard().allowed.begin(), heard().allowed.end(), matches) ||
+           std::any_of(heard().allowedAlways.begin(), heard().allowedAlways.end(), matches);
 }
 
 class SilenceListener : public testing::EmptyTestEventListener {

@@ -10,17 +10,17 @@ constexpr const char* platformVariable = "QT_QPA_PLATFORM";
 
 } // namespace
 
-Result<void> Platform::prepareApplication()
+PossibleFailure Platform::prepareApplication()
 {
     // Global hot keys, panels that take no focus and screenshots go through the X server, also
     // where a Wayland session offers one beside itself.
     if (qEnvironmentVariableIsEmpty(platformVariable))
         qputenv(platformVariable, "xcb");
-    if (qgetenv(platformVariable).startsWith("xcb") && !X11::canConnect()) {
-        return Error{
-            QStringLiteral("cannot open display \"%1\"").arg(qEnvironmentVariable("DISPLAY"))};
+    if (qgetenv(platformVariable).startsWith("xcb")) {
+        if (const auto connection = X11::Connection::open(); !connection)
+            return connection.failure();
     }
-    return {};
+    return std::nullopt;
 }
 
 void Platform::becomeAccessory()

@@ -49,13 +49,13 @@ bool Platform::loginItemEnabled()
     return true;
 }
 
-Result<void> Platform::enableLoginItem()
+PossibleFailure Platform::enableLoginItem()
 {
     const QString path = entryPath();
     QDir().mkpath(QFileInfo(path).path()); // a failure shows when the file cannot be opened
     QSaveFile entry(path);
     if (!entry.open(QIODevice::WriteOnly))
-        return Error{entry.errorString()};
+        return Failure{entry.errorString().toStdString()};
     entry.write("[Desktop Entry]\n"
                 "Type=Application\n"
                 "Name=Tamrik\n"
@@ -64,14 +64,14 @@ Result<void> Platform::enableLoginItem()
                 "\n"
                 "Terminal=false\n");
     if (!entry.commit())
-        return Error{entry.errorString()};
-    return {};
+        return Failure{entry.errorString().toStdString()};
+    return std::nullopt;
 }
 
-Result<void> Platform::disableLoginItem()
+PossibleFailure Platform::disableLoginItem()
 {
     QFile entry(entryPath());
     if (!entry.remove())
-        return Error{entry.errorString()};
-    return {};
+        return Failure{entry.errorString().toStdString()};
+    return std::nullopt;
 }

@@ -2,21 +2,23 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 TEST(Result, HoldsAValueOrTheReasonForNone)
 {
     const Result<int> value = 5;
     ASSERT_TRUE(value);
-    EXPECT_EQ(value.value(), 5);
+    EXPECT_EQ(*value, 5);
 
-    const Result<int> failure = Error{QStringLiteral("no room")};
-    ASSERT_FALSE(failure);
-    EXPECT_EQ(failure.error(), QStringLiteral("no room"));
+    const Result<int> none = Failure{"no room"};
+    ASSERT_FALSE(none);
+    EXPECT_EQ(none.failure().message, "no room");
 }
 
-TEST(Result, OfNothingSucceedsByDefault)
+TEST(Result, GivesItsValueAway)
 {
-    EXPECT_TRUE(Result<void>());
-    const Result<void> failure = Error{QStringLiteral("taken")};
-    ASSERT_FALSE(failure);
-    EXPECT_EQ(failure.error(), QStringLiteral("taken"));
+    Result<std::unique_ptr<int>> value = std::make_unique<int>(7);
+    ASSERT_TRUE(value);
+    const std::unique_ptr<int> taken = std::move(*value);
+    EXPECT_EQ(*taken, 7);
 }

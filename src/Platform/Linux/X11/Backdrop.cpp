@@ -1,6 +1,6 @@
 #include "Platform/Backdrop.h"
 
-#include "Platform/Linux/X11/Connection.h"
+#include "Platform/Linux/X11/QtConnection.h"
 
 namespace {
 
@@ -8,10 +8,10 @@ namespace {
 /// Manager Hints 1.5, "Compositing Managers").
 bool composited()
 {
-    const QByteArray name = "_NET_WM_CM_S" + QByteArray::number(X11::screenNumber());
-    const auto cookie = xcb_get_selection_owner(X11::connection(), X11::atom(name.constData()));
+    const QByteArray name = "_NET_WM_CM_S" + QByteArray::number(X11::qtScreenNumber());
+    const auto cookie = xcb_get_selection_owner(X11::qtConnection(), X11::atom(name.constData()));
     const X11::Reply<xcb_get_selection_owner_reply_t> reply(
-        xcb_get_selection_owner_reply(X11::connection(), cookie, nullptr));
+        xcb_get_selection_owner_reply(X11::qtConnection(), cookie, nullptr));
     return reply && reply->owner != XCB_WINDOW_NONE;
 }
 
@@ -19,7 +19,7 @@ bool composited()
 
 std::optional<QPixmap> Platform::frozenBackdrop(const Screen& screen)
 {
-    if (!X11::connection() || !screen.handle || composited())
+    if (!X11::qtConnection() || !screen.handle || composited())
         return std::nullopt;
     QPixmap picture = screen.handle->grabWindow(0);
     if (picture.isNull())

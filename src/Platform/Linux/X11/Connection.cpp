@@ -1,78 +1,63 @@
 #include "Platform/Linux/X11/Connection.h"
 
-#include <QGuiApplication>
-#include <QtGui/qguiapplication_platform.h>
+#include <cstdlib>
 
-#include <cstring>
+#include <sys/socket.h>
+#include <xcb/randr.h>
+#include <xcb/shm.h>
+#include <xcb/xcb.h>
 
-namespace {
+namespace X11 {
 
-constexpr std::uint32_t largestProperty = 64 * 1024; // in 32-bit values
-
-QNativeInterface::QX11Application* x11Application()
+void Disconnect::operator()(xcb_connection_t* connection) const
 {
-    return qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-}
-
-/// The number behind the dot of a display name, such as 1 in ":0.1".
-int screenNumberFromEnvironment()
-{
-    int number = 0;
-    char* host = nullptr;
-    int display = 0;
-    if (!xcb_parse_display(nullptr, &host, &display, &number))
-        return 0;
-    std::free(host);
-    return number;
-}
-
-} // namespace
-
-bool X11::canConnect()
-{
-    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
-    const bool connected = xcb_connection_has_error(connection) == 0;
     xcb_disconnect(connection);
-    return connected;
 }
 
-xcb_connection_t* X11::connection()
+Connection::Connection(std::unique_ptr<xcb_connection_t, Disconnect> connection,
+                       xcb_screen_t* screen)
+    : m_connection(std::move(connection))
+    , m_screen(screen)
 {
-    auto* app = x11Application();
-    return app ? app->connection() : nullptr;
 }
 
-int X11::screenNumber()
+Result<Connection> Connection::open()
 {
-    static const int number = screenNumberFromEnvironment();
-    return number;
+    const char* const name = std::getenv("DISPLAY");
+    if (!name || !*name)
+        return Failure{"cannot open display: DISPLAY is not set"};
+
+    int screenNumber = 0;
+    // xcb_connect never returns null; what it returns wants disconnecting even when it failed.
+    std::unique_ptr<xcb_connection_t, Disconnect> connection(xcb_connect(name, &screenNumber));
+    if (xcb_connection_has_error(connection.get()))
+        return Failure{std::string("cannot open display \"") + name + '"'};
+
+    // Asked for together, since each question by itself costs a round trip.
+    xcb_prefetch_extension_data(connection.get(), &xcb_shm_id);
+    xcb_prefetch_extension_data(connection.get(), &xcb_randr_id);
+
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection.get()));
+    while (screens.rem > 1 && screenNumber-- > 0)
+        xcb_screen_next(&screens);
+    return Connection(std::move(connection), screens.data);
 }
 
-const xcb_screen_t& X11::screen()
+bool Connection::carriesDescriptors() const
 {
-    xcb_screen_iterator_t it = xcb_setup_roots_iterator(xcb_get_setup(connection()));
-    for (int i = 0; i < screenNumber() && it.rem > 1; ++i)
-        xcb_screen_next(&it);
-    return *it.data;
+    sockaddr_storage address{};
+    socklen_t length = sizeof address;
+    const int socket = xcb_get_file_descriptor(m_connection.get());
+    void* const storage = &address;
+    return getsockname(socket, static_cast<sockaddr*>(storage), &length) == 0 &&
+           address.ss_family == AF_UNIX;
 }
 
-xcb_atom_t X11::atom(const char* name)
+Failure Connection::lostOr(const char* refusal) const
 {
-    const auto cookie =
-        xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-    const Reply<xcb_intern_atom_reply_t> reply(
-        xcb_intern_atom_reply(connection(), cookie, nullptr));
-    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+    if (xcb_connection_has_error(m_connection.get()))
+        return Failure{"lost the connection to the X server"};
+    return Failure{refusal};
 }
 
-std::vector<std::uint32_t> X11::property32(xcb_window_t window, const char* name)
-{
-    const auto cookie = xcb_get_property(connection(), 0, window, atom(name),
-                                         XCB_GET_PROPERTY_TYPE_ANY, 0, largestProperty);
-    const Reply<xcb_get_property_reply_t> reply(
-        xcb_get_property_reply(connection(), cookie, nullptr));
-    if (!reply || reply->format != 32)
-        return {};
-    const auto* values = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-    return {values, values + xcb_get_property_value_length(reply.get()) / 4};
-}
+} // namespace X11

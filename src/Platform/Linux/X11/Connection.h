@@ -1,41 +1,44 @@
 #pragma once
 
-#include <QtGlobal>
-
-#include <xcb/xcb.h>
+#include "Support/Result.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
-#include <vector>
 
-/// Qt's own connection to the X server. Main thread only.
+struct xcb_connection_t;
+struct xcb_screen_t;
+
 namespace X11 {
 
-struct FreeReply {
-    void operator()(void* reply) const { std::free(reply); }
+struct Disconnect {
+    void operator()(xcb_connection_t* connection) const;
 };
 
-/// Owns a reply, event or error that libxcb allocated.
-template <typename T>
-using Reply = std::unique_ptr<T, FreeReply>;
+/// A connection to the X server and the screen that the display's name chose.
+///
+/// Not for use from several threads at once.
+class Connection {
+public:
+    /// Opens the display that the environment variable DISPLAY names.
+    static Result<Connection> open();
 
-/// Whether an X server answers at the display that the environment names.
-bool canConnect();
+    xcb_connection_t* get() const { return m_connection.get(); }
 
-/// Null when Qt does not run on X11.
-xcb_connection_t* connection();
+    /// Owned by the connection.
+    const xcb_screen_t& screen() const { return *m_screen; }
 
-/// The screen that Qt uses. Only when there is a connection.
-const xcb_screen_t& screen();
+    /// Whether file descriptors can travel over it: only a local socket carries them, and trying it
+    /// on another one breaks the connection.
+    bool carriesDescriptors() const;
 
-/// The number of that screen.
-int screenNumber();
+    /// What to say when a reply stayed away: the server is gone, or it refused what was asked.
+    Failure lostOr(const char* refusal) const;
 
-/// The atom of that name, made when it does not exist.
-xcb_atom_t atom(const char* name);
+private:
+    Connection(std::unique_ptr<xcb_connection_t, Disconnect> connection, xcb_screen_t* screen);
 
-/// A property of 32-bit values; empty when the window has none of that name and format.
-std::vector<std::uint32_t> property32(xcb_window_t window, const char* name);
+    std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
+    xcb_screen_t* m_screen; // lives inside the connection's setup block
+};
 
 } // namespace X11

@@ -1,8 +1,8 @@
 #include "Platform/HotKeys.h"
 
-#include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/KeyCodes.h"
 #include "Platform/Linux/X11/ModifierMap.h"
+#include "Platform/Linux/X11/QtConnection.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QCoreApplication>
@@ -86,11 +86,11 @@ private:
     /// Grabs the key under every state of the locks; none of them when the server refuses one.
     static bool grab(const Registration& wanted, const X11::ModifierMap& map)
     {
-        xcb_connection_t* connection = X11::connection();
+        xcb_connection_t* connection = X11::qtConnection();
         bool granted = true;
         for (const std::uint16_t locks : map.lockVariants()) {
             const auto cookie =
-                xcb_grab_key_checked(connection, 1, X11::screen().root,
+                xcb_grab_key_checked(connection, 1, X11::qtScreen().root,
                                      static_cast<std::uint16_t>(wanted.modifiers | locks),
                                      wanted.keyCode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
             const X11::Reply<xcb_generic_error_t> error(xcb_request_check(connection, cookie));
@@ -103,11 +103,11 @@ private:
 
     static void ungrab(const Registration& registration, const X11::ModifierMap& map)
     {
-        xcb_connection_t* connection = X11::connection();
+        xcb_connection_t* connection = X11::qtConnection();
         if (!connection)
             return;
         for (const std::uint16_t locks : map.lockVariants()) {
-            xcb_ungrab_key(connection, registration.keyCode, X11::screen().root,
+            xcb_ungrab_key(connection, registration.keyCode, X11::qtScreen().root,
                            static_cast<std::uint16_t>(registration.modifiers | locks));
         }
         xcb_flush(connection);
@@ -127,7 +127,7 @@ private:
 
     bool keyPressed(const xcb_key_press_event_t& event)
     {
-        if (event.event != X11::screen().root)
+        if (event.event != X11::qtScreen().root)
             return false;
         const X11::ModifierMap map;
         const unsigned state = event.state & map.relevant();
@@ -147,7 +147,7 @@ private:
 
     bool keyReleased(const xcb_key_release_event_t& event)
     {
-        if (event.event != X11::screen().root)
+        if (event.event != X11::qtScreen().root)
             return false;
         m_releasedKey = event.detail;
         m_releaseTime = event.time;
@@ -171,7 +171,7 @@ std::optional<Platform::HotKeyReference>
 Platform::registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers, std::uint32_t identifier)
 {
     const auto key = X11::keyCodeFromVirtual(keyCode);
-    if (!key || !X11::connection())
+    if (!key || !X11::qtConnection())
         return std::nullopt;
     return HotKeyGrabber::instance().add(*key, modifiers, identifier);
 }

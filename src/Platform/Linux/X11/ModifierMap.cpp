@@ -1,7 +1,7 @@
 #include "Platform/Linux/X11/ModifierMap.h"
 
 #include "Platform/HotKeys.h"
-#include "Platform/Linux/X11/Connection.h"
+#include "Platform/Linux/X11/QtConnection.h"
 
 #include <X11/keysym.h>
 #include <xcb/xcb_keysyms.h>
@@ -47,10 +47,10 @@ X11::ModifierMap::ModifierMap()
     , m_super(XCB_MOD_MASK_4)
     , m_numLock(XCB_MOD_MASK_2)
 {
-    const auto cookie = xcb_get_modifier_mapping(connection());
+    const auto cookie = xcb_get_modifier_mapping(qtConnection());
     const Reply<xcb_get_modifier_mapping_reply_t> mapping(
-        xcb_get_modifier_mapping_reply(connection(), cookie, nullptr));
-    const KeySymbols symbols(xcb_key_symbols_alloc(connection()));
+        xcb_get_modifier_mapping_reply(qtConnection(), cookie, nullptr));
+    const KeySymbols symbols(xcb_key_symbols_alloc(qtConnection()));
     if (!mapping || !symbols)
         return;
     m_alt = modifierOf(*symbols, *mapping, {XK_Alt_L, XK_Alt_R, XK_Meta_L}, m_alt);

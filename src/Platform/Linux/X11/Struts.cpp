@@ -1,6 +1,6 @@
 #include "Platform/Linux/X11/Struts.h"
 
-#include "Platform/Linux/X11/Connection.h"
+#include "Platform/Linux/X11/QtConnection.h"
 
 #include <algorithm>
 
@@ -9,9 +9,9 @@ namespace {
 /// The root window's size now: screens may have come and gone since the connection was made.
 QSize rootSize()
 {
-    const auto cookie = xcb_get_geometry(X11::connection(), X11::screen().root);
+    const auto cookie = xcb_get_geometry(X11::qtConnection(), X11::qtScreen().root);
     const X11::Reply<xcb_get_geometry_reply_t> reply(
-        xcb_get_geometry_reply(X11::connection(), cookie, nullptr));
+        xcb_get_geometry_reply(X11::qtConnection(), cookie, nullptr));
     return reply ? QSize(reply->width, reply->height) : QSize();
 }
 
@@ -43,9 +43,9 @@ int depth(std::uint32_t value)
 std::vector<X11::Strut> X11::struts()
 {
     std::vector<Strut> found;
-    if (!connection())
+    if (!qtConnection())
         return found;
-    for (const xcb_window_t window : property32(screen().root, "_NET_CLIENT_LIST")) {
+    for (const xcb_window_t window : property32(qtScreen().root, "_NET_CLIENT_LIST")) {
         auto values = property32(window, "_NET_WM_STRUT_PARTIAL");
         if (values.size() < 12) {
             // The older property reserves whole edges.
@@ -93,7 +93,7 @@ QRect X11::withoutStruts(QRect screen, QSize root, const std::vector<Strut>& str
 
 QRect X11::visibleNative(QRect screen)
 {
-    if (!connection())
+    if (!qtConnection())
         return screen;
     return withoutStruts(screen, rootSize(), struts());
 }

@@ -1,7 +1,7 @@
 #include "Platform/WindowTraits.h"
 
-#include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/KeyboardGrab.h"
+#include "Platform/Linux/X11/QtConnection.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -69,6 +69,6 @@ void Platform::orderOut(QWidget& window)
 {
     X11::KeyboardGrab::release(window);
     window.hide();
-    if (xcb_connection_t* connection = X11::connection())
+    if (xcb_connection_t* connection = X11::qtConnection())
         xcb_flush(connection);
 }

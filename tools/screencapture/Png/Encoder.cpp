@@ -1,0 +1,167 @@
+#include "Encoder.h"
+
+#include "Chunks.h"
+#include "RowFilter.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <span>
+
+#include <libdeflate.h>
+#include <sys/mman.h>
+
+namespace Png {
+
+namespace {
+
+/// The level above which files hardly shrink while the time climbs; below it time hardly falls.
+constexpr int level = 6;
+constexpr std::size_t pixelBytes = 3;
+constexpr std::size_t largestData = 256 << 10; // content of one IDAT chunk, in bytes
+
+// How much of a picture is tried out to choose its filtering.
+constexpr std::uint32_t sampleBands = 8;
+constexpr std::uint32_t sampleBandRows = 8;
+
+struct FreeCompressor {
+    void operator()(libdeflate_compressor* compressor) const
+    {
+        libdeflate_free_compressor(compressor);
+    }
+};
+using Compressor = std::unique_ptr<libdeflate_compressor, FreeCompressor>;
+
+/// Memory that nobody sets to zero first, in large pages where the system has them: of a large
+/// screen both take milliseconds otherwise. Throws std::bad_alloc.
+class Buffer {
+public:
+    explicit Buffer(std::size_t size)
+        : m_size(size)
+    {
+        const std::size_t alignment = size < largePage ? alignof(std::max_align_t) : largePage;
+        const std::size_t padded = (size + alignment - 1) / alignment * alignment;
+        m_bytes.reset(static_cast<std::uint8_t*>(std::aligned_alloc(alignment, padded)));
+        if (!m_bytes)
+            throw std::bad_alloc();
+        if (alignment == largePage) // a wish: no harm when it is not granted
+            madvise(m_bytes.get(), padded, MADV_HUGEPAGE);
+    }
+
+    std::uint8_t* data() { return m_bytes.get(); }
+    std::size_t size() const { return m_size; }
+    std::span<const std::uint8_t> first(std::size_t count) const { return {m_bytes.get(), count}; }
+
+private:
+    static constexpr std::size_t largePage = 2 << 20;
+
+    struct Free {
+        void operator()(std::uint8_t* bytes) const { std::free(bytes); }
+    };
+
+    std::unique_ptr<std::uint8_t[], Free> m_bytes;
+    std::size_t m_size;
+};
+
+std::size_t rowBytes(const Source& source)
+{
+    return pixelBytes * source.width;
+}
+
+/// Filters the rows `first` to `end` - 1 as they stand in the picture; returns the end of what it
+/// wrote.
+std::uint8_t* filterRows(const Source& source, Filtering filtering, std::uint32_t first,
+                         std::uint32_t end, std::uint8_t* out)
+{
+    RowFilter filter(filtering, pixelBytes, rowBytes(source));
+    if (first > 0) {
+        source.readRow(first - 1, filter.nextRow());
+        filter.skip();
+    }
+    for (std::uint32_t y = first; y < end; ++y) {
+        source.readRow(y, filter.nextRow());
+        filter.write(out);
+        out += 1 + rowBytes(source);
+    }
+    return out;
+}
+
+/// How long the sample rows come out deflated, in bytes.
+std::size_t sampleSize(const Source& source, Filtering filtering, libdeflate_compressor* compressor)
+{
+    const std::uint32_t bands =
+        std::min(sampleBands, (source.height + sampleBandRows - 1) / sampleBandRows);
+    Buffer filtered(std::size_t{bands} * sampleBandRows * (1 + rowBytes(source)));
+    std::uint8_t* out = filtered.data();
+    for (std::uint32_t band = 0; band < bands; ++band) {
+        const auto first = static_cast<std::uint32_t>(std::uint64_t{source.height} * band / bands);
+        const std::uint32_t end = std::min(first + sampleBandRows, source.height);
+        out = filterRows(source, filtering, first, end, out);
+    }
+    const auto length = static_cast<std::size_t>(out - filtered.data());
+    Buffer deflated(libdeflate_deflate_compress_bound(compressor, length));
+    return libdeflate_deflate_compress(compressor, filtered.data(), length, deflated.data(),
+                                       deflated.size());
+}
+
+Filtering betterFiltering(const Source& source, libdeflate_compressor* compressor)
+{
+    const std::size_t none = sampleSize(source, Filtering::None, compressor);
+    const std::size_t adaptive = sampleSize(source, Filtering::Adaptive, compressor);
+    return none <= adaptive ? Filtering::None : Filtering::Adaptive;
+}
+
+void appendHeader(Chunks& chunks, const Source& source)
+{
+    std::array<std::uint8_t, 13> header{};
+    putNumber(&header[0], source.width);
+    putNumber(&header[4], source.height);
+    header[8] = 8; // bits a sample
+    header[9] = 2; // truecolour: red, green, blue
+    chunks.append("IHDR", header);
+}
+
+void appendDensity(Chunks& chunks, double dotsPerInch)
+{
+    constexpr double metresAnInch = 0.0254;
+    constexpr double most = 0x7fffffff;
+    const double perMetre = std::clamp(std::round(dotsPerInch / metresAnInch), 0.0, most);
+    std::array<std::uint8_t, 9> density{};
+    putNumber(&density[0], static_cast<std::uint32_t>(perMetre));
+    putNumber(&density[4], static_cast<std::uint32_t>(perMetre));
+    density[8] = 1; // the unit is the metre
+    chunks.append("pHYs", density);
+}
+
+} // namespace
+
+std::vector<std::uint8_t> encode(const Source& source, double dotsPerInch)
+{
+    const Compressor compressor(libdeflate_alloc_compressor(level));
+    if (!compressor)
+        throw std::bad_alloc();
+
+    Buffer filtered((1 + rowBytes(source)) * source.height);
+    filterRows(source, betterFiltering(source, compressor.get()), 0, source.height,
+               filtered.data());
+    Buffer deflated(libdeflate_zlib_compress_bound(compressor.get(), filtered.size()));
+    const std::size_t length = libdeflate_zlib_compress(
+        compressor.get(), filtered.data(), filtered.size(), deflated.data(), deflated.size());
+
+    Chunks chunks;
+    chunks.reserve(length + length / 1024 + 1024);
+    appendHeader(chunks, source);
+    appendDensity(chunks, dotsPerInch);
+    for (std::size_t done = 0; done < length; done += largestData) {
+        const std::size_t count = std::min(largestData, length - done);
+        chunks.append("IDAT", deflated.first(length).subspan(done, count));
+    }
+    chunks.append("IEND", {});
+    return chunks.take();
+}
+
+} // namespace Png
