@@ -26,11 +26,8 @@ QPixmap draw(Symbols::Symbol symbol, const QColor& body, int size)
 
     // The rim takes a pixel all round, whatever the size.
     const double rim = std::max(1.0, size / 22.0);
-    const double side = size - 2 * rim;
-    QTransform toPixels;
-    toPixels.translate(rim, rim);
-    toPixels.scale(side, side);
-    const QPainterPath path = toPixels.map(Symbols::path(symbol));
+    const QPainterPath path =
+        Symbols::path(symbol, QRectF(rim, rim, size - 2 * rim, size - 2 * rim));
     painter.strokePath(path, QPen(darkRim, 2 * rim, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.fillPath(path, body);
     return pixmap;

@@ -3,32 +3,39 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPainterPathStroker>
+#include <QTransform>
 
 #include <algorithm>
 
 namespace {
 
-/// The line weight of outlined symbols, as a share of the box.
-constexpr double lineWidth = 0.085;
+// Symbols are designed in a square of this many units, y down. Curves are turned into lines where
+// outlines are joined; at this size the lines are too short to be seen.
+constexpr double side = 1000;
 
-QPainterPath stroked(const QPainterPath& line, double width = lineWidth)
+/// The line weight of outlined symbols.
+constexpr double lineWidth = 85;
+
+/// The outline of a line drawn with round ends, without overlaps.
+QPainterPath stroked(const QPainterPath& line)
 {
     QPainterPathStroker stroker;
-    stroker.setWidth(width);
+    stroker.setWidth(lineWidth);
     stroker.setCapStyle(Qt::RoundCap);
     stroker.setJoinStyle(Qt::RoundJoin);
-    return stroker.createStroke(line);
+    return stroker.createStroke(line).simplified();
 }
 
 /// One corner of a viewfinder: two arms with a rounded bend, towards the corner of the box given by
 /// the signs.
 QPainterPath viewfinderCorner(double signX, double signY)
 {
-    constexpr double reach = 0.44; // from the centre to the middle of the line
-    constexpr double arm = 0.20;
-    constexpr double bend = 0.10;
+    constexpr double centre = side / 2;
+    constexpr double reach = 440; // from the centre to the middle of the line
+    constexpr double arm = 200;
+    constexpr double bend = 110;
     const auto at = [signX, signY](double x, double y) {
-        return QPointF(0.5 + signX * x, 0.5 + signY * y);
+        return QPointF(centre + signX * x, centre + signY * y);
     };
     QPainterPath line(at(reach - arm, reach));
     line.lineTo(at(reach - bend, reach));
@@ -37,63 +44,81 @@ QPainterPath viewfinderCorner(double signX, double signY)
     return line;
 }
 
+/// A camera's body with the hump of its finder, as one contour.
+QPainterPath cameraBody()
+{
+    constexpr double left = 215;
+    constexpr double right = 785;
+    constexpr double top = 360;
+    constexpr double bottom = 745;
+    constexpr double corner = 75;
+    QPainterPath body(QPointF(left, top + corner));
+    body.quadTo(left, top, left + corner, top);
+    body.lineTo(375, top);
+    body.lineTo(415, 290);
+    body.quadTo(427, 270, 450, 270);
+    body.lineTo(550, 270);
+    body.quadTo(573, 270, 585, 290);
+    body.lineTo(625, top);
+    body.lineTo(right - corner, top);
+    body.quadTo(right, top, right, top + corner);
+    body.lineTo(right, bottom - corner);
+    body.quadTo(right, bottom, right - corner, bottom);
+    body.lineTo(left + corner, bottom);
+    body.quadTo(left, bottom, left, bottom - corner);
+    body.closeSubpath();
+    return body;
+}
+
 QPainterPath cameraViewfinder()
 {
-    QPainterPath result;
-    result.setFillRule(Qt::WindingFill);
+    QPainterPath result = cameraBody();
+    // Every other contour is a hole: the ring of the lens, wide enough to be seen at 22 pixels.
+    const QPointF lens(500, 545);
+    result.addEllipse(lens, 150, 150);
+    result.addEllipse(lens, 75, 75);
     for (const double signX : {-1.0, 1.0}) {
         for (const double signY : {-1.0, 1.0})
             result.addPath(stroked(viewfinderCorner(signX, signY)));
     }
-
-    // A small camera in the middle: a body with a hump, less the ring of its lens.
-    QPainterPath body;
-    body.addRoundedRect(QRectF(0.24, 0.37, 0.52, 0.35), 0.065, 0.065);
-    QPainterPath hump;
-    hump.moveTo(0.375, 0.40);
-    hump.lineTo(0.425, 0.315);
-    hump.quadTo(0.435, 0.295, 0.46, 0.295);
-    hump.lineTo(0.54, 0.295);
-    hump.quadTo(0.565, 0.295, 0.575, 0.315);
-    hump.lineTo(0.625, 0.40);
-    hump.closeSubpath();
-    QPainterPath outerLens;
-    outerLens.addEllipse(QPointF(0.5, 0.54), 0.125, 0.125);
-    QPainterPath innerLens;
-    innerLens.addEllipse(QPointF(0.5, 0.54), 0.07, 0.07);
-    result.addPath(body.united(hump).subtracted(outerLens).united(innerLens));
     return result;
 }
 
 QPainterPath stopCircleFill()
 {
-    QPainterPath disc;
-    disc.addEllipse(QPointF(0.5, 0.5), 0.46, 0.46);
-    QPainterPath square;
-    square.addRoundedRect(QRectF(0.335, 0.335, 0.33, 0.33), 0.045, 0.045);
-    return disc.subtracted(square);
+    QPainterPath result;
+    result.addEllipse(QPointF(500, 500), 460, 460);
+    result.addRoundedRect(QRectF(335, 335, 330, 330), 45, 45);
+    return result;
 }
 
-} // namespace
-
-QPainterPath Symbols::path(Symbol symbol)
+/// The symbol in the design square.
+QPainterPath designed(Symbols::Symbol symbol)
 {
     switch (symbol) {
-    case Symbol::cameraViewfinder:
+    case Symbols::Symbol::cameraViewfinder:
         return cameraViewfinder();
-    case Symbol::stopCircleFill:
+    case Symbols::Symbol::stopCircleFill:
         return stopCircleFill();
     }
     Q_UNREACHABLE();
 }
 
+} // namespace
+
+QPainterPath Symbols::path(Symbol symbol, const QRectF& box)
+{
+    const double size = std::min(box.width(), box.height());
+    QTransform toBox;
+    toBox.translate(box.center().x() - size / 2, box.center().y() - size / 2);
+    toBox.scale(size / side, size / side);
+    return toBox.map(designed(symbol));
+}
+
 void Symbols::draw(QPainter& painter, Symbol symbol, const QRectF& box, const QColor& tint)
 {
-    const double side = std::min(box.width(), box.height());
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(box.center() - QPointF(side / 2, side / 2));
-    painter.scale(side, side);
-    painter.fillPath(path(symbol), tint);
+    painter.fillPath(path(symbol, box), tint);
     painter.restore();
 }

@@ -14,8 +14,9 @@ enum class Symbol {
     stopCircleFill,   ///< "stop.circle.fill"
 };
 
-/// The symbol's filled outline in a square with corners (0, 0) and (1, 1), y down.
-QPainterPath path(Symbol symbol);
+/// The symbol's outline inside `box` (y down), as large as fits, centred; to be filled by the
+/// odd-even rule.
+QPainterPath path(Symbol symbol, const QRectF& box);
 
 /// Fills the symbol with `tint` inside `box` (logical pixels), as large as fits, centred.
 void draw(QPainter& painter, Symbol symbol, const QRectF& box, const QColor& tint);
