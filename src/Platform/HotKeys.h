@@ -26,7 +26,7 @@ void setHotKeyHandler(std::function<void(std::uint32_t identifier)> handler);
 
 /// Asks for a hot key. `keyCode` is a virtual key code of the ANSI layout (1 is the key right of A)
 /// and names a physical key whatever the keyboard layout. Absent when the desktop refuses: another
-/// program has it, or there is no such key.
+/// program or another registration of ours has it, or there is no such key.
 std::optional<HotKeyReference> registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                               std::uint32_t identifier);
 

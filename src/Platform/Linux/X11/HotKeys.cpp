@@ -7,6 +7,7 @@
 #include <QAbstractNativeEventFilter>
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <map>
 
 namespace {
@@ -43,7 +44,12 @@ public:
     {
         const X11::ModifierMap map;
         const Registration wanted{keyCode, map.fromHotKeyMask(mask), mask, identifier};
-        if (!grab(wanted, map))
+        // The server would grant us one key twice, but take it away at the first ungrabbing.
+        const bool ours = std::any_of(
+            m_registrations.begin(), m_registrations.end(), [&wanted](const auto& entry) {
+                return entry.second.keyCode == wanted.keyCode && entry.second.mask == wanted.mask;
+            });
+        if (ours || !grab(wanted, map))
             return std::nullopt;
         if (m_registrations.empty())
             QCoreApplication::instance()->installNativeEventFilter(this);
