@@ -1,0 +1,41 @@
+#include "desktop/harness/Helpers.h"
+
+#include "desktop/harness/VirtualDesktop.h"
+
+#include <QtCore/QFileInfo>
+
+namespace Desktop {
+namespace {
+
+Outcome<Helper> open(const VirtualDesktop& desktop, const QString& program,
+                     const QStringList& arguments, const QString& title)
+{
+    auto app = App::start(desktop, program, arguments);
+    if (!app)
+        return app.failure();
+    const auto window = Windows(desktop).awaitTitle(title);
+    if (!window)
+        return Failure{window.error() + QStringLiteral("; it said: ") + (*app)->errorOutput()};
+    return Helper{std::move(*app), *window};
+}
+
+} // namespace
+
+Outcome<Helper> openTerminal(const VirtualDesktop& desktop, const QString& title,
+                             const QString& file)
+{
+    return open(desktop, QStringLiteral("xterm"),
+                {QStringLiteral("-T"), title, QStringLiteral("-fa"),
+                 QStringLiteral("DejaVu Sans Mono"), QStringLiteral("-fs"), QStringLiteral("10"),
+                 QStringLiteral("-e"), QStringLiteral("tee"), file},
+                title);
+}
+
+Outcome<Helper> openFileManager(const VirtualDesktop& desktop, const QString& folder)
+{
+    return open(desktop, QStringLiteral("pcmanfm"),
+                {QStringLiteral("--no-desktop"), QStringLiteral("--new-win"), folder},
+                QFileInfo(folder).fileName());
+}
+
+} // namespace Desktop

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "desktop/harness/App.h"
+#include "desktop/harness/Windows.h"
+
+namespace Desktop {
+
+/// Somebody else's program on the desktop, and its window.
+struct Helper {
+    std::unique_ptr<App> app;
+    Window window;
+};
+
+/// Opens a terminal that writes each line typed into it to `file`.
+Outcome<Helper> openTerminal(const VirtualDesktop& desktop, const QString& title,
+                             const QString& file);
+
+/// Opens a file manager that shows a folder, whose name is the window's title.
+Outcome<Helper> openFileManager(const VirtualDesktop& desktop, const QString& folder);
+
+} // namespace Desktop
