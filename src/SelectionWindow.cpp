@@ -12,7 +12,7 @@ SelectionWindow::SelectionWindow(const Platform::Screen& screen,
     : m_session(session)
 {
     setObjectName(QStringLiteral("SelectionWindow"));
-    setWindowTitle(QStringLiteral("Tamrik"));
+    setWindowTitle(QStringLiteral("Tamrik Selection"));
     Platform::applyTraits(*this, {.level = Platform::WindowLevel::ScreenSaver,
                                   .nonActivating = false,
                                   .translucent = !backdrop.has_value()});

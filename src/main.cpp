@@ -17,8 +17,8 @@ int main(int argc, char** argv)
         return EXIT_FAILURE;
     }
     QApplication app(argc, argv);
+    // No display name: Qt would put it behind the title of every window.
     QApplication::setApplicationName(QStringLiteral("Tamrik"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Tamrik"));
     QApplication::setDesktopFileName(QStringLiteral("tamrik"));
     // The application object has taken the locale from the environment; libraries that we call
     // write and read numbers for machines.

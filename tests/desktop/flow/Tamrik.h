@@ -1,0 +1,49 @@
+#pragma once
+
+#include "desktop/harness/App.h"
+#include "desktop/harness/Outcome.h"
+#include "desktop/harness/VirtualDesktop.h"
+#include "desktop/harness/Windows.h"
+
+#include <QRect>
+#include <QString>
+
+#include <memory>
+
+/// The program under test on a virtual desktop, as a user sees it. Pixels are those of the whole
+/// desktop, origin at its top left.
+class Tamrik {
+public:
+    /// Starts the program and waits until it takes keys. `program` is its path, `extra` adds to its
+    /// environment.
+    static Desktop::Outcome<std::unique_ptr<Tamrik>>
+    start(const Desktop::VirtualDesktop& desktop, const QString& program,
+          const QMap<QString, QString>& extra = {});
+
+    Desktop::App& app() { return *m_app; }
+
+    /// The windows of the overlay that are on the screen, one a screen while a selection is open.
+    QList<Desktop::Window> overlay() const;
+    Desktop::Outcome<void> awaitOverlay() const;
+    Desktop::Outcome<void> awaitNoOverlay() const;
+
+    /// Presses the capture hot key and waits for the overlay.
+    Desktop::Outcome<void> pressCaptureKey() const;
+
+    /// Whether a menu of the program itself is open.
+    bool menuIsOpen() const;
+
+    /// The paths of the captures, oldest first.
+    QStringList captures() const;
+    /// Waits until there are `count` captures; the newest one's path.
+    Desktop::Outcome<QString> awaitCapture(int count) const;
+
+    /// The stored preferences as they are now.
+    QVariantMap preferences() const;
+
+private:
+    Tamrik(const Desktop::VirtualDesktop& desktop, std::unique_ptr<Desktop::App> app);
+
+    const Desktop::VirtualDesktop& m_desktop;
+    std::unique_ptr<Desktop::App> m_app;
+};
