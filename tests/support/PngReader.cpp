@@ -17,7 +17,7 @@ std::uint32_t numberAt(const std::string& bytes, std::size_t at)
     return number;
 }
 
-/// The CRC of the PNG specification, annex D, bit by bit.
+/// The CRC of ISO/IEC 15948 (PNG), annex D, bit by bit.
 std::uint32_t crcOf(const std::string& bytes)
 {
     std::uint32_t crc = 0xffffffff;

@@ -7,7 +7,7 @@
 
 namespace Png {
 
-/// A PNG file in memory as it grows, chunk by chunk (PNG specification, section 5).
+/// A PNG file in memory as it grows, chunk by chunk (ISO/IEC 15948, section 5).
 class Chunks {
 public:
     /// Starts with the signature.
