@@ -5,9 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -54,14 +56,26 @@ Pixels flat(std::uint32_t width, std::uint32_t height)
     return paint(width, height, [](std::uint32_t, std::uint32_t) { return 0x3a6ea5U; });
 }
 
-/// Dark strokes of a few shades on white, in lines.
-Pixels text(std::uint32_t width, std::uint32_t height)
+/// Dark strokes of a few shades, in lines, on white paper whose shade may change from row to row.
+Pixels text(std::uint32_t width, std::uint32_t height, std::uint32_t paperShades)
 {
     std::mt19937 random(5);
     return paint(width, height, [&](std::uint32_t x, std::uint32_t y) -> std::uint32_t {
         const bool isInk = y % 16 > 3 && y % 16 < 13 && x % 7 < 5 && random() % 3 == 0;
-        return isInk ? 0x10101U * (random() % 4 * 40) : 0xffffffU;
+        return isInk ? 0x10101U * (random() % 4 * 40) : 0xffffffU - y * 8 % paperShades;
     });
+}
+
+Pixels text(std::uint32_t width, std::uint32_t height)
+{
+    return text(width, height, 1);
+}
+
+/// Exactly `colours` of them.
+Pixels colourful(std::uint32_t colours)
+{
+    return paint(40, 30,
+                 [&](std::uint32_t x, std::uint32_t y) { return (y * 40 + x) % colours * 54321; });
 }
 
 std::string encode(const Pixels& pixels, double dotsPerInch = 72)
@@ -74,6 +88,14 @@ std::string encode(const Pixels& pixels, double dotsPerInch = 72)
     return {file.begin(), file.end()};
 }
 
+std::size_t colourCount(const Pixels& pixels)
+{
+    std::set<std::array<std::uint8_t, 3>> colours;
+    for (std::size_t at = 0; at < pixels.rgb.size(); at += 3)
+        colours.insert({pixels.rgb[at], pixels.rgb[at + 1], pixels.rgb[at + 2]});
+    return colours.size();
+}
+
 void expectReadsBack(const Pixels& pixels)
 {
     SCOPED_TRACE(std::to_string(pixels.width) + 'x' + std::to_string(pixels.height));
@@ -81,7 +103,7 @@ void expectReadsBack(const Pixels& pixels)
     EXPECT_EQ(image.width, pixels.width);
     EXPECT_EQ(image.height, pixels.height);
     EXPECT_EQ(image.bitDepth, 8);
-    EXPECT_EQ(image.colourType, 2);
+    EXPECT_EQ(image.colourType, colourCount(pixels) <= 256 ? 3 : 2);
     EXPECT_TRUE(image.rgb == pixels.rgb) << "other pixels";
 }
 
@@ -107,6 +129,19 @@ TEST(Encoder, LargerPicturesReadBack)
         expectReadsBack(painter(63, 64)); // as many rows as are tried out
         expectReadsBack(painter(63, 65));
         expectReadsBack(painter(64, 1023));
+    }
+}
+
+TEST(Encoder, UpTo256ColoursGoIntoAPalette)
+{
+    for (const std::uint32_t colours : {1U, 2U, 3U, 16U, 255U, 256U, 257U, 258U, 1000U}) {
+        const Pixels pixels = colourful(colours);
+        ASSERT_EQ(colourCount(pixels), colours);
+        expectReadsBack(pixels);
+        const PngImage image = readPng(encode(pixels));
+        const auto palettes = std::count(image.chunkTypes.begin(), image.chunkTypes.end(), "PLTE");
+        EXPECT_EQ(palettes, colours <= 256 ? 1 : 0);
+        EXPECT_EQ(image.pixelsPerMetreX, 2835U);
     }
 }
 
@@ -139,7 +174,9 @@ TEST(Encoder, ChoosesTheFilteringThatSuitsThePicture)
     // Filters are what makes a smooth picture small; text they only make larger.
     for (const int type : readPng(encode(gradient(640, 480))).filterTypes)
         ASSERT_NE(type, 0);
-    for (const int type : readPng(encode(text(640, 480))).filterTypes)
+    const PngImage letters = readPng(encode(text(640, 480, 0x1fff)));
+    ASSERT_EQ(letters.filterTypes.size(), 480U);
+    for (const int type : letters.filterTypes)
         ASSERT_EQ(type, 0);
     EXPECT_LT(encode(gradient(640, 480)).size(), 640U * 480 * 3 / 100);
     EXPECT_LT(encode(flat(640, 480)).size(), 5000U);

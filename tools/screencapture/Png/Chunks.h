@@ -17,7 +17,8 @@ public:
     /// 2^31 bytes.
     void append(const char (&type)[5], std::span<const std::uint8_t> content);
 
-    void reserve(std::size_t bytes) { m_bytes.reserve(bytes); }
+    /// Makes room for this many bytes more.
+    void reserve(std::size_t bytes) { m_bytes.reserve(m_bytes.size() + bytes); }
 
     std::vector<std::uint8_t> take() { return std::move(m_bytes); }
 
