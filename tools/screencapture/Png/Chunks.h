@@ -7,7 +7,7 @@
 
 namespace Png {
 
-/// A PNG file in memory as it grows, chunk by chunk (PNG specification, section 5).
+/// A PNG file in memory as it grows, chunk by chunk (ISO/IEC 15948, section 5).
 class Chunks {
 public:
     /// Starts with the signature.
@@ -17,7 +17,8 @@ public:
     /// 2^31 bytes.
     void append(const char (&type)[5], std::span<const std::uint8_t> content);
 
-    void reserve(std::size_t bytes) { m_bytes.reserve(bytes); }
+    /// Makes room for this many bytes more.
+    void reserve(std::size_t bytes) { m_bytes.reserve(m_bytes.size() + bytes); }
 
     std::vector<std::uint8_t> take() { return std::move(m_bytes); }
 

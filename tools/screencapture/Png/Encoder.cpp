@@ -1,6 +1,7 @@
 #include "Encoder.h"
 
 #include "Chunks.h"
+#include "IndexedRows.h"
 #include "RowFilter.h"
 
 #include <algorithm>
@@ -115,13 +116,15 @@ Filtering betterFiltering(const Source& source, libdeflate_compressor* compresso
     return none <= adaptive ? Filtering::None : Filtering::Adaptive;
 }
 
-void appendHeader(Chunks& chunks, const Source& source)
+enum class ColourType : std::uint8_t { Rgb = 2, Palette = 3 }; // ISO/IEC 15948, section 11.2.2
+
+void appendHeader(Chunks& chunks, const Source& source, ColourType type)
 {
     std::array<std::uint8_t, 13> header{};
     putNumber(&header[0], source.width);
     putNumber(&header[4], source.height);
     header[8] = 8; // bits a sample
-    header[9] = 2; // truecolour: red, green, blue
+    header[9] = static_cast<std::uint8_t>(type);
     chunks.append("IHDR", header);
 }
 
@@ -137,6 +140,19 @@ void appendDensity(Chunks& chunks, double dotsPerInch)
     chunks.append("pHYs", density);
 }
 
+void appendData(Chunks& chunks, std::span<const std::uint8_t> rows,
+                libdeflate_compressor* compressor)
+{
+    Buffer deflated(libdeflate_zlib_compress_bound(compressor, rows.size()));
+    const std::size_t length = libdeflate_zlib_compress(compressor, rows.data(), rows.size(),
+                                                        deflated.data(), deflated.size());
+    chunks.reserve(length + length / 1024 + 2048);
+    for (std::size_t done = 0; done < length; done += largestData) {
+        const std::size_t count = std::min(largestData, length - done);
+        chunks.append("IDAT", deflated.first(length).subspan(done, count));
+    }
+}
+
 } // namespace
 
 std::vector<std::uint8_t> encode(const Source& source, double dotsPerInch)
@@ -145,20 +161,19 @@ std::vector<std::uint8_t> encode(const Source& source, double dotsPerInch)
     if (!compressor)
         throw std::bad_alloc();
 
-    Buffer filtered((1 + rowBytes(source)) * source.height);
-    filterRows(source, betterFiltering(source, compressor.get()), 0, source.height,
-               filtered.data());
-    Buffer deflated(libdeflate_zlib_compress_bound(compressor.get(), filtered.size()));
-    const std::size_t length = libdeflate_zlib_compress(
-        compressor.get(), filtered.data(), filtered.size(), deflated.data(), deflated.size());
-
     Chunks chunks;
-    chunks.reserve(length + length / 1024 + 1024);
-    appendHeader(chunks, source);
-    appendDensity(chunks, dotsPerInch);
-    for (std::size_t done = 0; done < length; done += largestData) {
-        const std::size_t count = std::min(largestData, length - done);
-        chunks.append("IDAT", deflated.first(length).subspan(done, count));
+    if (const auto picture = indexed(source)) {
+        appendHeader(chunks, source, ColourType::Palette);
+        appendDensity(chunks, dotsPerInch);
+        chunks.append("PLTE", picture->palette);
+        appendData(chunks, {picture->rows.get(), picture->size}, compressor.get());
+    } else {
+        Buffer filtered((1 + rowBytes(source)) * source.height);
+        filterRows(source, betterFiltering(source, compressor.get()), 0, source.height,
+                   filtered.data());
+        appendHeader(chunks, source, ColourType::Rgb);
+        appendDensity(chunks, dotsPerInch);
+        appendData(chunks, filtered.first(filtered.size()), compressor.get());
     }
     chunks.append("IEND", {});
     return chunks.take();

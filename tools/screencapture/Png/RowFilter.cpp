@@ -9,7 +9,7 @@ namespace Png {
 
 namespace {
 
-// The filter types of the PNG specification, section 9.2. Average is left out: on screens it wins
+// The filter types of ISO/IEC 15948, section 9.2. Average is left out: on screens it wins
 // too seldom to pay for its time.
 constexpr std::uint8_t none = 0;
 constexpr std::uint8_t sub = 1;

@@ -6,7 +6,7 @@
 
 namespace Png {
 
-/// How the rows of a picture are made ready for deflate (PNG specification, section 9).
+/// How the rows of a picture are made ready for deflate (ISO/IEC 15948, section 9).
 enum class Filtering {
     None,     ///< As they are: best where pixels repeat exactly, as in text and flat surfaces.
     Adaptive, ///< Each row by the filter that leaves the smallest numbers: best for photographs.

@@ -1,5 +1,6 @@
 #include "Platform/Linux/X11/PixelFormat.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -59,9 +60,12 @@ RgbReader::Channel::Channel(std::uint32_t mask_)
     , shift(std::countr_zero(mask_))
 {
     const std::uint32_t full = mask >> shift;
+    const int surplus = std::max(0, std::popcount(mask) - 8);
     levels.reserve(std::size_t{full} + 1);
-    for (std::uint32_t value = 0; value <= full; ++value)
-        levels.push_back(static_cast<std::uint8_t>((value * 255 + full / 2) / full));
+    for (std::uint32_t value = 0; value <= full; ++value) {
+        const std::uint32_t level = surplus > 0 ? value >> surplus : value * 255 / full;
+        levels.push_back(static_cast<std::uint8_t>(level));
+    }
 }
 
 RgbReader::RgbReader(const PixelFormat& format)

@@ -27,8 +27,9 @@ struct PixelFormat {
     std::size_t stride(std::size_t width) const;
 };
 
-/// Turns rows of server pixels into 8-bit red, green, blue. Channels of other depths are scaled so
-/// that their full value becomes 255, rounded to the nearest.
+/// Turns rows of server pixels into 8-bit red, green, blue. Narrower channels are scaled so that
+/// their full value becomes 255, rounded down; of wider ones the upper eight bits count. Other
+/// programs that take pictures of X11 screens do the same, so theirs and ours compare equal.
 class RgbReader {
 public:
     /// `format` must be supported.

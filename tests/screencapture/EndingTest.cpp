@@ -1,0 +1,100 @@
+#include "screencapture/Tool.h"
+#include "support/RootPainter.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <thread>
+
+namespace {
+
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+/// Runs the tool again and again, ending it by `signal` after longer and longer: until it comes to
+/// its end three times in a row.
+void endAtEveryMoment(const XServer& server, int signal)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder / "still.png";
+    const Command command = Tool::command(server.display(), Tool::still("0,0,800,600", path));
+    const std::string whole = [&] {
+        EXPECT_EQ(run(command).status, 0);
+        return contentOf(path);
+    }();
+    fs::remove(path);
+
+    int ended = 0;
+    int finishedInARow = 0;
+    for (auto delay = 0us; finishedInARow < 3; delay += 250us) {
+        ASSERT_LT(delay, 20s);
+        ChildProcess tool(command);
+        std::this_thread::sleep_for(delay);
+        tool.send(signal);
+        const Outcome outcome = tool.wait();
+        if (outcome.signal == signal) {
+            ++ended;
+            finishedInARow = 0;
+        } else {
+            EXPECT_EQ(outcome.status, 0) << outcome.error;
+            ++finishedInARow;
+        }
+        // Published and then ended, or not published at all; never anything else.
+        const std::vector<std::string> names = folder.names();
+        if (outcome.signal == 0 || !names.empty()) {
+            ASSERT_EQ(names, std::vector<std::string>{"still.png"});
+            ASSERT_EQ(contentOf(path), whole);
+            fs::remove(path);
+        }
+    }
+    EXPECT_GT(ended, 5);
+}
+
+TEST(Ending, ByAnySignalAtAnyMomentLeavesNothingHalfWritten)
+{
+    const XServer server("800x600x24");
+    RootPainter(server.display()).paintNoise(22);
+    for (const int signal : {SIGKILL, SIGTERM, SIGINT, SIGHUP}) {
+        SCOPED_TRACE(signal);
+        endAtEveryMoment(server, signal);
+    }
+}
+
+TEST(Ending, OfTheXServerAtAnyMomentIsOneLineAndNoFile)
+{
+    using Clock = std::chrono::steady_clock;
+    constexpr int moments = 30;
+    Clock::duration whole{};
+    int lost = 0;
+    for (int moment = moments; moment >= 0; --moment) {
+        std::vector<std::string> options;
+        if (moment % 2 == 0)
+            options = {"-extension", "MIT-SHM"};
+        XServer server("1600x1200x24", options);
+        RootPainter(server.display()).paintNoise(23);
+        const TemporaryFolder folder;
+        const std::string path = folder / "still.png";
+        const auto start = Clock::now();
+        ChildProcess tool(Tool::command(server.display(), Tool::still("0,0,1600,1200", path)));
+        if (moment == moments) { // the first run comes to its end, and shows how long that takes
+            EXPECT_EQ(tool.wait().status, 0);
+            whole = Clock::now() - start;
+            continue;
+        }
+        std::this_thread::sleep_for(whole * moment / moments);
+        server.kill();
+        const Outcome outcome = tool.wait();
+        if (outcome.status == 0 && outcome.signal == 0) {
+            EXPECT_EQ(outcome.error, "");
+            EXPECT_EQ(readPng(contentOf(path)).width, 1600U);
+            continue;
+        }
+        lost += Tool::errorLine(outcome).find("lost the connection") != std::string::npos;
+        EXPECT_TRUE(folder.names().empty());
+    }
+    EXPECT_GT(lost, 0);
+}
+
+} // namespace
