@@ -1,0 +1,13 @@
+#pragma once
+
+#include "desktop/flow/Tamrik.h"
+#include "tour/Tour.h"
+
+/// The parts of the tour, in the order in which they are played. Each is given what all share: the
+/// tour, the desktop, and the running program, which the last one ends.
+namespace Legs {
+
+void screenshot(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
+void statusMenu(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
+
+} // namespace Legs

@@ -1,0 +1,60 @@
+// The tour: `tour PROGRAM FOLDER [SCALE]` plays the program's main jobs on a virtual desktop of its
+// own and leaves pictures and index.html in FOLDER. Exits with 0 when every step held.
+
+#include "desktop/flow/Tamrik.h"
+#include "desktop/harness/TrayIcon.h"
+#include "tour/Legs.h"
+#include "tour/Tour.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+#include <cstdio>
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication app(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() < 3) {
+        std::fprintf(stderr, "usage: tour PROGRAM FOLDER [SCALE]\n");
+        return 2;
+    }
+    const QString program = QFileInfo(arguments.at(1)).absoluteFilePath();
+    const QString folder = arguments.at(2);
+    if (!QDir().mkpath(folder)) {
+        std::fprintf(stderr, "tour: cannot create %s\n", qUtf8Printable(folder));
+        return 1;
+    }
+
+    Desktop::Options options;
+    if (arguments.size() > 3)
+        options.scale = arguments.at(3).toDouble();
+    const auto desktop = Desktop::VirtualDesktop::start(options);
+    if (!desktop) {
+        std::fprintf(stderr, "tour: %s\n", qUtf8Printable(desktop.error()));
+        return 1;
+    }
+
+    Tour tour(**desktop, folder);
+    std::unique_ptr<Tamrik> tamrik;
+    tour.leg(QStringLiteral("Start"));
+    tour.step(QStringLiteral("Tamrik starts and stands in the status area"),
+              [&]() -> Desktop::Outcome<void> {
+                  auto started = Tamrik::start(**desktop, program);
+                  if (!started)
+                      return started.failure();
+                  tamrik = std::move(*started);
+                  const auto icon = Desktop::awaitTrayIcon(**desktop, tamrik->app().pid());
+                  return icon ? Desktop::Outcome<void>() : icon.failure();
+              });
+    if (tamrik) {
+        Legs::screenshot(tour, **desktop, *tamrik);
+        Legs::statusMenu(tour, **desktop, *tamrik);
+    }
+    if (!tour.writeContactSheet()) {
+        std::fprintf(stderr, "tour: cannot write %s/index.html\n", qUtf8Printable(folder));
+        return 1;
+    }
+    return tour.passed() ? 0 : 1;
+}
