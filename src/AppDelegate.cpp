@@ -14,8 +14,7 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <algorithm>
-#include <limits>
+#include <utility>
 
 namespace {
 
@@ -45,7 +44,10 @@ AppDelegate::AppDelegate(Preferences& preferences, Clock clock, Subsystems subsy
     : m_preferences(preferences)
     , m_clock(clock)
     , m_subsystems(std::move(subsystems))
-    , m_capture(std::move(clock))
+    , m_capture(clock)
+    , m_recording(m_preferences, std::move(clock), m_subsystems,
+                  {.setRecording = [this](bool recording) { updateRecordingUI(recording); },
+                   .deliver = [this](const QUrl& file) { deliver(file); }})
 {
 }
 
@@ -166,10 +168,8 @@ void AppDelegate::setLastCaptureURL(const QUrl& file)
 
 void AppDelegate::toggleRecording()
 {
-    const auto& recorder = m_subsystems.recorder;
-    if (recorder.state && recorder.state() != RecordingState::idle) {
-        if (recorder.stop)
-            recorder.stop(false);
+    if (!m_recording.isIdle()) {
+        m_recording.stop();
         return;
     }
     select(SelectionMode::record, [this](const SelectionResult& result) {
@@ -177,61 +177,13 @@ void AppDelegate::toggleRecording()
         case SelectionResult::Kind::screenshot:
             return;
         case SelectionResult::Kind::recordVideo:
-            startRecording(result.rect, false);
+            m_recording.start(result.rect, false);
             return;
         case SelectionResult::Kind::recordGIF:
-            startRecording(result.rect, true);
+            m_recording.start(result.rect, true);
             return;
         }
     });
-}
-
-void AppDelegate::startRecording(Geometry::Rect rect, bool asGIF)
-{
-    const auto& recorder = m_subsystems.recorder;
-    if (!recorder.start)
-        return;
-    const bool busy = recorder.state && recorder.state() != RecordingState::idle;
-    if (busy || Platform::screens().empty()) {
-        recordingFinished({}, asGIF);
-        return;
-    }
-    CaptureFiles::createFolder();
-    recorder.start({
-        .rect = rect,
-        .micEnabled = m_preferences.recordMic() && !asGIF,
-        .showClicks = true,
-        .finalURL = CaptureFiles::newRecording(m_clock),
-        .started = Guarded::once(this, [this, rect] { recordingStarted(rect); }),
-        .completion = Guarded::once<const QUrl&>(
-            this, [this, asGIF](const QUrl& file) { recordingFinished(file, asGIF); }),
-    });
-}
-
-void AppDelegate::recordingStarted(Geometry::Rect rect)
-{
-    updateRecordingUI(true);
-    showRecordingControls(rect);
-}
-
-void AppDelegate::recordingFinished(const QUrl& file, bool asGIF)
-{
-    updateRecordingUI(false);
-    closeRecordingControls();
-    if (file.isEmpty())
-        return;
-    if (!asGIF || !m_subsystems.gif.exportVideo) {
-        deliver(file);
-        return;
-    }
-    const QFileInfo video(file.toLocalFile());
-    const QUrl gif = QUrl::fromLocalFile(video.path() + QLatin1Char('/') +
-                                         video.completeBaseName() + QStringLiteral(".gif"));
-    m_subsystems.gif.exportVideo(file,
-                                 {.start = 0, .duration = std::numeric_limits<double>::infinity()},
-                                 gif, Guarded::once<bool>(this, [this, file, gif](bool succeeded) {
-                                     deliver(succeeded ? gif : file);
-                                 }));
 }
 
 void AppDelegate::deliver(const QUrl& file)
@@ -245,53 +197,6 @@ void AppDelegate::updateRecordingUI(bool recording)
 {
     if (m_statusMenu)
         m_statusMenu->setRecording(recording);
-}
-
-void AppDelegate::showRecordingControls(Geometry::Rect near)
-{
-    closeRecordingControls();
-    if (!m_subsystems.controls.make)
-        return;
-    const auto& recorder = m_subsystems.recorder;
-    m_recordingControls = m_subsystems.controls.make(
-        near,
-        {
-            .isPaused = Guarded::query(
-                this, false, [&recorder] { return recorder.isPaused && recorder.isPaused(); }),
-            .elapsed = Guarded::query(
-                this, 0.0, [&recorder] { return recorder.elapsed ? recorder.elapsed() : 0.0; }),
-            .onPauseResume = Guarded::any(this,
-                                          [&recorder] {
-                                              if (recorder.togglePause)
-                                                  recorder.togglePause();
-                                          }),
-            .onStop = Guarded::any(this,
-                                   [&recorder] {
-                                       if (recorder.stop)
-                                           recorder.stop(false);
-                                   }),
-            .onRestart = Guarded::any(this,
-                                      [&recorder] {
-                                          if (recorder.restart)
-                                              recorder.restart();
-                                      }),
-            .onDelete = Guarded::any(this,
-                                     [&recorder] {
-                                         if (recorder.stop)
-                                             recorder.stop(true);
-                                     }),
-        });
-    if (m_recordingControls)
-        m_recordingControls->orderFrontRegardless();
-}
-
-void AppDelegate::closeRecordingControls()
-{
-    if (!m_recordingControls)
-        return;
-    const auto controls = std::exchange(m_recordingControls, nullptr);
-    controls->stop();
-    controls->close();
 }
 
 // Microphone and camera
@@ -367,33 +272,12 @@ void AppDelegate::openEditor(const QUrl& file)
 
 void AppDelegate::openImageEditor(const QUrl& file)
 {
-    openEditor(file, m_editors, m_subsystems.editors.makeImageEditor);
+    m_editors.open(file, m_subsystems.editors.makeImageEditor, {});
 }
 
 void AppDelegate::openVideoEditor(const QUrl& file)
 {
-    openEditor(file, m_videoEditors, m_subsystems.editors.makeVideoEditor);
-}
-
-void AppDelegate::openEditor(const QUrl& file, EditorList& open, const EditorFactory& make)
-{
-    const auto found = std::find_if(open.begin(), open.end(),
-                                    [&](const auto& editor) { return editor->fileURL == file; });
-    std::shared_ptr<Editor> editor;
-    if (found != open.end()) {
-        editor = *found;
-    } else {
-        if (make)
-            editor = make(file);
-        if (!editor)
-            return;
-        editor->onClose = Guarded::any<const Editor*>(this, [&open](const Editor* closed) {
-            std::erase_if(open, [closed](const auto& e) { return e.get() == closed; });
-        });
-        editor->onFileProduced =
-            Guarded::any<const QUrl&>(this, [this](const QUrl& produced) { deliver(produced); });
-        open.push_back(editor);
-    }
-    editor->makeKeyAndOrderFront();
-    Platform::activateIgnoringOthers();
+    m_videoEditors.open(
+        file, m_subsystems.editors.makeVideoEditor,
+        Guarded::any<const QUrl&>(this, [this](const QUrl& produced) { deliver(produced); }));
 }

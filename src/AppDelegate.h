@@ -2,6 +2,8 @@
 
 #include "CaptureManager.h"
 #include "HotKey.h"
+#include "OpenEditors.h"
+#include "RecordingFlow.h"
 #include "SelectionTypes.h"
 #include "StatusMenu.h"
 #include "Subsystems.h"
@@ -12,7 +14,6 @@
 
 #include <memory>
 #include <optional>
-#include <vector>
 
 class Preferences;
 
@@ -48,13 +49,9 @@ public:
     StatusMenu* statusMenu() const { return m_statusMenu.get(); }
     const CaptureManager& capture() const { return m_capture; }
     bool hasCameraBubble() const { return m_cameraBubble != nullptr; }
-    bool hasRecordingControls() const { return m_recordingControls != nullptr; }
+    bool hasRecordingControls() const { return m_recording.hasControls(); }
 
 private:
-    using Editor = Subsystems::Editor;
-    using EditorList = std::vector<std::shared_ptr<Editor>>;
-    using EditorFactory = std::function<std::shared_ptr<Editor>(const QUrl&)>;
-
     void setupStatusItem();
     void registerHotKeys();
 
@@ -66,21 +63,15 @@ private:
     void setLastCaptureURL(const QUrl& file);
     void screenshotFinished(const QUrl& file);
 
-    void startRecording(Geometry::Rect rect, bool asGIF);
-    void recordingStarted(Geometry::Rect rect);
-    void recordingFinished(const QUrl& file, bool asGIF);
     /// Puts a finished recording, or a file that an editor wrote, on the pasteboard and shows its
     /// chip.
     void deliver(const QUrl& file);
     void updateRecordingUI(bool recording);
-    void showRecordingControls(Geometry::Rect near);
-    void closeRecordingControls();
 
     void cameraShown(std::shared_ptr<Subsystems::Panel> panel);
 
     void openImageEditor(const QUrl& file);
     void openVideoEditor(const QUrl& file);
-    void openEditor(const QUrl& file, EditorList& open, const EditorFactory& make);
 
     Preferences& m_preferences;
     Clock m_clock;
@@ -90,8 +81,8 @@ private:
     std::unique_ptr<HotKey> m_annotateHotKey;
     std::unique_ptr<HotKey> m_recordHotKey;
     CaptureManager m_capture;
-    EditorList m_editors;
-    EditorList m_videoEditors;
+    RecordingFlow m_recording;
+    OpenEditors m_editors;
+    OpenEditors m_videoEditors;
     std::shared_ptr<Subsystems::Panel> m_cameraBubble;
-    std::shared_ptr<Subsystems::Panel> m_recordingControls;
 };

@@ -39,7 +39,7 @@ struct Subsystems {
         std::function<void()> makeKeyAndOrderFront;
         /// Set by the controller; the editor calls it with itself when its window closes.
         std::function<void(const Editor* closed)> onClose;
-        /// Set by the controller; a video editor calls it with each file that it wrote.
+        /// Set by the controller for video editors, which call it with each file that they wrote.
         std::function<void(const QUrl& file)> onFileProduced;
     };
 
