@@ -32,6 +32,10 @@ public:
                                                const QString& program,
                                                const QStringList& arguments = {},
                                                const QMap<QString, QString>& extra = {});
+    /// Starts a program in an environment of its own, on no desktop in particular.
+    static Outcome<std::unique_ptr<App>> start(const QProcessEnvironment& environment,
+                                               const QString& program,
+                                               const QStringList& arguments);
     ~App();
     App(const App&) = delete;
     App& operator=(const App&) = delete;
