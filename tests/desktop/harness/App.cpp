@@ -31,15 +31,22 @@ Outcome<std::unique_ptr<App>> App::start(const VirtualDesktop& desktop, const QS
                                          const QStringList& arguments,
                                          const QMap<QString, QString>& extra)
 {
-    std::unique_ptr<App> app(new App(program));
-    if (!app->m_folder.isValid())
-        return Failure{app->m_folder.errorString()};
     QProcessEnvironment environment = desktop.environment();
     for (auto it = extra.begin(); it != extra.end(); ++it)
         environment.insert(it.key(), it.value());
+    return start(environment, program, arguments, desktop.home());
+}
+
+Outcome<std::unique_ptr<App>> App::start(const QProcessEnvironment& environment,
+                                         const QString& program, const QStringList& arguments,
+                                         const QString& workingDirectory)
+{
+    std::unique_ptr<App> app(new App(program));
+    if (!app->m_folder.isValid())
+        return Failure{app->m_folder.errorString()};
     app->m_process.setArguments(arguments);
     app->m_process.setProcessEnvironment(environment);
-    app->m_process.setWorkingDirectory(desktop.home());
+    app->m_process.setWorkingDirectory(workingDirectory);
     app->m_process.start();
     if (!app->m_process.waitForStarted())
         return Failure{program + QStringLiteral(" did not start: ") + app->m_process.errorString()};

@@ -27,11 +27,15 @@ struct Exit {
 /// A program on a desktop. Ends with the object at the latest.
 class App {
 public:
-    /// Starts a program with the desktop's environment, to which `extra` adds.
+    /// Starts a program in the desktop's home and environment, to which `extra` adds.
     static Outcome<std::unique_ptr<App>> start(const VirtualDesktop& desktop,
                                                const QString& program,
                                                const QStringList& arguments = {},
                                                const QMap<QString, QString>& extra = {});
+    /// Starts a program in an environment of its own, on no desktop in particular.
+    static Outcome<std::unique_ptr<App>> start(const QProcessEnvironment& environment,
+                                               const QString& program, const QStringList& arguments,
+                                               const QString& workingDirectory = {});
     ~App();
     App(const App&) = delete;
     App& operator=(const App&) = delete;

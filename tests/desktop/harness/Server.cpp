@@ -70,7 +70,8 @@ QList<std::uint32_t> Server::numbers(std::uint32_t window, const QByteArray& nam
 {
     const QByteArray bytes = property(window, name);
     QList<std::uint32_t> result(bytes.size() / 4);
-    std::memcpy(result.data(), bytes.constData(), static_cast<std::size_t>(result.size()) * 4);
+    if (!result.isEmpty())
+        std::memcpy(result.data(), bytes.constData(), static_cast<std::size_t>(result.size()) * 4);
     return result;
 }
 

@@ -16,11 +16,6 @@ namespace {
 // The script itself waits at most ten seconds for each part.
 constexpr std::chrono::milliseconds startPatience = std::chrono::seconds(40);
 
-QString script()
-{
-    return QStringLiteral(TAMRIK_SOURCE_DIR "/scripts/desktop");
-}
-
 QString text(WindowManager windowManager)
 {
     switch (windowManager) {
@@ -100,6 +95,11 @@ QString newName()
 
 } // namespace
 
+QString desktopScript()
+{
+    return QStringLiteral(TAMRIK_SOURCE_DIR "/scripts/desktop");
+}
+
 VirtualDesktop::VirtualDesktop(QString name, const Options& options,
                                QProcessEnvironment environment)
     : m_name(std::move(name))
@@ -116,7 +116,7 @@ Outcome<std::unique_ptr<VirtualDesktop>> VirtualDesktop::start(const Options& op
         R"(script=$1; shift; exports=$("$script" start "$@") || exit; eval "$exports"; exec env -0)");
     const auto output =
         run(QStringLiteral("bash"),
-            QStringList{QStringLiteral("-c"), commands, QStringLiteral("bash"), script()} +
+            QStringList{QStringLiteral("-c"), commands, QStringLiteral("bash"), desktopScript()} +
                 arguments(options, name),
             QProcessEnvironment::systemEnvironment(), startPatience);
     if (!output)
@@ -155,8 +155,9 @@ Outcome<void> VirtualDesktop::stop()
         return {};
     m_running = false;
     m_server.reset();
-    const auto output = run(script(), {QStringLiteral("stop"), QStringLiteral("--name"), m_name},
-                            QProcessEnvironment::systemEnvironment(), startPatience);
+    const auto output =
+        run(desktopScript(), {QStringLiteral("stop"), QStringLiteral("--name"), m_name},
+            QProcessEnvironment::systemEnvironment(), startPatience);
     if (!output)
         return output.failure();
     return {};

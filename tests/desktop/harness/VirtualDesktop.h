@@ -32,6 +32,9 @@ struct Options {
     SecondAt secondAt = SecondAt::Right;
 };
 
+/// The script that starts and stops desktops.
+QString desktopScript();
+
 /// A desktop of its own for a test: X server, window manager, compositor, tray, session bus, home
 /// folder. Ends with the object, and also when the test program dies.
 class VirtualDesktop {
