@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <stdexcept>
+#include <vector>
 
 /// Another program on the same X server.
 class OtherClient {

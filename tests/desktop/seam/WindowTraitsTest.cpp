@@ -112,7 +112,7 @@ TEST_F(WindowTraitsTest, WhileAnotherProgramHoldsTheKeyboardItIsTriedAgain)
     Platform::makeKey(panel);
     settle();
     other.ungrabKeyboard();
-    ASSERT_TRUE(runUntil([this] {
+    ASSERT_TRUE(runUntil([] {
         OtherClient third;
         const bool free = third.grabKeyboard();
         return !free; // the panel has it
