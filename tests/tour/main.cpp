@@ -41,7 +41,7 @@ int main(int argc, char** argv)
     tour.leg(QStringLiteral("Start"));
     tour.step(QStringLiteral("Tamrik starts and stands in the status area"),
               [&]() -> Desktop::Outcome<void> {
-                  auto started = Tamrik::start(**desktop, program);
+                  auto started = Tamrik::startAndAwaitKeys(**desktop, program);
                   if (!started)
                       return started.failure();
                   tamrik = std::move(*started);

@@ -75,7 +75,7 @@ TEST_F(Launch, AHotKeyOutOfRangeEndsItWithOneLineAndAbort)
 
 TEST_F(Launch, AKeyThatIsTakenIsOneLineAndTheMenuStillCaptures)
 {
-    auto first = Tamrik::start(*desktop, program());
+    auto first = Tamrik::startAndAwaitKeys(*desktop, program());
     ASSERT_TRUE(succeeded(first));
     auto second = Tamrik::start(*desktop, program());
     ASSERT_TRUE(succeeded(second));
@@ -126,7 +126,7 @@ TEST_F(Launch, WithoutADisplayItSaysSo)
 TEST_F(Launch, ADamagedStoreIsKeptAsideAndTheProgramRuns)
 {
     storePreferences("{\"recordMic\": tr");
-    auto tamrik = Tamrik::start(*desktop, program());
+    auto tamrik = Tamrik::startAndAwaitKeys(*desktop, program());
     ASSERT_TRUE(succeeded(tamrik));
     expectCaptures(**tamrik);
     EXPECT_TRUE(QFile::exists(desktop->home() +
@@ -146,7 +146,7 @@ TEST_F(Launch, BothProgramsMayBeMovedTogether)
     ASSERT_TRUE(QFile::copy(program(), moved));
     ASSERT_TRUE(QFile::copy(root + tool + QStringLiteral("/screencapture"),
                             elsewhere.path() + tool + QStringLiteral("/screencapture")));
-    auto tamrik = Tamrik::start(*desktop, moved);
+    auto tamrik = Tamrik::startAndAwaitKeys(*desktop, moved);
     ASSERT_TRUE(succeeded(tamrik));
     expectCaptures(**tamrik);
 }
@@ -160,7 +160,8 @@ TEST_F(Launch, AnInstalledProgramFindsItsTool)
              QStringLiteral("--prefix"), prefix.path() + QStringLiteral("/any where")},
             QProcessEnvironment::systemEnvironment());
     ASSERT_TRUE(succeeded(installed));
-    auto tamrik = Tamrik::start(*desktop, prefix.path() + QStringLiteral("/any where/bin/tamrik"));
+    auto tamrik = Tamrik::startAndAwaitKeys(*desktop, prefix.path() +
+                                                          QStringLiteral("/any where/bin/tamrik"));
     ASSERT_TRUE(succeeded(tamrik));
     expectCaptures(**tamrik);
 }
@@ -171,7 +172,7 @@ TEST_F(Launch, AToolThatIsMissingIsOneLine)
     ASSERT_TRUE(QDir().mkpath(elsewhere.path() + QStringLiteral("/bin")));
     const QString alone = elsewhere.path() + QStringLiteral("/bin/tamrik");
     ASSERT_TRUE(QFile::copy(program(), alone));
-    auto tamrik = Tamrik::start(*desktop, alone);
+    auto tamrik = Tamrik::startAndAwaitKeys(*desktop, alone);
     ASSERT_TRUE(succeeded(tamrik));
     ASSERT_TRUE(succeeded((*tamrik)->pressCaptureKey()));
     ASSERT_TRUE(succeeded(input().drag({100, 100}, {300, 200})));
@@ -185,7 +186,7 @@ TEST_F(Launch, AToolThatIsMissingIsOneLine)
 
 TEST_F(Launch, QuitEndsIt)
 {
-    auto tamrik = Tamrik::start(*desktop, program());
+    auto tamrik = Tamrik::startAndAwaitKeys(*desktop, program());
     ASSERT_TRUE(succeeded(tamrik));
     const auto icon = awaitTrayIcon(*desktop, (*tamrik)->app().pid());
     ASSERT_TRUE(succeeded(icon));
@@ -202,7 +203,7 @@ TEST_F(Launch, QuitEndsIt)
 
 TEST_F(Launch, LaunchAtLoginWritesAnAutostartEntry)
 {
-    auto tamrik = Tamrik::start(*desktop, program());
+    auto tamrik = Tamrik::startAndAwaitKeys(*desktop, program());
     ASSERT_TRUE(succeeded(tamrik));
     const auto icon = awaitTrayIcon(*desktop, (*tamrik)->app().pid());
     ASSERT_TRUE(succeeded(icon));
@@ -219,7 +220,7 @@ TEST_F(Launch, LaunchAtLoginWritesAnAutostartEntry)
 
 TEST_F(Launch, AFileManagerPastesTheFileItself)
 {
-    auto tamrik = Tamrik::start(*desktop, program());
+    auto tamrik = Tamrik::startAndAwaitKeys(*desktop, program());
     ASSERT_TRUE(succeeded(tamrik));
     expectCaptures(**tamrik);
     const QString original = (*tamrik)->captures().front();

@@ -42,7 +42,7 @@ protected:
         if (GetParam().options.windowManager != WindowManager::None) {
             ASSERT_TRUE(succeeded(Windows(*desktop).awaitActive(terminal->window.id)));
         }
-        auto launched = Tamrik::start(*desktop, QStringLiteral(TAMRIK_PROGRAM));
+        auto launched = Tamrik::startAndAwaitKeys(*desktop, QStringLiteral(TAMRIK_PROGRAM));
         ASSERT_TRUE(succeeded(launched));
         tamrik = std::move(*launched);
     }

@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <xcb/res.h>
 #include <xcb/xcb.h>
 
 using Desktop::Outcome;
@@ -15,21 +16,38 @@ using Desktop::Window;
 
 namespace {
 
-constexpr xcb_keycode_t sKey = 39;
+/// Three hot keys, each under every state of two locks.
+constexpr std::uint32_t grabsOfAllHotKeys = 3 * 4;
 
-/// Whether somebody has grabbed the capture hot key: the server refuses it to anybody else.
-bool captureKeyIsTaken(const Desktop::Server& server)
+/// How many keys a process has grabbed on the server, by the X-Resource extension. Only looks:
+/// trying to grab a key oneself could take it from the program.
+std::uint32_t grabbedKeys(const Desktop::Server& server, qint64 pid)
 {
     xcb_connection_t* connection = server.connection();
-    constexpr std::uint16_t altShift = XCB_MOD_MASK_1 | XCB_MOD_MASK_SHIFT;
-    const auto cookie = xcb_grab_key_checked(connection, 1, server.root(), altShift, sKey,
-                                             XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    const Desktop::Reply<xcb_generic_error_t> error(xcb_request_check(connection, cookie));
-    if (error)
-        return true;
-    xcb_ungrab_key(connection, sKey, server.root(), altShift);
-    xcb_flush(connection);
-    return false;
+    const xcb_res_client_id_spec_t everybody = {0, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    const auto idsCookie = xcb_res_query_client_ids(connection, 1, &everybody);
+    const Desktop::Reply<xcb_res_query_client_ids_reply_t> ids(
+        xcb_res_query_client_ids_reply(connection, idsCookie, nullptr));
+    if (!ids)
+        return 0;
+    std::uint32_t grabs = 0;
+    auto client = xcb_res_query_client_ids_ids_iterator(ids.get());
+    for (; client.rem > 0; xcb_res_client_id_value_next(&client)) {
+        if (xcb_res_client_id_value_value_length(client.data) < 1 ||
+            *xcb_res_client_id_value_value(client.data) != static_cast<std::uint32_t>(pid))
+            continue;
+        const auto cookie = xcb_res_query_client_resources(connection, client.data->spec.client);
+        const Desktop::Reply<xcb_res_query_client_resources_reply_t> resources(
+            xcb_res_query_client_resources_reply(connection, cookie, nullptr));
+        if (!resources)
+            continue;
+        auto type = xcb_res_query_client_resources_types_iterator(resources.get());
+        for (; type.rem > 0; xcb_res_type_next(&type)) {
+            if (server.atomName(type.data->resource_type) == "PASSIVE GRAB")
+                grabs += type.data->count;
+        }
+    }
+    return grabs;
 }
 
 } // namespace
@@ -44,22 +62,26 @@ Outcome<std::unique_ptr<Tamrik>> Tamrik::start(const Desktop::VirtualDesktop& de
                                                const QString& program,
                                                const QMap<QString, QString>& extra)
 {
-    // Asked for before the program starts, or the question itself could take the key from it.
-    const bool takenBefore = captureKeyIsTaken(desktop.server());
     auto app = Desktop::App::start(desktop, program, {}, extra);
     if (!app)
         return app.failure();
-    std::unique_ptr<Tamrik> tamrik(new Tamrik(desktop, std::move(*app)));
-    if (takenBefore)
+    return std::unique_ptr<Tamrik>(new Tamrik(desktop, std::move(*app)));
+}
+
+Outcome<std::unique_ptr<Tamrik>> Tamrik::startAndAwaitKeys(const Desktop::VirtualDesktop& desktop,
+                                                           const QString& program)
+{
+    auto tamrik = start(desktop, program);
+    if (!tamrik)
         return tamrik;
-    // The program asks for its keys last, so a window of its tray icon or none says nothing.
-    const auto ready = Desktop::waitFor(QStringLiteral("the event loop"), [&]() -> Outcome<void> {
-        if (!tamrik->m_app->isRunning())
-            return Desktop::Failure{tamrik->m_app->errorOutput()};
-        if (!QFile::exists(QStringLiteral("/proc/%1/task").arg(tamrik->m_app->pid())))
-            return Desktop::Failure{QStringLiteral("not running")};
-        return captureKeyIsTaken(desktop.server()) ? Outcome<void>()
-                                                   : Desktop::Failure{QStringLiteral("no hot key")};
+    const auto ready = Desktop::waitFor(QStringLiteral("the hot keys"), [&]() -> Outcome<void> {
+        Desktop::App& app = (*tamrik)->app();
+        if (!app.isRunning())
+            return Desktop::Failure{QStringLiteral("it ended: ") + app.errorOutput()};
+        const std::uint32_t grabs = grabbedKeys(desktop.server(), app.pid());
+        if (grabs < grabsOfAllHotKeys)
+            return Desktop::Failure{QStringLiteral("it has %1 grabs").arg(grabs)};
+        return {};
     });
     if (!ready)
         return ready.failure();

@@ -14,11 +14,14 @@
 /// desktop, origin at its top left.
 class Tamrik {
 public:
-    /// Starts the program and waits until it takes keys. `program` is its path, `extra` adds to its
-    /// environment.
+    /// Starts the program, whose path is `program`; `extra` adds to its environment.
     static Desktop::Outcome<std::unique_ptr<Tamrik>>
     start(const Desktop::VirtualDesktop& desktop, const QString& program,
           const QMap<QString, QString>& extra = {});
+
+    /// Starts it and waits until it holds all its hot keys.
+    static Desktop::Outcome<std::unique_ptr<Tamrik>>
+    startAndAwaitKeys(const Desktop::VirtualDesktop& desktop, const QString& program);
 
     Desktop::App& app() { return *m_app; }
 

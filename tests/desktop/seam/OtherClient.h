@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 /// Another program on the same X server.
@@ -49,14 +50,19 @@ public:
     }
 
     /// The windows on the root, from the lowest to the highest.
-    std::vector<xcb_window_t> stacking()
+    std::vector<xcb_window_t> stacking() { return children(root()); }
+
+    /// The window of a program on the screen, by the second part of its WM_CLASS; none when there
+    /// is none. Windows that go while it looks are passed over.
+    xcb_window_t findViewable(const std::string& className) { return findBelow(root(), className); }
+
+    /// Gives a window the keyboard focus; false while it cannot have it.
+    bool setFocus(xcb_window_t window)
     {
-        const X11::Reply<xcb_query_tree_reply_t> reply(
-            xcb_query_tree_reply(get(), xcb_query_tree(get(), root()), nullptr));
-        if (!reply)
-            return {};
-        const xcb_window_t* windows = xcb_query_tree_children(reply.get());
-        return {windows, windows + xcb_query_tree_children_length(reply.get())};
+        const auto cookie =
+            xcb_set_input_focus_checked(get(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+        const X11::Reply<xcb_generic_error_t> error(xcb_request_check(get(), cookie));
+        return !error;
     }
 
     bool bypassesWindowManager(xcb_window_t window)
@@ -76,6 +82,48 @@ private:
         if (!connection)
             throw std::runtime_error(connection.failure().message);
         return std::move(*connection);
+    }
+
+    std::vector<xcb_window_t> children(xcb_window_t window)
+    {
+        const X11::Reply<xcb_query_tree_reply_t> reply(
+            xcb_query_tree_reply(get(), xcb_query_tree(get(), window), nullptr));
+        if (!reply)
+            return {};
+        const xcb_window_t* windows = xcb_query_tree_children(reply.get());
+        return {windows, windows + xcb_query_tree_children_length(reply.get())};
+    }
+
+    bool isViewable(xcb_window_t window)
+    {
+        const X11::Reply<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
+            get(), xcb_get_window_attributes(get(), window), nullptr));
+        return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+    }
+
+    std::string className(xcb_window_t window)
+    {
+        const X11::Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+            get(), xcb_get_property(get(), 0, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 0, 256),
+            nullptr));
+        if (!reply)
+            return {};
+        const std::string both(
+            static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
+        const std::size_t end = both.find('\0');
+        return end == std::string::npos ? both : both.substr(end + 1, both.size() - end - 2);
+    }
+
+    xcb_window_t findBelow(xcb_window_t parent, const std::string& wanted)
+    {
+        for (const xcb_window_t window : children(parent)) {
+            if (className(window) == wanted && isViewable(window))
+                return window;
+            if (const xcb_window_t found = findBelow(window, wanted))
+                return found;
+        }
+        return XCB_WINDOW_NONE;
     }
 
     void roundTrip() { focus(); }

@@ -34,10 +34,11 @@ protected:
                         QStringLiteral("user's window"), QStringLiteral("-geometry"),
                         QStringLiteral("60x20+300+200")});
         ASSERT_TRUE(terminal.waitForStarted());
-        xdotool(QStringLiteral("search --sync --onlyvisible --class xterm"));
-        xdotool(QStringLiteral("search --class xterm windowfocus"));
-        ASSERT_TRUE(runUntil([this] { return other.focus() > XCB_INPUT_FOCUS_POINTER_ROOT; }));
-        userFocus = other.focus();
+        ASSERT_TRUE(runUntil([this] {
+            userFocus = other.findViewable("XTerm");
+            return userFocus != XCB_WINDOW_NONE && other.setFocus(userFocus) &&
+                   other.focus() == userFocus;
+        }));
         panel.setGeometry(100, 100, 300, 200);
     }
 
@@ -46,6 +47,7 @@ protected:
         Platform::orderOut(panel);
         terminal.terminate();
         ASSERT_TRUE(terminal.waitForFinished());
+        ASSERT_TRUE(runUntil([this] { return !other.findViewable("XTerm"); }));
     }
 
     bool isAbove(const QWidget& upper, const QWidget& lower)
