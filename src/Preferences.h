@@ -11,7 +11,7 @@
 #include <optional>
 
 /// Typed access to the seven keys that the program keeps in the user-defaults store. A value of
-/// another type than the key's counts as absent. Main thread only.
+/// another type than the key's counts as absent, if not said otherwise. Main thread only.
 class Preferences {
 public:
     explicit Preferences(std::unique_ptr<QSettings> store);
@@ -37,7 +37,7 @@ public:
     void save(ChipPosition position);
 
     /// "chipCustomX" and "chipCustomY", in global points. (24, 24) when there is no X, whatever Y
-    /// is; a missing Y beside an X reads as 0.
+    /// is; beside an X of any type, whatever is no number reads as 0.
     Geometry::Point chipCustomOrigin() const;
     /// Stores the origin and makes the position custom.
     void saveCustom(Geometry::Point origin);

@@ -7,7 +7,9 @@
 #include "SelectionView.h"
 #include "SelectionWindow.h"
 
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QScreen>
 
 using namespace std::chrono_literals;
 
@@ -15,6 +17,17 @@ namespace {
 
 /// How long the overlay gets to vanish from the screen before a result is delivered.
 constexpr auto vanishingTime = 180ms;
+
+/// The screen on which the pointer is; the primary one when it is on none, so that an open overlay
+/// always has the keyboard. There is at least one.
+std::size_t indexOfScreenWith(Geometry::Point pointer, const std::vector<Platform::Screen>& screens)
+{
+    for (std::size_t i = 0; i < screens.size(); ++i) {
+        if (screens[i].frame.containsPointer(pointer))
+            return i;
+    }
+    return 0;
+}
 
 } // namespace
 
@@ -53,12 +66,28 @@ void SelectionSession::openWindows()
     for (std::size_t i = 0; i < screens.size(); ++i) {
         m_windows.push_back(std::make_unique<SelectionWindow>(screens[i], weak_from_this(),
                                                               std::move(backdrops[i])));
-        SelectionWindow& window = *m_windows.back();
-        Platform::orderFrontRegardless(window);
-        if (screens[i].frame.containsPointer(pointer))
-            Platform::makeKey(window);
+        Platform::orderFrontRegardless(*m_windows.back());
     }
+    if (!m_windows.empty())
+        Platform::makeKey(*m_windows.at(indexOfScreenWith(pointer, screens)));
     Platform::activateIgnoringOthers();
+    endWhenScreensChange();
+}
+
+void SelectionSession::endWhenScreensChange()
+{
+    m_screensWatch = std::make_unique<QObject>();
+    const auto end = [weak = weak_from_this()] {
+        // The rectangle would name other pixels than those that were selected.
+        if (const auto session = weak.lock())
+            session->finish(std::nullopt);
+    };
+    QObject* const watch = m_screensWatch.get();
+    QObject::connect(qGuiApp, &QGuiApplication::screenAdded, watch, end);
+    QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, watch, end);
+    QObject::connect(qGuiApp, &QGuiApplication::primaryScreenChanged, watch, end);
+    for (const QScreen* screen : QGuiApplication::screens())
+        QObject::connect(screen, &QScreen::geometryChanged, watch, end);
 }
 
 SelectionView* SelectionSession::activeView() const
@@ -76,6 +105,7 @@ void SelectionSession::finish(const std::optional<SelectionResult>& result)
     if (m_finished)
         return;
     m_finished = true;
+    m_screensWatch.reset();
     const auto self = shared_from_this();
 
     for (auto& window : m_windows) {

@@ -3,6 +3,7 @@
 #include "SelectionTypes.h"
 #include "Support/Clock.h"
 
+#include <QObject>
 #include <QPointer>
 
 #include <functional>
@@ -60,6 +61,7 @@ public:
 private:
     SelectionSession(SelectionMode mode, SelectionHooks hooks, Clock clock, Completion completion);
     void openWindows();
+    void endWhenScreensChange();
 
     SelectionMode m_mode;
     SelectionHooks m_hooks;
@@ -69,4 +71,6 @@ private:
     bool m_finished = false;
     QPointer<SelectionView> m_activeView;
     bool m_hadSelection = false;
+    /// Ends our connections to the screens with us.
+    std::unique_ptr<QObject> m_screensWatch;
 };

@@ -26,10 +26,10 @@ QPixmap draw(Symbols::Symbol symbol, const QColor& body, int size)
 
     // The rim takes a pixel all round, whatever the size.
     const double rim = std::max(1.0, size / 22.0);
-    const QPainterPath path =
-        Symbols::path(symbol, QRectF(rim, rim, size - 2 * rim, size - 2 * rim));
-    painter.strokePath(path, QPen(darkRim, 2 * rim, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.fillPath(path, body);
+    const QRectF box(rim, rim, size - 2 * rim, size - 2 * rim);
+    painter.strokePath(Symbols::path(symbol, box),
+                       QPen(darkRim, 2 * rim, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    Symbols::draw(painter, symbol, box, body);
     return pixmap;
 }
 

@@ -162,6 +162,8 @@ void StatusMenu::positionChanged(const QAction& item)
 
 void StatusMenu::toggleLaunchAtLogin()
 {
+    // The click has flipped the tick already.
+    const bool tickBefore = !m_launchAtLoginItem->isChecked();
     const bool enabled = Platform::loginItemEnabled();
     const PossibleFailure failure =
         enabled ? Platform::disableLoginItem() : Platform::enableLoginItem();
@@ -169,6 +171,5 @@ void StatusMenu::toggleLaunchAtLogin()
         Log::line(QStringLiteral("launch-at-login toggle failed: ") +
                   QString::fromStdString(failure->message));
     }
-    // The click has flipped the tick already: on failure this puts it back.
-    setTick(*m_launchAtLoginItem, failure ? enabled : !enabled);
+    setTick(*m_launchAtLoginItem, failure ? tickBefore : !enabled);
 }

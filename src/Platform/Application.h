@@ -12,7 +12,8 @@ namespace Platform {
 /// No task bar entry, no main menu; the program goes on when its last window closes.
 void becomeAccessory();
 
-/// Brings the program's key window to the keyboard, whichever program has it now.
+/// Makes the program the active one, whichever is now, where the desktop knows of such a thing; X11
+/// only knows of windows.
 void activateIgnoringOthers();
 
 } // namespace Platform

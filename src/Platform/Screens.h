@@ -26,10 +26,8 @@ struct Screen {
 /// The screens as they are now, the primary one first; empty when there is none.
 std::vector<Screen> screens();
 
-/// Turns y over between Qt's desktop coordinates and global points, as the screens are now.
-Geometry::Flip desktopFlip();
-
-/// Where the pointer is, in global points.
+/// Where the pointer is, in global points. It names a pixel, so under a scale it may lie between
+/// two points.
 Geometry::Point mouseLocation();
 
 } // namespace Platform

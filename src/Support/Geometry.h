@@ -45,8 +45,6 @@ struct Rect {
 
     constexpr double minX() const { return x; }
     constexpr double minY() const { return y; }
-    constexpr double midX() const { return x + width / 2; }
-    constexpr double midY() const { return y + height / 2; }
     constexpr double maxX() const { return x + width; }
     constexpr double maxY() const { return y + height; }
     constexpr Point origin() const { return {x, y}; }

@@ -137,14 +137,6 @@ std::vector<Screen> screens()
     return FakePlatform::current().screens;
 }
 
-Geometry::Flip desktopFlip()
-{
-    const auto& screens = FakePlatform::current().screens;
-    if (screens.empty())
-        return Geometry::Flip({});
-    return Geometry::Flip({0, 0, screens.front().frame.width, screens.front().frame.height});
-}
-
 Geometry::Point mouseLocation()
 {
     return FakePlatform::current().mouse;

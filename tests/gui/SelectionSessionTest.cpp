@@ -92,6 +92,27 @@ TEST_F(SelectionSessionTest, CoversEveryScreenAndTheOneUnderThePointerIsKey)
     EXPECT_EQ(view(0).cursor().shape(), Qt::CrossCursor);
 }
 
+TEST_F(SelectionSessionTest, APointerThatIsOnNoScreenLeavesTheKeysToThePrimaryOne)
+{
+    FakePlatform::current().mouse = {-5, 2000};
+    open(SelectionMode::screenshot);
+    EXPECT_EQ(FakePlatform::current().key, &window(0));
+}
+
+TEST_F(SelectionSessionTest, EndsWithoutAResultWhenTheScreensChange)
+{
+    open(SelectionMode::record);
+    drag(view(0), {100, 100}, {400, 300});
+    Q_EMIT QGuiApplication::screens()[1]->geometryChanged({});
+    EXPECT_EQ(results, Results{std::nullopt});
+    open(SelectionMode::screenshot);
+    Q_EMIT qGuiApp->screenRemoved(nullptr);
+    EXPECT_EQ(results, (Results{std::nullopt, std::nullopt}));
+    // Afterwards nobody listens.
+    Q_EMIT qGuiApp->screenRemoved(nullptr);
+    EXPECT_EQ(results.size(), 2u);
+}
+
 TEST_F(SelectionSessionTest, AnEightByEightDragEndsAScreenshotWithItsGlobalRectangle)
 {
     open(SelectionMode::screenshot);

@@ -201,15 +201,18 @@ TEST_F(StatusMenuTest, AFailedToggleIsLoggedAndChangesNothing)
     build();
     FakePlatform::current().loginItemError = QStringLiteral("read-only file system");
     QAction* launch = item("Launch at Login");
-    launch->trigger();
-    EXPECT_FALSE(launch->isChecked());
-    EXPECT_EQ(TestLog::takeLines(),
-              QStringList{QStringLiteral("launch-at-login toggle failed: read-only file system")});
-    FakePlatform::current().loginItem = true;
-    launch->setChecked(true);
-    launch->trigger();
-    EXPECT_TRUE(launch->isChecked());
-    EXPECT_EQ(TestLog::takeLines().size(), 1);
+    // Also when the tick no longer says what the service says.
+    for (const bool enabled : {false, true}) {
+        for (const bool ticked : {false, true}) {
+            FakePlatform::current().loginItem = enabled;
+            launch->setChecked(ticked);
+            launch->trigger();
+            EXPECT_EQ(launch->isChecked(), ticked);
+            EXPECT_EQ(TestLog::takeLines(),
+                      QStringList{
+                          QStringLiteral("launch-at-login toggle failed: read-only file system")});
+        }
+    }
 }
 
 TEST_F(StatusMenuTest, QuitEndsTheProgram)

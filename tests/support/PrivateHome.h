@@ -8,6 +8,9 @@ class PrivateHome {
 public:
     PrivateHome()
     {
+        // Without one the tests would work in the user's own home.
+        if (!m_folder.isValid())
+            qFatal("no temporary folder: %s", qPrintable(m_folder.errorString()));
         set("HOME", QString());
         set("XDG_CONFIG_HOME", QStringLiteral("/.config"));
         set("XDG_DATA_HOME", QStringLiteral("/.local/share"));

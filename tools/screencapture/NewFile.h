@@ -12,9 +12,10 @@
 /// A file that appears under its name complete or not at all, readable by its owner only.
 ///
 /// Until it is published it has no name (O_TMPFILE), so that nothing stays behind however the
-/// process ends. On file systems that cannot do this it has a hidden name in the same folder, which
-/// the destructor and the signals SIGHUP, SIGINT and SIGTERM remove. It never opens what stands at
-/// its place, nor follows a link there.
+/// process ends; only to replace a file it gets a hidden one for the moment before. On file systems
+/// that cannot do this it has a hidden name in the same folder, which the destructor and the
+/// signals SIGHUP, SIGINT and SIGTERM remove. It never opens what stands at its place, nor follows
+/// a link there.
 ///
 /// One at a time in a process: the signals' handlers know of one.
 class NewFile {

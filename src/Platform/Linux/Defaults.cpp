@@ -7,14 +7,21 @@
 
 namespace {
 
-/// The file of a device that QSettings opened, for keeping a damaged one aside.
-void keepAside(QIODevice& device)
+/// Copies the damaged file that QSettings opened to a name beside it that is still free, so that an
+/// earlier copy stays. The same damage is kept once.
+void keepAside(const QIODevice& device, const QByteArray& bytes)
 {
     const auto* file = qobject_cast<const QFile*>(&device);
     if (!file)
         return;
-    const QString aside = file->fileName() + QStringLiteral(".unreadable");
-    QFile::remove(aside);
+    const QString base = file->fileName() + QStringLiteral(".unreadable");
+    QString aside = base;
+    for (int number = 2; QFile::exists(aside); ++number) {
+        QFile earlier(aside);
+        if (earlier.open(QIODevice::ReadOnly) && earlier.readAll() == bytes)
+            return;
+        aside = base + QLatin1Char('-') + QString::number(number);
+    }
     // Best effort: the program must start whatever state its preferences are in.
     QFile::copy(file->fileName(), aside);
 }
@@ -30,7 +37,7 @@ bool readJson(QIODevice& device, QSettings::SettingsMap& map)
     if (document.isObject())
         map = document.object().toVariantMap();
     else
-        keepAside(device);
+        keepAside(device, bytes);
     return true;
 }
 

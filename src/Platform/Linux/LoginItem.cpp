@@ -9,14 +9,14 @@
 
 namespace {
 
-/// Desktop Application Autostart Specification: an entry in the user's autostart folder.
+/// Where freedesktop.org's autostart standard has a user's own entries.
 QString entryPath()
 {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
            QStringLiteral("/autostart/tamrik.desktop");
 }
 
-/// A path as the one argument of an Exec line (Desktop Entry Specification, "The Exec key"): in
+/// A path as the one argument of an Exec line (freedesktop.org's desktop entry standard): in
 /// double quotes with a backslash before quotes, backticks, dollars and backslashes, per cent signs
 /// doubled; then once more every backslash doubled, as in all string values.
 QByteArray execValue(const QString& path)
@@ -33,6 +33,12 @@ QByteArray execValue(const QString& path)
     return '"' + quoted.toUtf8() + '"';
 }
 
+/// The line that starts this program from where it lies now.
+QByteArray execLine()
+{
+    return "Exec=" + execValue(QCoreApplication::applicationFilePath());
+}
+
 } // namespace
 
 bool Platform::loginItemEnabled()
@@ -40,13 +46,17 @@ bool Platform::loginItemEnabled()
     QFile entry(entryPath());
     if (!entry.open(QIODevice::ReadOnly))
         return false;
-    // Desktops switch an entry off without deleting it.
+    // An entry of a program that was moved since starts nothing, and desktops switch an entry off
+    // without deleting it.
+    bool startsUs = false;
     while (!entry.atEnd()) {
-        const QByteArray line = entry.readLine().simplified().replace(" ", "").toLower();
-        if (line == "hidden=true" || line == "x-gnome-autostart-enabled=false")
+        const QByteArray line = entry.readLine().trimmed();
+        const QByteArray plain = QByteArray(line).replace(" ", "").toLower();
+        if (plain == "hidden=true" || plain == "x-gnome-autostart-enabled=false")
             return false;
+        startsUs = startsUs || line == execLine();
     }
-    return true;
+    return startsUs;
 }
 
 PossibleFailure Platform::enableLoginItem()
@@ -56,13 +66,8 @@ PossibleFailure Platform::enableLoginItem()
     QSaveFile entry(path);
     if (!entry.open(QIODevice::WriteOnly))
         return Failure{entry.errorString().toStdString()};
-    entry.write("[Desktop Entry]\n"
-                "Type=Application\n"
-                "Name=Tamrik\n"
-                "Exec=" +
-                execValue(QCoreApplication::applicationFilePath()) +
-                "\n"
-                "Terminal=false\n");
+    entry.write("[Desktop Entry]\nType=Application\nName=Tamrik\n" + execLine() +
+                "\nTerminal=false\n");
     if (!entry.commit())
         return Failure{entry.errorString().toStdString()};
     return std::nullopt;

@@ -6,15 +6,24 @@
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <qpa/qplatformcursor.h>
+#include <qpa/qplatformscreen.h>
 
 namespace {
 
+/// Turns y over between Qt's desktop coordinates and global points, as the screens are now.
+Geometry::Flip desktopFlip()
+{
+    const QScreen* primary = QGuiApplication::primaryScreen();
+    return Geometry::Flip(primary ? topLeftRect(primary->geometry()) : Geometry::TopLeftRect{});
+}
+
 /// The screen less panels. QScreen::availableGeometry ignores panels when there are several
 /// screens.
-QRectF visibleGeometry(const QScreen& screen)
+QRectF visibleGeometry(const QScreen& screen, const X11::Reserved& reserved)
 {
     const QRect native = NativeScreen::pixels(screen);
-    const QRect visible = X11::visibleNative(native);
+    const QRect visible = X11::withoutStruts(native, reserved.root, reserved.struts);
     if (visible == native)
         return screen.geometry();
     return NativeScreen::logical(screen, visible) & QRectF(screen.geometry());
@@ -31,21 +40,17 @@ QList<QScreen*> primaryFirst()
 
 } // namespace
 
-Geometry::Flip Platform::desktopFlip()
-{
-    const QScreen* primary = QGuiApplication::primaryScreen();
-    return Geometry::Flip(primary ? topLeftRect(primary->geometry()) : Geometry::TopLeftRect{});
-}
-
 std::vector<Platform::Screen> Platform::screens()
 {
     std::vector<Screen> result;
     const Geometry::Flip flip = desktopFlip();
+    const X11::Reserved reserved = X11::reserved();
     for (QScreen* screen : primaryFirst()) {
         result.push_back({
             .name = screen->name(),
             .frame = flip.bottomLeftFromTopLeft(topLeftRect(screen->geometry())),
-            .visibleFrame = flip.bottomLeftFromTopLeft(topLeftRect(visibleGeometry(*screen))),
+            .visibleFrame =
+                flip.bottomLeftFromTopLeft(topLeftRect(visibleGeometry(*screen, reserved))),
             .scale = screen->devicePixelRatio(),
             .handle = screen,
         });
@@ -55,6 +60,16 @@ std::vector<Platform::Screen> Platform::screens()
 
 Geometry::Point Platform::mouseLocation()
 {
-    const QPointF p = QCursor::pos();
+    // QCursor::pos() rounds to whole points, which on a scaled screen's last pixel is off the
+    // screen.
+    QPointF p = QCursor::pos();
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QPlatformCursor* cursor = screen->handle()->cursor();
+        const QPoint native = cursor ? cursor->pos() : QPoint();
+        if (cursor && NativeScreen::pixels(*screen).contains(native)) {
+            p = NativeScreen::logical(*screen, QRect(native, QSize(1, 1))).topLeft();
+            break;
+        }
+    }
     return desktopFlip().bottomLeftFromTopLeft(Geometry::TopLeftPoint{p.x(), p.y()});
 }

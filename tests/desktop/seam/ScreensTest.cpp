@@ -87,6 +87,13 @@ TEST(TwoScreensAtTwo, ThePointerIsFoundOnEither)
     EXPECT_TRUE(runUntil([] { return Platform::mouseLocation() == Geometry::Point{1970, 440}; }));
 }
 
+TEST(TwoScreensAtTwo, ThePointerOnTheLastPixelIsStillOnTheScreen)
+{
+    xdotool(QStringLiteral("mousemove 1919 1079"));
+    EXPECT_TRUE(runUntil([] { return Platform::mouseLocation() == Geometry::Point{959.5, 0.5}; }));
+    EXPECT_TRUE(Platform::screens().front().frame.containsPointer(Platform::mouseLocation()));
+}
+
 TEST(TwoScreensAtTwo, TellTheToolTheirPixels)
 {
     const auto table = toolTable();

@@ -112,6 +112,18 @@ TEST_F(DefaultsTest, AStoreThatIsNoObjectIsKeptAsideToo)
     EXPECT_EQ(contents(path() + QStringLiteral(".unreadable")), "[1, 2]");
 }
 
+TEST_F(DefaultsTest, ASecondDamageLeavesTheFirstOnesCopyAlone)
+{
+    overwrite("{\"first\": ");
+    (void)Platform::openDefaults()->allKeys();
+    (void)Platform::openDefaults()->allKeys();
+    overwrite("{\"second\": ");
+    (void)Platform::openDefaults()->allKeys();
+    EXPECT_EQ(contents(path() + QStringLiteral(".unreadable")), "{\"first\": ");
+    EXPECT_EQ(contents(path() + QStringLiteral(".unreadable-2")), "{\"second\": ");
+    EXPECT_FALSE(QFile::exists(path() + QStringLiteral(".unreadable-3")));
+}
+
 TEST_F(DefaultsTest, TwoWritersDoNotLoseEachOthersKeys)
 {
     constexpr int rounds = 50;

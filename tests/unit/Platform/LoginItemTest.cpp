@@ -71,6 +71,16 @@ TEST_F(LoginItemTest, AnEntryThatTheDesktopSwitchedOffIsNotEnabled)
     }
 }
 
+TEST_F(LoginItemTest, AnEntryOfAProgramThatWasMovedIsNotEnabled)
+{
+    ASSERT_TRUE(QDir(folder.path()).mkpath(QStringLiteral("autostart")));
+    append("[Desktop Entry]\nType=Application\nName=Tamrik\nExec=\"/old/place/tamrik\"\n");
+    EXPECT_FALSE(Platform::loginItemEnabled());
+    ASSERT_FALSE(Platform::enableLoginItem());
+    EXPECT_TRUE(Platform::loginItemEnabled());
+    EXPECT_FALSE(contents().contains("/old/place"));
+}
+
 TEST_F(LoginItemTest, AFailureSaysWhy)
 {
     QFile inTheWay(folder.filePath(QStringLiteral("autostart")));

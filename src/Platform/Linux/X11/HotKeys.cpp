@@ -42,14 +42,16 @@ public:
     std::optional<Platform::HotKeyReference> add(xcb_keycode_t keyCode, std::uint32_t mask,
                                                  std::uint32_t identifier)
     {
-        const X11::ModifierMap map;
-        const Registration wanted{keyCode, map.fromHotKeyMask(mask), mask, identifier};
+        if (!m_map)
+            m_map.emplace();
+        const Registration wanted{keyCode, m_map->fromHotKeyMask(mask), mask, identifier};
         // The server would grant us one key twice, but take it away at the first ungrabbing.
-        const bool ours = std::any_of(
-            m_registrations.begin(), m_registrations.end(), [&wanted](const auto& entry) {
-                return entry.second.keyCode == wanted.keyCode && entry.second.mask == wanted.mask;
-            });
-        if (ours || !grab(wanted, map))
+        const bool ours = std::any_of(m_registrations.begin(), m_registrations.end(),
+                                      [&wanted](const auto& entry) {
+                                          return entry.second.keyCode == wanted.keyCode &&
+                                                 entry.second.modifiers == wanted.modifiers;
+                                      });
+        if (ours || !grab(wanted, *m_map))
             return std::nullopt;
         if (m_registrations.empty())
             QCoreApplication::instance()->installNativeEventFilter(this);
@@ -62,7 +64,7 @@ public:
         const auto found = m_registrations.find(reference.value);
         if (found == m_registrations.end())
             return;
-        ungrab(found->second, X11::ModifierMap());
+        ungrab(found->second, *m_map);
         m_registrations.erase(found);
         if (m_registrations.empty() && QCoreApplication::instance())
             QCoreApplication::instance()->removeNativeEventFilter(this);
@@ -122,12 +124,13 @@ private:
     /// The modifier keys were assigned anew: Alt, Super and NumLock may set other bits now.
     void grabAfresh()
     {
-        const X11::ModifierMap map;
+        for (const auto& [reference, registration] : m_registrations)
+            ungrab(registration, *m_map);
+        m_map.emplace();
         for (auto& [reference, registration] : m_registrations) {
-            registration.modifiers = map.fromHotKeyMask(registration.mask);
-            // Already granted variants are granted again; one that another program took meanwhile
-            // is lost, and there is nobody to tell.
-            (void)grab(registration, map);
+            registration.modifiers = m_map->fromHotKeyMask(registration.mask);
+            // A key that another program took meanwhile is lost, and there is nobody to tell.
+            (void)grab(registration, *m_map);
         }
     }
 
@@ -135,8 +138,7 @@ private:
     {
         if (event.event != X11::qtScreen().root)
             return false;
-        const X11::ModifierMap map;
-        const unsigned state = event.state & map.relevant();
+        const unsigned state = event.state & m_map->relevant();
         for (const auto& [reference, registration] : m_registrations) {
             if (registration.keyCode != event.detail || registration.modifiers != state)
                 continue;
@@ -160,6 +162,9 @@ private:
         return false;
     }
 
+    /// As the keyboard was when it was last told of a change; there is one while anything is
+    /// registered.
+    std::optional<X11::ModifierMap> m_map;
     std::map<std::uint32_t, Registration> m_registrations;
     std::uint32_t m_lastReference = 0;
     xcb_keycode_t m_releasedKey = 0;

@@ -4,6 +4,8 @@
 #include <QtGui/qguiapplication_platform.h>
 
 #include <cstring>
+#include <map>
+#include <string>
 
 namespace {
 
@@ -50,21 +52,43 @@ const xcb_screen_t& X11::qtScreen()
 
 xcb_atom_t X11::atom(const char* name)
 {
+    static std::map<std::string, xcb_atom_t, std::less<>> known;
+    if (const auto found = known.find(name); found != known.end())
+        return found->second;
     const auto cookie =
         xcb_intern_atom(qtConnection(), 0, static_cast<std::uint16_t>(std::strlen(name)), name);
     const Reply<xcb_intern_atom_reply_t> reply(
         xcb_intern_atom_reply(qtConnection(), cookie, nullptr));
-    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+    if (!reply)
+        return XCB_ATOM_NONE;
+    known.emplace(name, reply->atom);
+    return reply->atom;
 }
 
 std::vector<std::uint32_t> X11::property32(xcb_window_t window, const char* name)
 {
-    const auto cookie = xcb_get_property(qtConnection(), 0, window, atom(name),
-                                         XCB_GET_PROPERTY_TYPE_ANY, 0, largestProperty);
-    const Reply<xcb_get_property_reply_t> reply(
-        xcb_get_property_reply(qtConnection(), cookie, nullptr));
-    if (!reply || reply->format != 32)
-        return {};
-    const auto* values = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-    return {values, values + xcb_get_property_value_length(reply.get()) / 4};
+    return properties32({window}, name).front();
+}
+
+std::vector<std::vector<std::uint32_t>> X11::properties32(const std::vector<xcb_window_t>& windows,
+                                                          const char* name)
+{
+    std::vector<xcb_get_property_cookie_t> cookies;
+    for (const xcb_window_t window : windows) {
+        cookies.push_back(xcb_get_property(qtConnection(), 0, window, atom(name),
+                                           XCB_GET_PROPERTY_TYPE_ANY, 0, largestProperty));
+    }
+    std::vector<std::vector<std::uint32_t>> results;
+    for (const xcb_get_property_cookie_t cookie : cookies) {
+        const Reply<xcb_get_property_reply_t> reply(
+            xcb_get_property_reply(qtConnection(), cookie, nullptr));
+        std::vector<std::uint32_t> values;
+        if (reply && reply->format == 32) {
+            const auto* first =
+                static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+            values.assign(first, first + xcb_get_property_value_length(reply.get()) / 4);
+        }
+        results.push_back(std::move(values));
+    }
+    return results;
 }

@@ -19,10 +19,14 @@ const xcb_screen_t& qtScreen();
 /// The number of that screen.
 int qtScreenNumber();
 
-/// The atom of that name, made when it does not exist.
+/// The atom of that name, made when it does not exist. Asked for once in a process.
 xcb_atom_t atom(const char* name);
 
 /// A property of 32-bit values; empty when the window has none of that name and format.
 std::vector<std::uint32_t> property32(xcb_window_t window, const char* name);
+
+/// The same of several windows, in one round trip.
+std::vector<std::vector<std::uint32_t>> properties32(const std::vector<xcb_window_t>& windows,
+                                                     const char* name);
 
 } // namespace X11

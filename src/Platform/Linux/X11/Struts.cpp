@@ -15,52 +15,50 @@ QSize rootSize()
     return reply ? QSize(reply->width, reply->height) : QSize();
 }
 
-/// Where a band of `depth` pixels ends that starts at `edge` of the screen; bands that reach over
-/// the whole screen are no panels.
-struct Span {
-    int first;
-    int last;
+/// Far beyond any X screen, far below overflow.
+constexpr std::uint32_t farAway = 1U << 20;
 
-    bool meets(int otherFirst, int otherLast) const
-    {
-        return first <= otherLast && otherFirst <= last;
-    }
-};
-
-Span span(std::uint32_t first, std::uint32_t last)
+int clamped(std::uint32_t value)
 {
-    constexpr std::uint32_t limit = 1U << 20; // far beyond any X screen, far below overflow
-    return {static_cast<int>(std::min(first, limit)), static_cast<int>(std::min(last, limit))};
+    return static_cast<int>(std::min(value, farAway));
 }
 
-int depth(std::uint32_t value)
+/// Whether a band that runs along an edge from pixel `first` to pixel `last` passes the pixels from
+/// `low` to `high`.
+bool meets(std::uint32_t first, std::uint32_t last, int low, int high)
 {
-    return span(value, value).first;
+    return clamped(first) <= high && low <= clamped(last);
+}
+
+/// The older property of four depths, as bands along whole edges.
+std::vector<std::uint32_t> alongWholeEdges(std::vector<std::uint32_t> depths)
+{
+    depths.resize(4);
+    depths.insert(depths.end(), {0, farAway, 0, farAway, 0, farAway, 0, farAway});
+    return depths;
 }
 
 } // namespace
 
-std::vector<X11::Strut> X11::struts()
+X11::Reserved X11::reserved()
 {
-    std::vector<Strut> found;
     if (!qtConnection())
-        return found;
-    for (const xcb_window_t window : property32(qtScreen().root, "_NET_CLIENT_LIST")) {
-        auto values = property32(window, "_NET_WM_STRUT_PARTIAL");
-        if (values.size() < 12) {
-            // The older property reserves whole edges.
-            values = property32(window, "_NET_WM_STRUT");
-            if (values.size() < 4)
-                continue;
-            values.resize(4);
-            constexpr std::uint32_t whole = 1U << 20;
-            values.insert(values.end(), {0, whole, 0, whole, 0, whole, 0, whole});
-        }
+        return {};
+    Reserved result{rootSize(), {}};
+    const auto windows = property32(qtScreen().root, "_NET_CLIENT_LIST");
+    const auto partial = properties32(windows, "_NET_WM_STRUT_PARTIAL");
+    const auto whole = properties32(windows, "_NET_WM_STRUT");
+    for (std::size_t i = 0; i < windows.size(); ++i) {
+        auto values = partial[i];
+        if (values.size() < 12 && whole[i].size() >= 4)
+            values = alongWholeEdges(whole[i]);
+        if (values.size() < 12)
+            continue;
         Strut strut;
         std::copy_n(values.begin(), strut.values.size(), strut.values.begin());
-        found.push_back(strut);
+        result.struts.push_back(strut);
     }
-    return found;
+    return result;
 }
 
 QRect X11::withoutStruts(QRect screen, QSize root, const std::vector<Strut>& struts)
@@ -68,14 +66,14 @@ QRect X11::withoutStruts(QRect screen, QSize root, const std::vector<Strut>& str
     QRect visible = screen;
     for (const Strut& strut : struts) {
         const auto& v = strut.values;
-        const int left = depth(v[0]);
-        const int right = root.width() - depth(v[1]);
-        const int top = depth(v[2]);
-        const int bottom = root.height() - depth(v[3]);
-        const bool leftMeets = span(v[4], v[5]).meets(screen.top(), screen.bottom());
-        const bool rightMeets = span(v[6], v[7]).meets(screen.top(), screen.bottom());
-        const bool topMeets = span(v[8], v[9]).meets(screen.left(), screen.right());
-        const bool bottomMeets = span(v[10], v[11]).meets(screen.left(), screen.right());
+        const int left = clamped(v[0]);
+        const int right = root.width() - clamped(v[1]);
+        const int top = clamped(v[2]);
+        const int bottom = root.height() - clamped(v[3]);
+        const bool leftMeets = meets(v[4], v[5], screen.top(), screen.bottom());
+        const bool rightMeets = meets(v[6], v[7], screen.top(), screen.bottom());
+        const bool topMeets = meets(v[8], v[9], screen.left(), screen.right());
+        const bool bottomMeets = meets(v[10], v[11], screen.left(), screen.right());
 
         // A band counts for a screen that it begins or ends in; one that covers the screen from
         // side to side belongs to a screen beyond it.
@@ -89,11 +87,4 @@ QRect X11::withoutStruts(QRect screen, QSize root, const std::vector<Strut>& str
             visible.setBottom(std::min(visible.bottom(), bottom - 1));
     }
     return visible.isValid() ? visible : screen;
-}
-
-QRect X11::visibleNative(QRect screen)
-{
-    if (!qtConnection())
-        return screen;
-    return withoutStruts(screen, rootSize(), struts());
 }

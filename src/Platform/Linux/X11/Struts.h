@@ -16,13 +16,17 @@ struct Strut {
     std::array<std::uint32_t, 12> values{};
 };
 
-/// The struts of all windows that the window manager manages.
-std::vector<Strut> struts();
+/// What all panels and docks reserve, and the size of the root window that it is measured on.
+struct Reserved {
+    QSize root;
+    std::vector<Strut> struts;
+};
+
+/// Asks the server, in three round trips however many windows there are. Nothing is reserved when
+/// Qt does not run on X11.
+Reserved reserved();
 
 /// `screen` less the bands that lie in it. All in native pixels of a root window of `root` size.
 QRect withoutStruts(QRect screen, QSize root, const std::vector<Strut>& struts);
-
-/// `screen` less the panels and docks there are now; `screen` itself when Qt does not run on X11.
-QRect visibleNative(QRect screen);
 
 } // namespace X11
