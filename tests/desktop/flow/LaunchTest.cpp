@@ -44,6 +44,16 @@ protected:
 
     Input input() const { return Input(*desktop); }
 
+    Outcome<void> openMenu(Tamrik& tamrik)
+    {
+        const auto icon = awaitTrayIcon(*desktop, tamrik.app().pid());
+        if (!icon)
+            return icon.failure();
+        if (const auto clicked = input().click(icon->center()); !clicked)
+            return clicked;
+        return waitUntil(QStringLiteral("the menu"), [&] { return tamrik.menuIsOpen(); });
+    }
+
     /// Takes a picture with a program that may lie anywhere.
     void expectCaptures(Tamrik& tamrik)
     {

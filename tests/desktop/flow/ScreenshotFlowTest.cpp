@@ -2,6 +2,7 @@
 
 #include "desktop/flow/Tamrik.h"
 #include "desktop/harness/Clipboard.h"
+#include "desktop/harness/Commands.h"
 #include "desktop/harness/DesktopTest.h"
 #include "desktop/harness/Helpers.h"
 #include "desktop/harness/Input.h"
@@ -81,6 +82,9 @@ protected:
     std::unique_ptr<Tamrik> tamrik;
 };
 
+class TwoScreenFlow : public ScreenshotFlow {};
+class TrayFlow : public ScreenshotFlow {};
+
 } // namespace
 
 TEST_P(ScreenshotFlow, KeyDragAndThePictureIsThere)
@@ -152,18 +156,27 @@ TEST_P(ScreenshotFlow, TheScreenIsDimmedNeverBlackAndComesBack)
     EXPECT_TRUE(tamrik->captures().isEmpty());
 }
 
-TEST_P(ScreenshotFlow, ASecondScreenIsCapturedAsWell)
+TEST_P(ScreenshotFlow, ADragToTheLastPixelTakesTheWholeScreen)
 {
-    if (GetParam().options.screens < 2) {
-        // One screen: a drag to its last pixel takes the whole of it.
-        const QSize size = GetParam().options.size;
-        ASSERT_TRUE(succeeded(tamrik->pressCaptureKey()));
-        ASSERT_TRUE(succeeded(input().drag({0, 0}, {size.width() - 1, size.height() - 1})));
-        const auto path = tamrik->awaitCapture(1);
-        ASSERT_TRUE(succeeded(path));
-        EXPECT_EQ(QImage(*path).size(), size);
-        return;
-    }
+    const QSize size = GetParam().options.size;
+    ASSERT_TRUE(succeeded(tamrik->pressCaptureKey()));
+    ASSERT_TRUE(succeeded(input().drag({0, 0}, {size.width() - 1, size.height() - 1})));
+    const auto path = tamrik->awaitCapture(1);
+    ASSERT_TRUE(succeeded(path));
+    EXPECT_EQ(QImage(*path).size(), size);
+}
+
+TEST_P(ScreenshotFlow, KeysWorkWithThePointerInTheLastCorner)
+{
+    const QSize size = GetParam().options.size;
+    ASSERT_TRUE(succeeded(input().moveTo({size.width() - 1, size.height() - 1})));
+    ASSERT_TRUE(succeeded(tamrik->pressCaptureKey()));
+    ASSERT_TRUE(succeeded(input().key(QStringLiteral("Escape"))));
+    EXPECT_TRUE(succeeded(tamrik->awaitNoOverlay()));
+}
+
+TEST_P(TwoScreenFlow, TheSecondScreenIsCapturedAsWell)
+{
     const QRect onSecond(GetParam().options.size.width() + 90, 120, 240, 300);
     const auto before = screen().grab(onSecond);
     ASSERT_TRUE(succeeded(before));
@@ -174,12 +187,28 @@ TEST_P(ScreenshotFlow, ASecondScreenIsCapturedAsWell)
     EXPECT_EQ(differingPixels(QImage(*path), *before), 0);
 }
 
-TEST_P(ScreenshotFlow, BothButtonsOpenTheMenuWhichCaptures)
+TEST_P(TwoScreenFlow, AScreenThatGoesEndsTheSelectionAndTheNextOneWorks)
 {
-    if (GetParam().options.tray == Tray::None) {
-        EXPECT_FALSE(tamrik->menuIsOpen());
-        return;
-    }
+    ASSERT_TRUE(succeeded(tamrik->pressCaptureKey()));
+    ASSERT_TRUE(succeeded(input().moveTo(area().topLeft())));
+    ASSERT_TRUE(succeeded(input().press()));
+    ASSERT_TRUE(succeeded(input().moveTo(area().bottomRight())));
+    ASSERT_TRUE(succeeded(run(QStringLiteral("xrandr"),
+                              {QStringLiteral("--delmonitor"), QStringLiteral("second")},
+                              desktop->environment())));
+    ASSERT_TRUE(succeeded(tamrik->awaitNoOverlay()));
+    ASSERT_TRUE(succeeded(input().release()));
+
+    ASSERT_TRUE(succeeded(input().key(QStringLiteral("alt+shift+s"))));
+    ASSERT_TRUE(succeeded(waitUntil(QStringLiteral("the overlay of one screen"),
+                                    [this] { return tamrik->overlay().size() == 1; })));
+    ASSERT_TRUE(succeeded(dragOut(area())));
+    ASSERT_TRUE(succeeded(tamrik->awaitCapture(1)));
+    EXPECT_EQ(tamrik->captures().size(), 1);
+}
+
+TEST_P(TrayFlow, BothButtonsOpenTheMenuWhichCaptures)
+{
     const auto icon = awaitTrayIcon(*desktop, tamrik->app().pid());
     ASSERT_TRUE(succeeded(icon));
     const bool ownMenuOnTheRight = GetParam().options.tray == Tray::XEmbed;
@@ -206,18 +235,31 @@ TEST_P(ScreenshotFlow, BothButtonsOpenTheMenuWhichCaptures)
     EXPECT_TRUE(tamrik->captures().isEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Desktops, ScreenshotFlow,
-    testing::Values(Case{"OpenboxPicomXEmbed", {}},
-                    Case{"OpenboxUncomposited", {.compositor = Compositor::None}},
-                    Case{"Xfwm4CompositedStatusNotifier",
-                         {.windowManager = WindowManager::Xfwm4, .tray = Tray::StatusNotifier}},
-                    Case{"NothingButAServer",
-                         {.windowManager = WindowManager::None,
-                          .compositor = Compositor::None,
-                          .tray = Tray::None}},
-                    Case{"TwoScreens", {.screens = 2, .tray = Tray::StatusNotifier}},
-                    Case{"ScaleTwo", {.scale = 2}},
-                    Case{"TwoScreensScaleOneAndAHalfUncomposited",
-                         {.screens = 2, .scale = 1.5, .compositor = Compositor::None}}),
-    [](const auto& instance) { return std::string(instance.param.name); });
+namespace {
+
+const Case plain{"OpenboxPicomXEmbed", {}};
+const Case uncomposited{"OpenboxUncomposited", {.compositor = Compositor::None}};
+const Case xfwm4{"Xfwm4CompositedStatusNotifier",
+                 {.windowManager = WindowManager::Xfwm4, .tray = Tray::StatusNotifier}};
+const Case bare{
+    "NothingButAServer",
+    {.windowManager = WindowManager::None, .compositor = Compositor::None, .tray = Tray::None}};
+const Case twoScreens{"TwoScreens", {.screens = 2, .tray = Tray::StatusNotifier}};
+const Case scaleTwo{"ScaleTwo", {.scale = 2}};
+const Case twoScaled{"TwoScreensScaleOneAndAHalfUncomposited",
+                     {.screens = 2, .scale = 1.5, .compositor = Compositor::None}};
+
+std::string nameOf(const testing::TestParamInfo<Case>& instance)
+{
+    return instance.param.name;
+}
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(Desktops, ScreenshotFlow,
+                         testing::Values(plain, uncomposited, xfwm4, bare, twoScreens, scaleTwo,
+                                         twoScaled),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(Desktops, TwoScreenFlow, testing::Values(twoScreens, twoScaled), nameOf);
+INSTANTIATE_TEST_SUITE_P(Desktops, TrayFlow,
+                         testing::Values(plain, uncomposited, xfwm4, twoScreens, scaleTwo), nameOf);
