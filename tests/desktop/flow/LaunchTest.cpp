@@ -93,11 +93,7 @@ TEST_F(Launch, AKeyThatIsTakenIsOneLineAndTheMenuStillCaptures)
         QStringLiteral("Tamrik: hotkey registration failed (already taken by another app?)\n");
     ASSERT_TRUE(succeeded((*second)->app().awaitErrorOutput(line)));
 
-    const auto icon = awaitTrayIcon(*desktop, (*second)->app().pid());
-    ASSERT_TRUE(succeeded(icon));
-    ASSERT_TRUE(succeeded(input().click(icon->center())));
-    ASSERT_TRUE(
-        succeeded(waitUntil(QStringLiteral("the menu"), [&] { return (*second)->menuIsOpen(); })));
+    ASSERT_TRUE(succeeded(openMenu(**second)));
     ASSERT_TRUE(succeeded(input().key(QStringLiteral("Down"))));
     ASSERT_TRUE(succeeded(input().key(QStringLiteral("Return"))));
     EXPECT_TRUE(succeeded((*second)->awaitOverlay()));
@@ -107,19 +103,11 @@ TEST_F(Launch, AKeyThatIsTakenIsOneLineAndTheMenuStillCaptures)
 TEST_F(Launch, TheCaptureKeyCanBeChangedFromOutside)
 {
     storePreferences(R"({"hotKeyCode": 2, "hotKeyModifiers": 4352})"); // Ctrl+Super+D
-    auto app = App::start(*desktop, program());
-    ASSERT_TRUE(succeeded(app));
-    ASSERT_TRUE(succeeded(awaitTrayIcon(*desktop, (*app)->pid())));
-    ASSERT_TRUE(succeeded(waitFor(QStringLiteral("the overlay"), [&]() -> Outcome<void> {
-        if (const auto pressed = input().key(QStringLiteral("ctrl+super+d")); !pressed)
-            return pressed;
-        const auto overlay = Windows(*desktop).where([&](const Window& window) {
-            return window.pid == (*app)->pid() && window.isOverrideRedirect && window.isViewable &&
-                   window.title == QLatin1String("Tamrik Selection");
-        });
-        return overlay.isEmpty() ? Failure{QStringLiteral("none")} : Outcome<void>();
-    })));
-    EXPECT_EQ((*app)->errorOutput(), QString());
+    auto tamrik = Tamrik::startAndAwaitKeys(*desktop, program());
+    ASSERT_TRUE(succeeded(tamrik));
+    ASSERT_TRUE(succeeded(input().key(QStringLiteral("ctrl+super+d"))));
+    EXPECT_TRUE(succeeded((*tamrik)->awaitOverlay()));
+    EXPECT_EQ((*tamrik)->app().errorOutput(), QString());
 }
 
 TEST_F(Launch, WithoutADisplayItSaysSo)
@@ -198,11 +186,7 @@ TEST_F(Launch, QuitEndsIt)
 {
     auto tamrik = Tamrik::startAndAwaitKeys(*desktop, program());
     ASSERT_TRUE(succeeded(tamrik));
-    const auto icon = awaitTrayIcon(*desktop, (*tamrik)->app().pid());
-    ASSERT_TRUE(succeeded(icon));
-    ASSERT_TRUE(succeeded(input().click(icon->center())));
-    ASSERT_TRUE(
-        succeeded(waitUntil(QStringLiteral("the menu"), [&] { return (*tamrik)->menuIsOpen(); })));
+    ASSERT_TRUE(succeeded(openMenu(**tamrik)));
     ASSERT_TRUE(succeeded(input().key(QStringLiteral("Up")))); // the last item
     ASSERT_TRUE(succeeded(input().key(QStringLiteral("Return"))));
     const auto ended = (*tamrik)->app().waitForExit();
@@ -215,11 +199,7 @@ TEST_F(Launch, LaunchAtLoginWritesAnAutostartEntry)
 {
     auto tamrik = Tamrik::startAndAwaitKeys(*desktop, program());
     ASSERT_TRUE(succeeded(tamrik));
-    const auto icon = awaitTrayIcon(*desktop, (*tamrik)->app().pid());
-    ASSERT_TRUE(succeeded(icon));
-    ASSERT_TRUE(succeeded(input().click(icon->center())));
-    ASSERT_TRUE(
-        succeeded(waitUntil(QStringLiteral("the menu"), [&] { return (*tamrik)->menuIsOpen(); })));
+    ASSERT_TRUE(succeeded(openMenu(**tamrik)));
     ASSERT_TRUE(succeeded(input().key(QStringLiteral("Up"))));
     ASSERT_TRUE(succeeded(input().key(QStringLiteral("Up")))); // "Launch at Login"
     ASSERT_TRUE(succeeded(input().key(QStringLiteral("Return"))));
