@@ -1,40 +1,22 @@
 #include "Preferences.h"
 
+#include "Platform/Defaults.h"
+#include "support/ConfigFolder.h"
 #include "support/Printers.h"
 
-#include <QFile>
-#include <QTemporaryDir>
-
 #include <gtest/gtest.h>
-
-#include "Platform/Defaults.h"
 
 namespace {
 
 /// Preferences over the real store, in a configuration folder of the test's own.
 class PreferencesTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        oldConfig = qgetenv("XDG_CONFIG_HOME");
-        qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
-    }
-
-    void TearDown() override { qputenv("XDG_CONFIG_HOME", oldConfig); }
-
     /// What somebody outside put into the store.
-    void store(const QByteArray& json)
-    {
-        QDir(folder.path()).mkpath(QStringLiteral("tamrik"));
-        QFile file(folder.filePath(QStringLiteral("tamrik/preferences.json")));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        ASSERT_EQ(file.write(json), json.size());
-    }
+    void store(const QByteArray& json) const { config.write("tamrik/preferences.json", json); }
 
     Preferences open() const { return Preferences(Platform::openDefaults()); }
 
-    QTemporaryDir folder;
-    QByteArray oldConfig;
+    ConfigFolder config;
 };
 
 } // namespace

@@ -1,10 +1,10 @@
 #include "Platform/Defaults.h"
 
-#include <QDir>
+#include "support/ConfigFolder.h"
+
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -17,31 +17,14 @@
 
 namespace {
 
+constexpr const char* storeFile = "tamrik/preferences.json";
+constexpr const char* asideFile = "tamrik/preferences.json.unreadable";
+
 class DefaultsTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        oldConfig = qgetenv("XDG_CONFIG_HOME");
-        qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
-    }
-
-    void TearDown() override { qputenv("XDG_CONFIG_HOME", oldConfig); }
-
-    QString path() const { return folder.filePath(QStringLiteral("tamrik/preferences.json")); }
-
-    QByteArray contents(const QString& file) const
-    {
-        QFile f(file);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
-
-    void overwrite(const QByteArray& bytes)
-    {
-        QDir(folder.path()).mkpath(QStringLiteral("tamrik"));
-        QFile file(path());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        ASSERT_EQ(file.write(bytes), bytes.size());
-    }
+    QByteArray stored() const { return config.contents(storeFile); }
+    QByteArray keptAside() const { return config.contents(asideFile); }
+    void overwrite(const QByteArray& bytes) const { config.write(storeFile, bytes); }
 
     /// Runs `work` in a child process, which has a store of its own.
     static pid_t inChild(const std::function<void()>& work)
@@ -54,8 +37,7 @@ protected:
         return child;
     }
 
-    QTemporaryDir folder;
-    QByteArray oldConfig;
+    ConfigFolder config;
 };
 
 } // namespace
@@ -86,7 +68,7 @@ TEST_F(DefaultsTest, KeysOfOthersStay)
     const auto store = Platform::openDefaults();
     store->setValue(QStringLiteral("ours"), 2);
     store->sync();
-    const QJsonObject written = QJsonDocument::fromJson(contents(path())).object();
+    const QJsonObject written = QJsonDocument::fromJson(stored()).object();
     EXPECT_EQ(
         written,
         QJsonDocument::fromJson(R"({"theirs": {"nested": [1, "two", null]}, "ours": 2})").object());
@@ -100,8 +82,8 @@ TEST_F(DefaultsTest, AnUnreadableStoreIsKeptAsideAndReadsAsEmpty)
     EXPECT_TRUE(store->allKeys().isEmpty());
     store->setValue(QStringLiteral("recordMic"), true);
     store->sync();
-    EXPECT_EQ(contents(path() + QStringLiteral(".unreadable")), damaged);
-    EXPECT_EQ(QJsonDocument::fromJson(contents(path())).object(),
+    EXPECT_EQ(keptAside(), damaged);
+    EXPECT_EQ(QJsonDocument::fromJson(stored()).object(),
               QJsonDocument::fromJson(R"({"recordMic": true})").object());
 }
 
@@ -109,7 +91,7 @@ TEST_F(DefaultsTest, AStoreThatIsNoObjectIsKeptAsideToo)
 {
     overwrite("[1, 2]");
     EXPECT_TRUE(Platform::openDefaults()->allKeys().isEmpty());
-    EXPECT_EQ(contents(path() + QStringLiteral(".unreadable")), "[1, 2]");
+    EXPECT_EQ(keptAside(), "[1, 2]");
 }
 
 TEST_F(DefaultsTest, ASecondDamageLeavesTheFirstOnesCopyAlone)
@@ -119,9 +101,9 @@ TEST_F(DefaultsTest, ASecondDamageLeavesTheFirstOnesCopyAlone)
     (void)Platform::openDefaults()->allKeys();
     overwrite("{\"second\": ");
     (void)Platform::openDefaults()->allKeys();
-    EXPECT_EQ(contents(path() + QStringLiteral(".unreadable")), "{\"first\": ");
-    EXPECT_EQ(contents(path() + QStringLiteral(".unreadable-2")), "{\"second\": ");
-    EXPECT_FALSE(QFile::exists(path() + QStringLiteral(".unreadable-3")));
+    EXPECT_EQ(keptAside(), "{\"first\": ");
+    EXPECT_EQ(config.contents("tamrik/preferences.json.unreadable-2"), "{\"second\": ");
+    EXPECT_FALSE(QFile::exists(config.path("tamrik/preferences.json.unreadable-3")));
 }
 
 TEST_F(DefaultsTest, TwoWritersDoNotLoseEachOthersKeys)
@@ -160,15 +142,14 @@ TEST_F(DefaultsTest, AWriterThatIsKilledLeavesTheOldOrTheNewFileWhole)
         std::this_thread::sleep_for(std::chrono::milliseconds(2 + round));
         ASSERT_EQ(kill(child, SIGKILL), 0);
         ASSERT_EQ(waitpid(child, nullptr, 0), child);
-        ASSERT_TRUE(
-            QJsonDocument::fromJson(contents(path())).object().contains(QStringLiteral("value")));
+        ASSERT_TRUE(QJsonDocument::fromJson(stored()).object().contains(QStringLiteral("value")));
     }
-    EXPECT_FALSE(QFile::exists(path() + QStringLiteral(".unreadable")));
+    EXPECT_FALSE(QFile::exists(config.path(asideFile)));
 }
 
 TEST_F(DefaultsTest, AFolderThatCannotBeMadeStillReadsAndRemembers)
 {
-    QFile inTheWay(folder.filePath(QStringLiteral("tamrik")));
+    QFile inTheWay(config.path("tamrik"));
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
     const auto store = Platform::openDefaults();
     store->setValue(QStringLiteral("recordMic"), true);

@@ -1,41 +1,23 @@
 #include "Platform/LoginItem.h"
 
+#include "support/ConfigFolder.h"
+
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 namespace {
 
+constexpr const char* entryFile = "autostart/tamrik.desktop";
+
 class LoginItemTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        oldConfig = qgetenv("XDG_CONFIG_HOME");
-        qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
-    }
+    QByteArray contents() const { return config.contents(entryFile); }
 
-    void TearDown() override { qputenv("XDG_CONFIG_HOME", oldConfig); }
+    void append(const QByteArray& line) const { config.write(entryFile, contents() + line); }
 
-    QString entry() const { return folder.filePath(QStringLiteral("autostart/tamrik.desktop")); }
-
-    QByteArray contents() const
-    {
-        QFile file(entry());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-
-    void append(const QByteArray& line)
-    {
-        QFile file(entry());
-        ASSERT_TRUE(file.open(QIODevice::Append));
-        file.write(line);
-    }
-
-    QTemporaryDir folder;
-    QByteArray oldConfig;
+    ConfigFolder config;
 };
 
 } // namespace
@@ -57,7 +39,7 @@ TEST_F(LoginItemTest, DisablingRemovesIt)
     ASSERT_FALSE(Platform::enableLoginItem());
     ASSERT_FALSE(Platform::disableLoginItem());
     EXPECT_FALSE(Platform::loginItemEnabled());
-    EXPECT_FALSE(QFile::exists(entry()));
+    EXPECT_FALSE(QFile::exists(config.path(entryFile)));
 }
 
 TEST_F(LoginItemTest, AnEntryThatTheDesktopSwitchedOffIsNotEnabled)
@@ -73,7 +55,6 @@ TEST_F(LoginItemTest, AnEntryThatTheDesktopSwitchedOffIsNotEnabled)
 
 TEST_F(LoginItemTest, AnEntryOfAProgramThatWasMovedIsNotEnabled)
 {
-    ASSERT_TRUE(QDir(folder.path()).mkpath(QStringLiteral("autostart")));
     append("[Desktop Entry]\nType=Application\nName=Tamrik\nExec=\"/old/place/tamrik\"\n");
     EXPECT_FALSE(Platform::loginItemEnabled());
     ASSERT_FALSE(Platform::enableLoginItem());
@@ -83,7 +64,7 @@ TEST_F(LoginItemTest, AnEntryOfAProgramThatWasMovedIsNotEnabled)
 
 TEST_F(LoginItemTest, AFailureSaysWhy)
 {
-    QFile inTheWay(folder.filePath(QStringLiteral("autostart")));
+    QFile inTheWay(config.path("autostart"));
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
     const PossibleFailure enabled = Platform::enableLoginItem();
     ASSERT_TRUE(enabled);
