@@ -3,6 +3,7 @@
 #include "desktop/TestProbe.h"
 #include "desktop/harness/App.h"
 #include "desktop/harness/Clipboard.h"
+#include "desktop/harness/Commands.h"
 #include "desktop/harness/DesktopTest.h"
 #include "desktop/harness/Helpers.h"
 #include "desktop/harness/Input.h"
@@ -231,6 +232,23 @@ TEST_F(Harness, TellsHowAProgramEnded)
     ASSERT_TRUE(succeeded(end));
     EXPECT_EQ(*end, (Exit{SIGTERM, true}));
     EXPECT_FALSE(App::start(desktop(), QStringLiteral("no-such-program")));
+}
+
+TEST(Script, TakesTheCallersOwnSettingsAway)
+{
+    const QString script = QStringLiteral(TAMRIK_DESKTOP_SCRIPT);
+    const QString commands = QStringLiteral(
+        "set -e; name=settings-$$; start=$(\"$0\" start --name $name --wm none --compositor none "
+        "--tray none --until-exit-of $$); env=$(\"$0\" env --name $name); \"$0\" stop --name "
+        "$name; "
+        "(eval \"$start\"; echo ${QT_SCALE_FACTOR-gone}); (eval \"$env\"; echo "
+        "${QT_SCALE_FACTOR-gone})");
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("3"));
+    const auto printed =
+        run(QStringLiteral("bash"), {QStringLiteral("-c"), commands, script}, environment);
+    ASSERT_TRUE(succeeded(printed));
+    EXPECT_EQ(*printed, "gone\ngone\n");
 }
 
 } // namespace
