@@ -27,7 +27,9 @@ Outcome<Helper> openTerminal(const VirtualDesktop& desktop, const QString& title
     return open(desktop, QStringLiteral("xterm"),
                 {QStringLiteral("-T"), title, QStringLiteral("-fa"),
                  QStringLiteral("DejaVu Sans Mono"), QStringLiteral("-fs"), QStringLiteral("10"),
-                 QStringLiteral("-e"), QStringLiteral("tee"), file},
+                 QStringLiteral("-e"), QStringLiteral("sh"), QStringLiteral("-c"),
+                 // Without echo: tee shows each line itself.
+                 QStringLiteral("stty -echo && exec tee \"$0\""), file},
                 title);
 }
 
