@@ -92,3 +92,17 @@ std::optional<Point> SelectionModel::resizeAnchor(Point p) const
     return Point{grabbed->x == r.minX() ? r.maxX() : r.minX(),
                  grabbed->y == r.minY() ? r.maxY() : r.minY()};
 }
+
+Point SelectionModel::hudOrigin(Geometry::Size hudSize) const
+{
+    const Rect& r = m_selectionRect;
+    // Where both bounds cannot be kept, the second one wins.
+    const double centred = r.x + r.width / 2 - hudSize.width / 2;
+    const double x = std::min(std::max(centred, hudEdgeMargin),
+                              m_viewSize.width - hudSize.width - hudEdgeMargin);
+    double y = r.minY() - hudSize.height - hudDistance;
+    if (y < hudEdgeMargin) {
+        y = std::min(r.maxY() + hudDistance, m_viewSize.height - hudSize.height - hudEdgeMargin);
+    }
+    return {x, y};
+}

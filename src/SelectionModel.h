@@ -54,6 +54,10 @@ public:
     static constexpr double cornerRadius = 16;
     /// How far outside the selection a press still moves it.
     static constexpr double moveTolerance = 6;
+    /// How far the HUD stays from the view's edges, at least.
+    static constexpr double hudEdgeMargin = 12;
+    /// How far it stands from the selection.
+    static constexpr double hudDistance = 14;
 
     explicit SelectionModel(Geometry::Size viewSize);
 
@@ -82,6 +86,10 @@ public:
     /// The corner that stays when a press at `p` grabs the one opposite it; absent when `p` is near
     /// no corner.
     std::optional<Geometry::Point> resizeAnchor(Geometry::Point p) const;
+
+    /// Where the HUD, the bar that goes with the selection, stands: centred below it, above it when
+    /// there is no room below. The HUD's bottom left corner, for a size of `hudSize`.
+    Geometry::Point hudOrigin(Geometry::Size hudSize) const;
 
 private:
     Geometry::Size m_viewSize;

@@ -155,3 +155,41 @@ TEST_F(SelectionModelTest, MovingBackToWhereItWasChangesNothing)
     ASSERT_EQ(model.mouseDown({200, 150}), SelectionModel::Press::adjusts);
     EXPECT_FALSE(model.mouseDragged({200, 150}));
 }
+
+// A HUD of 300 by 40, in a view of 1000 by 800.
+
+TEST_F(SelectionModelTest, TheHUDStandsFourteenPointsBelowTheSelection)
+{
+    select({400, 300}, {600, 500});
+    EXPECT_EQ(model.hudOrigin({300, 40}), (Point{350, 300 - 40 - 14}));
+}
+
+TEST_F(SelectionModelTest, TheHUDStaysBelowAsLongAsTwelvePointsAreLeft)
+{
+    select({400, 66}, {600, 500});
+    EXPECT_EQ(model.hudOrigin({300, 40}), (Point{350, 12}));
+    model.clear();
+    select({400, 65}, {600, 500});
+    EXPECT_EQ(model.hudOrigin({300, 40}), (Point{350, 514}));
+}
+
+TEST_F(SelectionModelTest, TheHUDLiesInsideASelectionThatFillsTheView)
+{
+    select({0, 0}, {1000, 800});
+    EXPECT_EQ(model.hudOrigin({300, 40}), (Point{350, 800 - 40 - 12}));
+}
+
+TEST_F(SelectionModelTest, TheHUDKeepsTwelvePointsFromTheSides)
+{
+    select({0, 300}, {50, 500});
+    EXPECT_EQ(model.hudOrigin({300, 40}), (Point{12, 246}));
+    model.clear();
+    select({950, 300}, {1000, 500});
+    EXPECT_EQ(model.hudOrigin({300, 40}), (Point{1000 - 300 - 12, 246}));
+}
+
+TEST_F(SelectionModelTest, AHUDWiderThanTheViewKeepsItsRightEnd)
+{
+    select({400, 300}, {600, 500});
+    EXPECT_EQ(model.hudOrigin({990, 40}).x, 1000 - 990 - 12);
+}
