@@ -29,7 +29,7 @@ QPixmap draw(Symbols::Symbol symbol, const QColor& body, int size)
     const QRectF box(rim, rim, size - 2 * rim, size - 2 * rim);
     painter.strokePath(Symbols::path(symbol, box),
                        QPen(darkRim, 2 * rim, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    Symbols::draw(painter, symbol, box, body);
+    painter.fillPath(Symbols::path(symbol, box), body);
     return pixmap;
 }
 

@@ -1,124 +1,156 @@
 #include "Symbols.h"
 
+#include "SymbolDesigns/Designs.h"
+
 #include <QPainter>
-#include <QPainterPath>
-#include <QPainterPathStroker>
 #include <QTransform>
 
 #include <algorithm>
+#include <cmath>
+#include <map>
 
 namespace {
 
-// Symbols are designed in a square of this many units, y down. Curves are turned into lines where
-// outlines are joined; at this size the lines are too short to be seen.
-constexpr double side = 1000;
+using Symbols::Symbol;
+using Symbols::Weight;
 
-/// The line weight of outlined symbols.
-constexpr double lineWidth = 85;
-
-/// The outline of a line drawn with round ends, without overlaps.
-QPainterPath stroked(const QPainterPath& line)
+/// The width of lines, in ems.
+double lineWidth(Weight weight)
 {
-    QPainterPathStroker stroker;
-    stroker.setWidth(lineWidth);
-    stroker.setCapStyle(Qt::RoundCap);
-    stroker.setJoinStyle(Qt::RoundJoin);
-    return stroker.createStroke(line).simplified();
-}
-
-/// One corner of a viewfinder: two arms with a rounded bend, towards the corner of the box given by
-/// the signs.
-QPainterPath viewfinderCorner(double signX, double signY)
-{
-    constexpr double centre = side / 2;
-    constexpr double reach = 440; // from the centre to the middle of the line
-    constexpr double arm = 200;
-    constexpr double bend = 110;
-    const auto at = [signX, signY](double x, double y) {
-        return QPointF(centre + signX * x, centre + signY * y);
-    };
-    QPainterPath line(at(reach - arm, reach));
-    line.lineTo(at(reach - bend, reach));
-    line.quadTo(at(reach, reach), at(reach, reach - bend));
-    line.lineTo(at(reach, reach - arm));
-    return line;
-}
-
-/// A camera's body with the hump of its finder, as one contour.
-QPainterPath cameraBody()
-{
-    constexpr double left = 215;
-    constexpr double right = 785;
-    constexpr double top = 360;
-    constexpr double bottom = 745;
-    constexpr double corner = 75;
-    QPainterPath body(QPointF(left, top + corner));
-    body.quadTo(left, top, left + corner, top);
-    body.lineTo(375, top);
-    body.lineTo(415, 290);
-    body.quadTo(427, 270, 450, 270);
-    body.lineTo(550, 270);
-    body.quadTo(573, 270, 585, 290);
-    body.lineTo(625, top);
-    body.lineTo(right - corner, top);
-    body.quadTo(right, top, right, top + corner);
-    body.lineTo(right, bottom - corner);
-    body.quadTo(right, bottom, right - corner, bottom);
-    body.lineTo(left + corner, bottom);
-    body.quadTo(left, bottom, left, bottom - corner);
-    body.closeSubpath();
-    return body;
-}
-
-QPainterPath cameraViewfinder()
-{
-    QPainterPath result = cameraBody();
-    // Every other contour is a hole: the ring of the lens, wide enough to be seen at 22 pixels.
-    const QPointF lens(500, 545);
-    result.addEllipse(lens, 150, 150);
-    result.addEllipse(lens, 75, 75);
-    for (const double signX : {-1.0, 1.0}) {
-        for (const double signY : {-1.0, 1.0})
-            result.addPath(stroked(viewfinderCorner(signX, signY)));
-    }
-    return result;
-}
-
-QPainterPath stopCircleFill()
-{
-    QPainterPath result;
-    result.addEllipse(QPointF(500, 500), 460, 460);
-    result.addRoundedRect(QRectF(335, 335, 330, 330), 45, 45);
-    return result;
-}
-
-/// The symbol in the design square.
-QPainterPath designed(Symbols::Symbol symbol)
-{
-    switch (symbol) {
-    case Symbols::Symbol::cameraViewfinder:
-        return cameraViewfinder();
-    case Symbols::Symbol::stopCircleFill:
-        return stopCircleFill();
+    switch (weight) {
+    case Weight::regular:
+        return 0.1;
+    case Weight::semibold:
+        return 0.125;
     }
     Q_UNREACHABLE();
 }
 
+struct Entry {
+    const char* name;
+    SymbolDesigns::Design (*design)(double line);
+};
+
+Entry entry(Symbol symbol)
+{
+    namespace Designs = SymbolDesigns;
+    switch (symbol) {
+    case Symbol::arrowCounterclockwise:
+        return {"arrow.counterclockwise", Designs::arrowCounterclockwise};
+    case Symbol::arrowUpRight:
+        return {"arrow.up.right", Designs::arrowUpRight};
+    case Symbol::arrowUturnBackward:
+        return {"arrow.uturn.backward", Designs::arrowUturnBackward};
+    case Symbol::arrowUturnForward:
+        return {"arrow.uturn.forward", Designs::arrowUturnForward};
+    case Symbol::cameraViewfinder:
+        return {"camera.viewfinder", Designs::cameraViewfinder};
+    case Symbol::checkerboardRectangle:
+        return {"checkerboard.rectangle", Designs::checkerboardRectangle};
+    case Symbol::circle:
+        return {"circle", Designs::circle};
+    case Symbol::crop:
+        return {"crop", Designs::crop};
+    case Symbol::cursorArrow:
+        return {"cursorarrow", Designs::cursorArrow};
+    case Symbol::docOnDoc:
+        return {"doc.on.doc", Designs::docOnDoc};
+    case Symbol::highlighter:
+        return {"highlighter", Designs::highlighter};
+    case Symbol::lineDiagonal:
+        return {"line.diagonal", Designs::lineDiagonal};
+    case Symbol::micFill:
+        return {"mic.fill", Designs::micFill};
+    case Symbol::oneCircle:
+        return {"1.circle", Designs::oneCircle};
+    case Symbol::pauseFill:
+        return {"pause.fill", Designs::pauseFill};
+    case Symbol::pencil:
+        return {"pencil", Designs::pencil};
+    case Symbol::playFill:
+        return {"play.fill", Designs::playFill};
+    case Symbol::rectangle:
+        return {"rectangle", Designs::rectangle};
+    case Symbol::scribble:
+        return {"scribble", Designs::scribble};
+    case Symbol::stopCircleFill:
+        return {"stop.circle.fill", Designs::stopCircleFill};
+    case Symbol::stopFill:
+        return {"stop.fill", Designs::stopFill};
+    case Symbol::textFormat:
+        return {"textformat", Designs::textFormat};
+    case Symbol::trash:
+        return {"trash", Designs::trash};
+    case Symbol::videoFill:
+        return {"video.fill", Designs::videoFill};
+    case Symbol::xmark:
+        return {"xmark", Designs::xmark};
+    }
+    Q_UNREACHABLE();
+}
+
+/// The symbol's design; joining its outlines takes longer than drawing them, so each is kept.
+const SymbolDesigns::Design& designed(Symbol symbol, Weight weight)
+{
+    static std::map<std::pair<Symbol, Weight>, SymbolDesigns::Design> designs;
+    const auto found = designs.find({symbol, weight});
+    if (found != designs.end())
+        return found->second;
+    return designs.emplace(std::pair(symbol, weight), entry(symbol).design(lineWidth(weight)))
+        .first->second;
+}
+
+QPainterPath fitted(const SymbolDesigns::Design& design, const QRectF& box)
+{
+    QTransform toBox;
+    toBox.translate(box.x(), box.y());
+    toBox.scale(box.width() / design.size.width(), box.height() / design.size.height());
+    return toBox.map(design.outline);
+}
+
+/// `box` with its edges on device pixels, at least one pixel wide and high. Where the painter turns
+/// or shears there are no such edges, and the box stays as it is.
+QRectF onDevicePixels(const QPainter& painter, const QRectF& box)
+{
+    const QTransform transform = painter.deviceTransform();
+    if (transform.type() > QTransform::TxScale)
+        return box;
+    const QRectF device = transform.mapRect(box);
+    const double width = std::max(1.0, std::round(device.width()));
+    const double height = std::max(1.0, std::round(device.height()));
+    const QPointF corner = device.center() - QPointF(width / 2, height / 2);
+    const QRectF snapped(std::floor(corner.x() + 0.5), std::floor(corner.y() + 0.5), width, height);
+    return transform.inverted().mapRect(snapped);
+}
+
 } // namespace
+
+QString Symbols::name(Symbol symbol)
+{
+    return QLatin1String{entry(symbol).name};
+}
+
+QSizeF Symbols::size(const Image& image)
+{
+    const auto& design = designed(image.symbol, image.weight);
+    return design.size * (image.pointSize / design.pointSize);
+}
+
+void Symbols::draw(QPainter& painter, const Image& image, QPointF center, const QColor& tint)
+{
+    QRectF box(QPointF(0, 0), size(image));
+    box.moveCenter(center);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillPath(fitted(designed(image.symbol, image.weight), onDevicePixels(painter, box)),
+                     tint);
+    painter.restore();
+}
 
 QPainterPath Symbols::path(Symbol symbol, const QRectF& box)
 {
-    const double size = std::min(box.width(), box.height());
-    QTransform toBox;
-    toBox.translate(box.center().x() - size / 2, box.center().y() - size / 2);
-    toBox.scale(size / side, size / side);
-    return toBox.map(designed(symbol));
-}
-
-void Symbols::draw(QPainter& painter, Symbol symbol, const QRectF& box, const QColor& tint)
-{
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(path(symbol, box), tint);
-    painter.restore();
+    const auto& design = designed(symbol, Weight::regular);
+    QRectF inside(QPointF(0, 0), design.size.scaled(box.size(), Qt::KeepAspectRatio));
+    inside.moveCenter(box.center());
+    return fitted(design, inside);
 }

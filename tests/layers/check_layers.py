@@ -67,8 +67,9 @@ LAYERS = {
         MODEL_AND_BELOW + ["platform"],
         ["Core", "Gui"]),
     "kit": Layer(
-        ["src/Chrome.*", "src/StatusIcon.*", "src/Symbols.*"],
-        SERVICES_AND_BELOW,
+        ["src/Chrome.*", "src/ChromeButton.*", "src/ChromeViews.*", "src/StatusIcon.*",
+         "src/Symbols.*", "src/SymbolDesigns/*"],
+        ["base", "support"],
         ["Core", "Gui", "Widgets"]),
     # Panels meet through callbacks: each is a layer of its own, which no other panel includes.
     "selection": Layer(
@@ -87,6 +88,8 @@ LAYERS = {
         ["Core", "Gui", "Widgets"]),
     "capture tool": Layer(
         ["tools/screencapture/*"], ["base", "x11"], [], libraries=["xcb", "png"]),
+    "gallery": Layer(
+        ["tools/gallery/*"], ["base", "support", "kit"], ["Core", "Gui", "Widgets"]),
 }
 
 # Libraries that only some layers may know, by how their headers are called.
@@ -100,7 +103,7 @@ OS_MACRO = re.compile(
     r"|__FreeBSD__|Q_OS_\w+)\b")
 
 # Where a quoted header is looked for, after the folder of the file that includes it.
-HEADER_FOLDERS = ["src", "tools", "tools/screencapture"]
+HEADER_FOLDERS = ["src", "tools", "tools/screencapture", "tools/gallery"]
 LAYERED_FOLDERS = ["src", "tools"]
 
 MEASURED_FOLDERS = ["src", "tools", "tests", "bench"]
