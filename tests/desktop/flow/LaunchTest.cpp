@@ -88,8 +88,9 @@ TEST_F(Launch, AKeyThatIsTakenIsOneLineAndTheMenuStillCaptures)
     auto first = Tamrik::startAndAwaitKeys(*desktop, program());
     ASSERT_TRUE(succeeded(first));
     // With a runtime folder of its own it does not know of the first one.
+    const QTemporaryDir runtime;
     auto second =
-        Tamrik::start(*desktop, program(), {{QStringLiteral("XDG_RUNTIME_DIR"), desktop->home()}});
+        Tamrik::start(*desktop, program(), {{QStringLiteral("XDG_RUNTIME_DIR"), runtime.path()}});
     ASSERT_TRUE(succeeded(second));
     const QString line =
         QStringLiteral("Tamrik: hotkey registration failed (already taken by another app?)\n");
