@@ -57,7 +57,7 @@ AppDelegate::~AppDelegate()
     SelectionSession::current.reset();
 }
 
-void AppDelegate::applicationDidFinishLaunching()
+void AppDelegate::applicationDidFinishLaunching(Platform::SingleInstance& instance)
 {
     Platform::becomeAccessory();
     if (m_subsystems.chips.setOnEdit) {
@@ -68,6 +68,14 @@ void AppDelegate::applicationDidFinishLaunching()
     registerHotKeys();
     if (!Platform::preflightScreenCaptureAccess())
         (void)Platform::requestScreenCaptureAccess(); // the program works on whatever the answer is
+    instance.onStartedAgain(Guarded::any(this, [this] { applicationStartedAgain(); }));
+}
+
+void AppDelegate::applicationStartedAgain()
+{
+    // A selection has the keyboard and the mouse.
+    if (!SelectionSession::current)
+        m_statusMenu->popUp();
 }
 
 void AppDelegate::setupStatusItem()

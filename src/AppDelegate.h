@@ -17,6 +17,10 @@
 
 class Preferences;
 
+namespace Platform {
+class SingleInstance;
+}
+
 /// The app controller: owns what lives as long as the program and runs every command flow. Main
 /// thread only.
 class AppDelegate : public QObject {
@@ -27,9 +31,11 @@ public:
     AppDelegate(Preferences& preferences, Clock clock, Subsystems subsystems);
     ~AppDelegate() override;
 
-    /// Makes the program an accessory, builds the status menu, registers the hot keys and asks for
-    /// the screen once. Call it once, when the event loop is about to run.
-    void applicationDidFinishLaunching();
+    /// Makes the program an accessory, builds the status menu, registers the hot keys, asks for the
+    /// screen once, and from now on opens the menu when the user starts the program again. Call it
+    /// once, when the event loop is about to run. `instance` is borrowed and outlives the
+    /// controller.
+    void applicationDidFinishLaunching(Platform::SingleInstance& instance);
 
     // The commands of the menu, the hot keys and the selection's bar.
     void captureArea();
@@ -54,6 +60,7 @@ public:
 private:
     void setupStatusItem();
     void registerHotKeys();
+    void applicationStartedAgain();
 
     SelectionHooks selectionHooks();
     /// Opens a selection; does nothing while one is open. `picked` is called with what the user

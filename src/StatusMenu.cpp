@@ -2,13 +2,13 @@
 
 #include "ChipPosition.h"
 #include "Platform/LoginItem.h"
+#include "Platform/Menus.h"
 #include "Preferences.h"
 #include "StatusIcon.h"
 #include "Support/Log.h"
 
 #include <QActionGroup>
 #include <QCoreApplication>
-#include <QCursor>
 
 namespace {
 
@@ -119,7 +119,7 @@ void StatusMenu::show()
 
 void StatusMenu::popUp()
 {
-    m_menu.popup(QCursor::pos());
+    Platform::popUpAtPointer(m_menu);
 }
 
 void StatusMenu::setRecording(bool recording)

@@ -35,7 +35,7 @@ public:
     /// Puts the item into the status area; it appears as soon as the desktop has one.
     void show();
 
-    /// Opens the menu where the pointer is.
+    /// Opens the menu where the pointer is; does nothing while it is open.
     void popUp();
 
     void setRecording(bool recording);

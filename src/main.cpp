@@ -10,12 +10,25 @@
 
 #include <clocale>
 
+namespace {
+
+/// How a further start ends, without a word: the one that runs has shown itself, or it could not.
+int exitStatus(Platform::SingleInstance::Role role)
+{
+    return role == Platform::SingleInstance::Role::HandedOver ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+} // namespace
+
 int main(int argc, char** argv)
 {
     if (const PossibleFailure failure = Platform::prepareApplication()) {
         Log::line(QString::fromStdString(failure->message));
         return EXIT_FAILURE;
     }
+    Platform::SingleInstance instance;
+    if (instance.role() != Platform::SingleInstance::Role::First)
+        return exitStatus(instance.role());
     QApplication app(argc, argv);
     // No display name: Qt would put it behind the title of every window.
     QApplication::setApplicationName(QStringLiteral("Tamrik"));
@@ -26,6 +39,6 @@ int main(int argc, char** argv)
 
     Preferences preferences(Platform::openDefaults());
     AppDelegate delegate(preferences, Clock::system(), Subsystems{});
-    QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);
+    QTimer::singleShot(0, &delegate, [&] { delegate.applicationDidFinishLaunching(instance); });
     return QApplication::exec();
 }

@@ -1,9 +1,9 @@
 #include "fakes/FakePlatform.h"
 
-#include "Platform/Application.h"
 #include "Platform/Backdrop.h"
 #include "Platform/CapturePermission.h"
 #include "Platform/LoginItem.h"
+#include "Platform/Menus.h"
 
 #include <QGuiApplication>
 
@@ -49,6 +49,22 @@ namespace Platform {
 PossibleFailure prepareApplication()
 {
     return std::nullopt;
+}
+
+class SingleInstance::Implementation {};
+
+SingleInstance::SingleInstance() = default;
+
+SingleInstance::~SingleInstance() = default;
+
+SingleInstance::Role SingleInstance::role() const
+{
+    return FakePlatform::current().role;
+}
+
+void SingleInstance::onStartedAgain(std::function<void()> startedAgain)
+{
+    FakePlatform::current().startedAgain = std::move(startedAgain);
 }
 
 void becomeAccessory()
@@ -125,6 +141,11 @@ PossibleFailure disableLoginItem()
         return Failure{platform.loginItemError.toStdString()};
     platform.loginItem = false;
     return std::nullopt;
+}
+
+void popUpAtPointer(QMenu& menu)
+{
+    FakePlatform::current().poppedUp.push_back(&menu);
 }
 
 void writePasteboard(const PasteboardItem& item)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Application.h"
 #include "Platform/CaptureTool.h"
 #include "Platform/HotKeys.h"
 #include "Platform/Pasteboard.h"
@@ -16,6 +17,7 @@
 #include <set>
 #include <vector>
 
+class QMenu;
 class QSettings;
 
 /// One more implementation of the seam: a desktop that exists only in the test, which arranges it
@@ -36,6 +38,7 @@ struct FakePlatform {
     bool captureAllowed = true;
     bool loginItem = false;
     QString loginItemError;
+    Platform::SingleInstance::Role role = Platform::SingleInstance::Role::First;
 
     // What the program did.
     std::function<void(std::uint32_t)> hotKeyHandler;
@@ -47,6 +50,8 @@ struct FakePlatform {
     std::vector<QPointer<QWidget>> front;
     QPointer<QWidget> key;
     std::vector<QPointer<QWidget>> orderedOut;
+    std::vector<const QMenu*> poppedUp;
+    std::function<void()> startedAgain; ///< what the program does on a further start
     int accessory = 0;
     int activations = 0;
     int captureRequests = 0;

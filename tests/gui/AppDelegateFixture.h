@@ -2,6 +2,7 @@
 
 #include "AppDelegate.h"
 
+#include "Platform/Application.h"
 #include "Preferences.h"
 #include "SelectionSession.h"
 #include "SelectionView.h"
@@ -134,7 +135,7 @@ protected:
     AppDelegate& launch()
     {
         app = std::make_unique<AppDelegate>(preferences, clock.clock(), subsystems);
-        app->applicationDidFinishLaunching();
+        app->applicationDidFinishLaunching(instance);
         return *app;
     }
 
@@ -193,6 +194,7 @@ protected:
     Preferences preferences{std::make_unique<QSettings>(
         folder.filePath(QStringLiteral("store.ini")), QSettings::IniFormat)};
     FakeClock clock;
+    Platform::SingleInstance instance;
     Subsystems subsystems;
     RecordingState recorderState = RecordingState::idle;
     std::vector<RecordingSession> recordings;

@@ -47,7 +47,7 @@ TEST_F(AppDelegateTest, TheCaptureKeyComesFromThePreferences)
     // Before a store is synced with its file it gives back what was set, types and all.
     Preferences custom(std::move(store));
     app = std::make_unique<AppDelegate>(custom, clock.clock(), subsystems);
-    app->applicationDidFinishLaunching();
+    app->applicationDidFinishLaunching(instance);
     FakePlatform::current().press(1, optionShift);
     EXPECT_FALSE(SelectionSession::current);
     FakePlatform::current().press(2, 4096);
@@ -100,6 +100,33 @@ TEST_F(AppDelegateTest, CommandsWhileASelectionIsOpenAreIgnored)
     app->toggleRecording();
     EXPECT_EQ(SelectionSession::current, open);
     EXPECT_EQ(open->mode(), SelectionMode::screenshot);
+}
+
+TEST_F(AppDelegateTest, AFurtherStartOpensTheMenu)
+{
+    launch();
+    FakePlatform::current().startedAgain();
+    EXPECT_THAT(FakePlatform::current().poppedUp, ElementsAre(&app->statusMenu()->menu()));
+}
+
+TEST_F(AppDelegateTest, AFurtherStartLeavesAnOpenSelectionAlone)
+{
+    launch();
+    app->captureArea();
+    FakePlatform::current().startedAgain();
+    EXPECT_TRUE(FakePlatform::current().poppedUp.empty());
+    EXPECT_TRUE(SelectionSession::current);
+    SelectionSession::current->finish(std::nullopt);
+    FakePlatform::current().startedAgain();
+    EXPECT_EQ(FakePlatform::current().poppedUp.size(), 1u);
+}
+
+TEST_F(AppDelegateTest, AFurtherStartAfterTheControllerIsGoneDoesNothing)
+{
+    launch();
+    app.reset();
+    FakePlatform::current().startedAgain();
+    EXPECT_TRUE(FakePlatform::current().poppedUp.empty());
 }
 
 TEST_F(AppDelegateTest, AControllerThatIsGoneIgnoresTheSelectionsResult)

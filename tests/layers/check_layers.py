@@ -35,7 +35,10 @@ EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection"]
 LAYERS = {
     # What the capture tool shares with the program: it starts without Qt.
     "base": Layer(
-        ["src/Support/Geometry.*", "src/Support/Result.*", "src/Support/ScreenTable.*"], [], []),
+        [f"src/Support/{name}.*" for name in (
+            "FileDescriptor", "Geometry", "Result", "ScreenTable")],
+        [],
+        []),
     "x11": Layer(
         [f"src/Platform/Linux/X11/{name}.*" for name in (
             "Connection", "DesktopScale", "Handles", "PixelFormat", "RootImage", "Screens",

@@ -8,6 +8,10 @@
 namespace Legs {
 
 void screenshot(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
+void adjusting(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
+/// `program` is the path of what `tamrik` runs.
+void secondStart(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik,
+                 const QString& program);
 void statusMenu(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 
 } // namespace Legs

@@ -48,12 +48,6 @@ std::string descriptorPath(const FileDescriptor& file)
 
 } // namespace
 
-FileDescriptor::~FileDescriptor()
-{
-    if (m_number >= 0)
-        close(m_number);
-}
-
 NewFile::NewFile(std::string path, std::string name, FileDescriptor folder)
     : m_path(std::move(path))
     , m_name(std::move(name))

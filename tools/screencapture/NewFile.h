@@ -1,7 +1,6 @@
 #pragma once
 
-#include "FileDescriptor.h"
-
+#include "Support/FileDescriptor.h"
 #include "Support/Result.h"
 
 #include <cstdint>

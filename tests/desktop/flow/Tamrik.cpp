@@ -69,9 +69,10 @@ Outcome<std::unique_ptr<Tamrik>> Tamrik::start(const Desktop::VirtualDesktop& de
 }
 
 Outcome<std::unique_ptr<Tamrik>> Tamrik::startAndAwaitKeys(const Desktop::VirtualDesktop& desktop,
-                                                           const QString& program)
+                                                           const QString& program,
+                                                           const QMap<QString, QString>& extra)
 {
-    auto tamrik = start(desktop, program);
+    auto tamrik = start(desktop, program, extra);
     if (!tamrik)
         return tamrik;
     const auto ready = Desktop::waitFor(QStringLiteral("the hot keys"), [&]() -> Outcome<void> {
@@ -115,16 +116,52 @@ Outcome<void> Tamrik::pressCaptureKey() const
     return awaitOverlay();
 }
 
-bool Tamrik::menuIsOpen() const
+Outcome<void> Tamrik::pressRecordKey() const
 {
-    return !Desktop::Windows(m_desktop)
-                .where([this](const Window& window) {
-                    return window.pid == m_app->pid() && window.isViewable &&
-                           window.isOverrideRedirect && window.isTopLevel &&
-                           window.title != QLatin1String("Tamrik Selection") &&
-                           window.geometry.height() > 100;
-                })
-                .isEmpty();
+    if (const auto pressed = Desktop::Input(m_desktop).key(QStringLiteral("alt+shift+r")); !pressed)
+        return pressed;
+    return awaitOverlay();
+}
+
+QList<Window> Tamrik::menus() const
+{
+    return Desktop::Windows(m_desktop).where([this](const Window& window) {
+        return window.pid == m_app->pid() && window.isViewable && window.isOverrideRedirect &&
+               window.isTopLevel && window.title != QLatin1String("Tamrik Selection") &&
+               window.geometry.height() > 100;
+    });
+}
+
+Outcome<QRect> Tamrik::awaitMenu() const
+{
+    return Desktop::waitFor(QStringLiteral("the menu"), [this]() -> Outcome<QRect> {
+        const QList<Window> open = menus();
+        if (open.size() != 1)
+            return Desktop::Failure{QStringLiteral("there are %1").arg(open.size())};
+        return open.front().geometry;
+    });
+}
+
+Outcome<void> Tamrik::awaitNoMenu() const
+{
+    return Desktop::waitUntil(QStringLiteral("the menu to go"), [this] { return !menuIsOpen(); });
+}
+
+Outcome<void> Tamrik::startAgain(const QString& program, const QMap<QString, QString>& extra) const
+{
+    auto again = Desktop::App::start(m_desktop, program, {}, extra);
+    if (!again)
+        return again.failure();
+    const auto ended = (*again)->waitForExit();
+    if (!ended)
+        return ended.failure();
+    const QString said = (*again)->output() + (*again)->errorOutput();
+    if (*ended != Desktop::Exit{0, false} || !said.isEmpty()) {
+        return Desktop::Failure{QStringLiteral("the second start ended with %1 and said: %2")
+                                    .arg(ended->code)
+                                    .arg(said)};
+    }
+    return {};
 }
 
 QStringList Tamrik::captures() const

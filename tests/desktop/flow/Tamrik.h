@@ -21,7 +21,8 @@ public:
 
     /// Starts it and waits until it holds all its hot keys.
     static Desktop::Outcome<std::unique_ptr<Tamrik>>
-    startAndAwaitKeys(const Desktop::VirtualDesktop& desktop, const QString& program);
+    startAndAwaitKeys(const Desktop::VirtualDesktop& desktop, const QString& program,
+                      const QMap<QString, QString>& extra = {});
 
     Desktop::App& app() { return *m_app; }
 
@@ -30,11 +31,22 @@ public:
     Desktop::Outcome<void> awaitOverlay() const;
     Desktop::Outcome<void> awaitNoOverlay() const;
 
-    /// Presses the capture hot key and waits for the overlay.
+    /// Presses a hot key and waits for the overlay.
     Desktop::Outcome<void> pressCaptureKey() const;
+    Desktop::Outcome<void> pressRecordKey() const;
 
-    /// Whether a menu of the program itself is open.
-    bool menuIsOpen() const;
+    /// The open menus of the program itself.
+    QList<Desktop::Window> menus() const;
+    /// Whether one is open.
+    bool menuIsOpen() const { return !menus().isEmpty(); }
+    /// Waits until one menu is open; where it is.
+    Desktop::Outcome<QRect> awaitMenu() const;
+    Desktop::Outcome<void> awaitNoMenu() const;
+
+    /// Starts the program once more and waits for its end; fails unless it ended with 0 and said
+    /// nothing.
+    Desktop::Outcome<void> startAgain(const QString& program,
+                                      const QMap<QString, QString>& extra = {}) const;
 
     /// The paths of the captures, oldest first.
     QStringList captures() const;
