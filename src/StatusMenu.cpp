@@ -88,10 +88,11 @@ void StatusMenu::build()
 
     m_statusItem.setToolTip(QStringLiteral("Tamrik"));
     m_statusItem.setContextMenu(&m_menu);
-    // The right button opens the context menu by itself.
+    // The right button opens the context menu by itself. A click right after one that opened the
+    // menu, which a key has closed meanwhile, comes as a double click.
     connect(&m_statusItem, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::Trigger)
+                if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
                     popUp();
             });
 }
