@@ -115,16 +115,21 @@ Outcome<void> Tamrik::pressCaptureKey() const
     return awaitOverlay();
 }
 
-bool Tamrik::menuIsOpen() const
+QList<Window> Tamrik::menus() const
 {
-    return !Desktop::Windows(m_desktop)
-                .where([this](const Window& window) {
-                    return window.pid == m_app->pid() && window.isViewable &&
-                           window.isOverrideRedirect && window.isTopLevel &&
-                           window.title != QLatin1String("Tamrik Selection") &&
-                           window.geometry.height() > 100;
-                })
-                .isEmpty();
+    return Desktop::Windows(m_desktop).where([this](const Window& window) {
+        return window.pid == m_app->pid() && window.isViewable && window.isOverrideRedirect &&
+               window.isTopLevel && window.title != QLatin1String("Tamrik Selection") &&
+               window.geometry.height() > 100;
+    });
+}
+
+Outcome<Window> Tamrik::awaitMenu() const
+{
+    return Desktop::waitFor(QStringLiteral("the menu"), [this]() -> Outcome<Window> {
+        const QList<Window> open = menus();
+        return open.isEmpty() ? Outcome<Window>(Desktop::Failure{}) : open.first();
+    });
 }
 
 QStringList Tamrik::captures() const

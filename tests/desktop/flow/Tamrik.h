@@ -34,7 +34,9 @@ public:
     Desktop::Outcome<void> pressCaptureKey() const;
 
     /// Whether a menu of the program itself is open.
-    bool menuIsOpen() const;
+    bool menuIsOpen() const { return !menus().isEmpty(); }
+    /// Waits until one is open.
+    Desktop::Outcome<Desktop::Window> awaitMenu() const;
 
     /// The paths of the captures, oldest first.
     QStringList captures() const;
@@ -46,6 +48,8 @@ public:
 
 private:
     Tamrik(const Desktop::VirtualDesktop& desktop, std::unique_ptr<Desktop::App> app);
+
+    QList<Desktop::Window> menus() const;
 
     const Desktop::VirtualDesktop& m_desktop;
     std::unique_ptr<Desktop::App> m_app;
