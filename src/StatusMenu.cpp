@@ -86,6 +86,7 @@ void StatusMenu::build()
     setMicOn(m_preferences.recordMic());
     setRecording(false);
 
+    m_menu.setAccessibleName(QStringLiteral("Tamrik"));
     m_statusItem.setToolTip(QStringLiteral("Tamrik"));
     m_statusItem.setContextMenu(&m_menu);
     // The right button opens the context menu by itself. A click right after one that opened the
@@ -100,6 +101,7 @@ void StatusMenu::build()
 void StatusMenu::buildPositionMenu()
 {
     m_positionMenu.setTitle(QStringLiteral("Thumbnail Position"));
+    m_positionMenu.setAccessibleName(m_positionMenu.title());
     auto* group = new QActionGroup(&m_positionMenu); // one tick at a time
     for (const ChipPosition position : allChipPositions) {
         QAction* item = m_positionMenu.addAction(menuTitle(position));
