@@ -55,6 +55,8 @@ SelectionView::SelectionView(Rect screenFrame, std::weak_ptr<SelectionSession> s
 {
     setObjectName(QStringLiteral("SelectionView"));
     setAccessibleName(QStringLiteral("Selection"));
+    if (const auto open = m_session.lock())
+        setAccessibleDescription(instruction(open->mode()));
     setCursor(Qt::CrossCursor);
     setFocusPolicy(Qt::StrongFocus);
     if (m_backdrop)

@@ -86,12 +86,14 @@ void StatusMenu::build()
     setMicOn(m_preferences.recordMic());
     setRecording(false);
 
+    m_menu.setAccessibleName(QStringLiteral("Tamrik"));
     m_statusItem.setToolTip(QStringLiteral("Tamrik"));
     m_statusItem.setContextMenu(&m_menu);
-    // The right button opens the context menu by itself.
+    // The right button opens the context menu by itself. A click right after one that opened the
+    // menu, which a key has closed meanwhile, comes as a double click.
     connect(&m_statusItem, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::Trigger)
+                if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
                     popUp();
             });
 }
@@ -99,6 +101,7 @@ void StatusMenu::build()
 void StatusMenu::buildPositionMenu()
 {
     m_positionMenu.setTitle(QStringLiteral("Thumbnail Position"));
+    m_positionMenu.setAccessibleName(m_positionMenu.title());
     auto* group = new QActionGroup(&m_positionMenu); // one tick at a time
     for (const ChipPosition position : allChipPositions) {
         QAction* item = m_positionMenu.addAction(menuTitle(position));

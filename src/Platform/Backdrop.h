@@ -8,9 +8,10 @@
 
 namespace Platform {
 
-/// The picture of `screen` as it is now, for an overlay to paint below itself where windows cannot
-/// be translucent (an X server without a compositor). Absent where they can, and when the screen
-/// cannot be read. Its device pixel ratio is the screen's.
+/// The picture of `screen` as it is now, for an overlay to paint below itself where a translucent
+/// window would not look so, or not be seen (an X server without a compositor, or with a game that
+/// draws past it). Absent elsewhere, and when the screen cannot be read. Its device pixel ratio is
+/// the screen's.
 std::optional<QPixmap> frozenBackdrop(const Screen& screen);
 
 } // namespace Platform

@@ -20,9 +20,10 @@ void Legs::secondStart(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik
                   const auto menu = tamrik.awaitMenu();
                   if (!menu)
                       return menu.failure();
-                  if (menu->topLeft() != pointer) {
-                      return Failure{
-                          QStringLiteral("the menu is at %1,%2").arg(menu->x()).arg(menu->y())};
+                  if (menu->geometry.topLeft() != pointer) {
+                      return Failure{QStringLiteral("the menu is at %1,%2")
+                                         .arg(menu->geometry.x())
+                                         .arg(menu->geometry.y())};
                   }
                   return input.key(QStringLiteral("Down"));
               });

@@ -1,89 +1,20 @@
 // The main job, by real keys and a real mouse, on every sort of desktop.
 
-#include "desktop/flow/Tamrik.h"
+#include "desktop/flow/FlowTest.h"
 #include "desktop/harness/Clipboard.h"
 #include "desktop/harness/Commands.h"
-#include "desktop/harness/DesktopTest.h"
-#include "desktop/harness/Helpers.h"
-#include "desktop/harness/Input.h"
-#include "desktop/harness/Screen.h"
 #include "desktop/harness/TrayIcon.h"
 
 #include <QFile>
 #include <QUrl>
 
-#include <gtest/gtest.h>
-
 using namespace Desktop;
 
 namespace {
 
-struct Case {
-    const char* name;
-    Options options;
-};
-
-void PrintTo(const Case& c, std::ostream* out)
-{
-    *out << c.name;
-}
-
-class ScreenshotFlow : public testing::TestWithParam<Case> {
-protected:
-    void SetUp() override
-    {
-        auto started = VirtualDesktop::start(GetParam().options);
-        ASSERT_TRUE(succeeded(started));
-        desktop = std::move(*started);
-        // The user's own window, with the focus.
-        auto opened = openTerminal(*desktop, QStringLiteral("Notes"), typed());
-        ASSERT_TRUE(succeeded(opened));
-        terminal = std::move(*opened);
-        ASSERT_TRUE(succeeded(input().click(terminal->window.geometry.center())));
-        if (GetParam().options.windowManager != WindowManager::None) {
-            ASSERT_TRUE(succeeded(Windows(*desktop).awaitActive(terminal->window.id)));
-        }
-        auto launched = Tamrik::startAndAwaitKeys(*desktop, QStringLiteral(TAMRIK_PROGRAM));
-        ASSERT_TRUE(succeeded(launched));
-        tamrik = std::move(*launched);
-    }
-
-    void TearDown() override
-    {
-        if (tamrik) {
-            EXPECT_TRUE(tamrik->app().isRunning());
-            EXPECT_EQ(tamrik->app().errorOutput(), QString());
-        }
-    }
-
-    double scale() const { return GetParam().options.scale; }
-    Input input() const { return Input(*desktop); }
-    Screen screen() const { return Screen(*desktop); }
-    QString typed() const { return desktop->home() + QStringLiteral("/typed"); }
-
-    /// A rectangle whose edges fall on whole points at every scale tried here.
-    static QRect area() { return {300, 240, 360, 180}; }
-
-    /// Drags a rectangle out with the left button.
-    Outcome<void> dragOut(QRect pixels) const
-    {
-        return input().drag(pixels.topLeft(),
-                            pixels.topLeft() + QPoint(pixels.width(), pixels.height()));
-    }
-
-    static QByteArray contents(const QString& path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-
-    std::unique_ptr<VirtualDesktop> desktop;
-    std::optional<Helper> terminal;
-    std::unique_ptr<Tamrik> tamrik;
-};
-
-class TwoScreenFlow : public ScreenshotFlow {};
-class TrayFlow : public ScreenshotFlow {};
+class ScreenshotFlow : public FlowTestOnDesktops {};
+class TwoScreenFlow : public FlowTestOnDesktops {};
+class TrayFlow : public FlowTestOnDesktops {};
 
 } // namespace
 
@@ -114,46 +45,6 @@ TEST_P(ScreenshotFlow, KeyDragAndThePictureIsThere)
     ASSERT_TRUE(succeeded(urls));
     EXPECT_EQ(*urls, QUrl::fromLocalFile(*path).toEncoded() + "\r\n");
     EXPECT_EQ(tamrik->preferences().value(QStringLiteral("lastCapturePath")), *path);
-}
-
-TEST_P(ScreenshotFlow, TheOverlayTakesKeysAndLeavesTheUsersFocusAlone)
-{
-    const auto focusBefore = Windows(*desktop).focused();
-    ASSERT_TRUE(succeeded(tamrik->pressCaptureKey()));
-    EXPECT_EQ(Windows(*desktop).focused(), focusBefore);
-    ASSERT_TRUE(succeeded(input().key(QStringLiteral("Escape"))));
-    ASSERT_TRUE(succeeded(tamrik->awaitNoOverlay()));
-    EXPECT_EQ(Windows(*desktop).focused(), focusBefore);
-    EXPECT_TRUE(tamrik->captures().isEmpty());
-
-    // The user goes on typing where they were.
-    ASSERT_TRUE(succeeded(input().type(QStringLiteral("still here"))));
-    ASSERT_TRUE(succeeded(input().key(QStringLiteral("Return"))));
-    EXPECT_TRUE(succeeded(waitUntil(QStringLiteral("the typed line"),
-                                    [this] { return contents(typed()) == "still here\n"; })));
-}
-
-TEST_P(ScreenshotFlow, TheScreenIsDimmedNeverBlackAndComesBack)
-{
-    const QPoint corner(20, 400);
-    const auto plain = screen().pixel(corner);
-    ASSERT_TRUE(succeeded(plain));
-    ASSERT_TRUE(succeeded(input().moveTo({900, 600})));
-    ASSERT_TRUE(succeeded(tamrik->pressCaptureKey()));
-    const QColor dimmed(qRound(plain->red() * 0.75), qRound(plain->green() * 0.75),
-                        qRound(plain->blue() * 0.75));
-    EXPECT_TRUE(succeeded(screen().awaitColor(corner, dimmed, 3)));
-
-    // Inside a selection the screen looks as it did.
-    ASSERT_TRUE(succeeded(input().moveTo({10, 390})));
-    ASSERT_TRUE(succeeded(input().press()));
-    ASSERT_TRUE(succeeded(input().moveTo({160, 460})));
-    EXPECT_TRUE(succeeded(screen().awaitColor(corner, *plain, 1)));
-    ASSERT_TRUE(succeeded(input().key(QStringLiteral("Escape"))));
-    ASSERT_TRUE(succeeded(tamrik->awaitNoOverlay()));
-    ASSERT_TRUE(succeeded(input().release()));
-    EXPECT_TRUE(succeeded(screen().awaitColor(corner, *plain)));
-    EXPECT_TRUE(tamrik->captures().isEmpty());
 }
 
 TEST_P(ScreenshotFlow, ADragToTheLastPixelTakesTheWholeScreen)
@@ -237,22 +128,17 @@ TEST_P(TrayFlow, BothButtonsOpenTheMenuWhichCaptures)
 
 namespace {
 
-const Case plain{"OpenboxPicomXEmbed", {}};
-const Case uncomposited{"OpenboxUncomposited", {.compositor = Compositor::None}};
-const Case xfwm4{"Xfwm4CompositedStatusNotifier",
-                 {.windowManager = WindowManager::Xfwm4, .tray = Tray::StatusNotifier}};
-const Case bare{
+const DesktopCase plain{"OpenboxPicomXEmbed", {}};
+const DesktopCase uncomposited{"OpenboxUncomposited", {.compositor = Compositor::None}};
+const DesktopCase xfwm4{"Xfwm4CompositedStatusNotifier",
+                        {.windowManager = WindowManager::Xfwm4, .tray = Tray::StatusNotifier}};
+const DesktopCase bare{
     "NothingButAServer",
     {.windowManager = WindowManager::None, .compositor = Compositor::None, .tray = Tray::None}};
-const Case twoScreens{"TwoScreens", {.screens = 2, .tray = Tray::StatusNotifier}};
-const Case scaleTwo{"ScaleTwo", {.scale = 2}};
-const Case twoScaled{"TwoScreensScaleOneAndAHalfUncomposited",
-                     {.screens = 2, .scale = 1.5, .compositor = Compositor::None}};
-
-std::string nameOf(const testing::TestParamInfo<Case>& instance)
-{
-    return instance.param.name;
-}
+const DesktopCase twoScreens{"TwoScreens", {.screens = 2, .tray = Tray::StatusNotifier}};
+const DesktopCase scaleTwo{"ScaleTwo", {.scale = 2}};
+const DesktopCase twoScaled{"TwoScreensScaleOneAndAHalfUncomposited",
+                            {.screens = 2, .scale = 1.5, .compositor = Compositor::None}};
 
 } // namespace
 

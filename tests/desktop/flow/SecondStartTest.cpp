@@ -85,7 +85,7 @@ TEST_P(SecondStartOn, TheMenuIsAtThePointerAndTakesKeysAndMouse)
     ASSERT_TRUE(succeeded(tamrik.startAgain(program())));
     auto menu = tamrik.awaitMenu();
     ASSERT_TRUE(succeeded(menu));
-    EXPECT_EQ(menu->topLeft(), pointer);
+    EXPECT_EQ(menu->geometry.topLeft(), pointer);
     ASSERT_TRUE(succeeded(input.key(QStringLiteral("Down"))));
     ASSERT_TRUE(succeeded(input.key(QStringLiteral("Return")))); // "Capture Area"
     ASSERT_TRUE(succeeded(tamrik.awaitOverlay()));
@@ -97,8 +97,8 @@ TEST_P(SecondStartOn, TheMenuIsAtThePointerAndTakesKeysAndMouse)
     ASSERT_TRUE(succeeded(tamrik.startAgain(program())));
     menu = tamrik.awaitMenu();
     ASSERT_TRUE(succeeded(menu));
-    EXPECT_EQ(menu->topLeft(), QPoint(300, 500));
-    ASSERT_TRUE(succeeded(input.click(menu->topLeft() + QPoint(60, 12))));
+    EXPECT_EQ(menu->geometry.topLeft(), QPoint(300, 500));
+    ASSERT_TRUE(succeeded(input.click(menu->geometry.topLeft() + QPoint(60, 12))));
     ASSERT_TRUE(succeeded(tamrik.awaitOverlay()));
     ASSERT_TRUE(succeeded(input.key(QStringLiteral("Escape"))));
     ASSERT_TRUE(succeeded(tamrik.awaitNoOverlay()));
@@ -147,7 +147,7 @@ TEST_F(SecondStart, OfSeveralAtOnceOneRemainsAndOpensItsMenu)
         if (start->app().isRunning()) {
             const auto menu = start->awaitMenu();
             ASSERT_TRUE(succeeded(menu));
-            EXPECT_EQ(menu->topLeft(), pointer);
+            EXPECT_EQ(menu->geometry.topLeft(), pointer);
         } else {
             const auto ended = start->app().waitForExit();
             ASSERT_TRUE(succeeded(ended));
@@ -210,7 +210,7 @@ TEST_F(SecondStart, AnOpenMenuStaysWhereItIs)
     ASSERT_TRUE(succeeded(tamrik->startAgain(program())));
     const auto menu = tamrik->awaitMenu();
     ASSERT_TRUE(succeeded(menu));
-    EXPECT_EQ(menu->topLeft(), pointer);
+    EXPECT_EQ(menu->geometry.topLeft(), pointer);
     ASSERT_TRUE(succeeded(input().key(QStringLiteral("Escape"))));
     EXPECT_TRUE(succeeded(tamrik->awaitNoMenu()));
 }

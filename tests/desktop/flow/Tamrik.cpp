@@ -132,13 +132,13 @@ QList<Window> Tamrik::menus() const
     });
 }
 
-Outcome<QRect> Tamrik::awaitMenu() const
+Outcome<Window> Tamrik::awaitMenu() const
 {
-    return Desktop::waitFor(QStringLiteral("the menu"), [this]() -> Outcome<QRect> {
+    return Desktop::waitFor(QStringLiteral("the menu"), [this]() -> Outcome<Window> {
         const QList<Window> open = menus();
         if (open.size() != 1)
             return Desktop::Failure{QStringLiteral("there are %1").arg(open.size())};
-        return open.front().geometry;
+        return open.front();
     });
 }
 

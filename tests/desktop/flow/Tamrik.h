@@ -39,8 +39,8 @@ public:
     QList<Desktop::Window> menus() const;
     /// Whether one is open.
     bool menuIsOpen() const { return !menus().isEmpty(); }
-    /// Waits until one menu is open; where it is.
-    Desktop::Outcome<QRect> awaitMenu() const;
+    /// Waits until one menu is open.
+    Desktop::Outcome<Desktop::Window> awaitMenu() const;
     Desktop::Outcome<void> awaitNoMenu() const;
 
     /// Starts the program once more and waits for its end; fails unless it ended with 0 and said
@@ -58,6 +58,8 @@ public:
 
 private:
     Tamrik(const Desktop::VirtualDesktop& desktop, std::unique_ptr<Desktop::App> app);
+
+    QList<Desktop::Window> menus() const;
 
     const Desktop::VirtualDesktop& m_desktop;
     std::unique_ptr<Desktop::App> m_app;

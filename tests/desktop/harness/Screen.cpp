@@ -4,6 +4,7 @@
 #include "desktop/harness/VirtualDesktop.h"
 
 #include <xcb/xcb.h>
+#include <xcb/xfixes.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -72,6 +73,22 @@ Outcome<void> Screen::awaitColor(QPoint point, QColor color, int tolerance,
     };
     return waitFor(QStringLiteral("%1 at %2,%3").arg(color.name()).arg(point.x()).arg(point.y()),
                    attempt, deadline);
+}
+
+Outcome<QByteArray> Screen::pointerShape() const
+{
+    xcb_connection_t* connection = m_desktop.server().connection();
+    // The extension answers nobody who has not said which version they speak.
+    const auto versionCookie =
+        xcb_xfixes_query_version(connection, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
+    const auto cookie = xcb_xfixes_get_cursor_image_and_name(connection);
+    const Reply<xcb_xfixes_query_version_reply_t> version(
+        xcb_xfixes_query_version_reply(connection, versionCookie, nullptr));
+    const Reply<xcb_xfixes_get_cursor_image_and_name_reply_t> reply(
+        xcb_xfixes_get_cursor_image_and_name_reply(connection, cookie, nullptr));
+    if (!version || !reply)
+        return Failure{QStringLiteral("the X server did not tell the pointer's shape")};
+    return QByteArray(xcb_xfixes_get_cursor_image_and_name_name(reply.get()), reply->nbytes);
 }
 
 bool isNearly(QColor a, QColor b, int tolerance)

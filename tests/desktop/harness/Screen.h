@@ -11,8 +11,8 @@ namespace Desktop {
 
 class VirtualDesktop;
 
-/// What is to be seen on a desktop, without the pointer. Everything is in pixels of the whole
-/// desktop, origin at its top left.
+/// What is to be seen on a desktop; pictures are without the pointer. Everything is in pixels of
+/// the whole desktop, origin at its top left.
 class Screen {
 public:
     explicit Screen(const VirtualDesktop& desktop)
@@ -28,6 +28,10 @@ public:
     /// Waits until the pixel has that colour, each channel to within `tolerance`.
     Outcome<void> awaitColor(QPoint point, QColor color, int tolerance = 0,
                              std::chrono::milliseconds deadline = patience) const;
+
+    /// The pointer's shape, by the name that programs give it, such as "cross"; empty when it has
+    /// none.
+    Outcome<QByteArray> pointerShape() const;
 
 private:
     const VirtualDesktop& m_desktop;

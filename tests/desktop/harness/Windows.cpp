@@ -189,6 +189,26 @@ Outcome<void> Windows::awaitActive(std::uint32_t window, std::chrono::millisecon
                    deadline);
 }
 
+Outcome<void> Windows::awaitFocused(std::uint32_t window, std::chrono::milliseconds deadline) const
+{
+    const auto attempt = [&]() -> Outcome<void> {
+        const std::uint32_t now = focused();
+        if (now == window)
+            return {};
+        return Failure{QStringLiteral("0x%1 has it").arg(now, 0, 16)};
+    };
+    return waitFor(QStringLiteral("the focus of window 0x%1").arg(window, 0, 16), attempt,
+                   deadline);
+}
+
+Outcome<void> Windows::focus(std::uint32_t window) const
+{
+    xcb_connection_t* connection = m_desktop.server().connection();
+    xcb_set_input_focus(connection, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+    xcb_flush(connection);
+    return awaitFocused(window);
+}
+
 Outcome<void> Windows::activate(std::uint32_t window) const
 {
     return wmctrl(m_desktop, QStringLiteral("-a"), window);

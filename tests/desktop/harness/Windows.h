@@ -70,6 +70,12 @@ public:
     std::uint32_t focused() const;
     Outcome<void> awaitActive(std::uint32_t window,
                               std::chrono::milliseconds deadline = patience) const;
+    /// Waits until a window gets the keys; window managers say first that it is active.
+    Outcome<void> awaitFocused(std::uint32_t window,
+                               std::chrono::milliseconds deadline = patience) const;
+    /// Gives the keys to a window and waits until it has them. For desktops without a window
+    /// manager, where a click does not.
+    Outcome<void> focus(std::uint32_t window) const;
     /// Asks the window manager for what a task bar's button and a close button ask for.
     Outcome<void> activate(std::uint32_t window) const;
     Outcome<void> close(std::uint32_t window) const;

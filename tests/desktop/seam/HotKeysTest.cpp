@@ -1,67 +1,12 @@
-#include "Platform/HotKeys.h"
-
+#include "desktop/seam/HotKeysFixture.h"
 #include "desktop/seam/OtherClient.h"
-#include "desktop/seam/Xdotool.h"
-#include "support/EventLoop.h"
-
-#include <QTimer>
-
-#include <gtest/gtest.h>
-
-#include <vector>
 
 namespace {
 
-constexpr std::uint32_t optionShift =
-    Platform::HotKeyModifier::option | Platform::HotKeyModifier::shift;
-constexpr std::uint32_t sKey = 1;
 constexpr xcb_keycode_t sKeyOnTheServer = 39;
 constexpr std::uint16_t altShift = XCB_MOD_MASK_1 | XCB_MOD_MASK_SHIFT;
 
-/// The real keyboard of the virtual desktop. Presses are counted by identifier.
-class HotKeysTest : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        Platform::setHotKeyHandler(
-            [this](std::uint32_t identifier) { presses.push_back(identifier); });
-    }
-
-    void TearDown() override
-    {
-        if (reference)
-            Platform::unregisterHotKey(*reference);
-        Platform::setHotKeyHandler({});
-        xdotool(QStringLiteral("keyup Alt_L keyup Shift_L keyup s"));
-        setLayout("us");
-    }
-
-    void registerS()
-    {
-        reference = Platform::registerHotKey(sKey, optionShift, 7);
-        ASSERT_TRUE(reference);
-    }
-
-    /// Types keys and lets everything arrive that comes of them.
-    void type(const char* words)
-    {
-        xdotool(QString::fromLatin1(words));
-        // The server has handled them by now; a round trip of Qt's own connection brings the rest.
-        bool quiet = false;
-        QTimer::singleShot(100, qApp, [&quiet] { quiet = true; });
-        ASSERT_TRUE(runUntil([&quiet] { return quiet; }));
-    }
-
-    static void setLayout(const char* layout)
-    {
-        output(QStringLiteral("setxkbmap"), {QString::fromLatin1(layout)});
-    }
-
-    std::optional<Platform::HotKeyReference> reference;
-    std::vector<std::uint32_t> presses;
-};
-
-using Presses = std::vector<std::uint32_t>;
+class HotKeysTest : public HotKeysFixture {};
 
 } // namespace
 
@@ -158,18 +103,6 @@ TEST_F(HotKeysTest, AKeyCodeThatNoKeyHasIsRefused)
 {
     EXPECT_FALSE(Platform::registerHotKey(4000, optionShift, 1));
     EXPECT_FALSE(Platform::registerHotKey(4294967295, optionShift, 1));
-}
-
-TEST_F(HotKeysTest, AKeyNamesItsPlaceWhateverTheLayout)
-{
-    registerS();
-    for (const char* layout : {"fr", "dvorak", "ru"}) {
-        presses.clear();
-        setLayout(layout);
-        // By key code: what the key prints differs.
-        type("key 64+50+39");
-        EXPECT_EQ(presses, Presses{7}) << layout;
-    }
 }
 
 TEST_F(HotKeysTest, TheHandlerMayUnregisterItsOwnKey)

@@ -17,6 +17,10 @@ namespace {
 /// takes longer.
 constexpr std::uint32_t repeatGap = 5;
 
+/// The events of the XKB extension that tell of another keyboard, and of other keys on it.
+constexpr std::uint8_t xkbNewKeyboardNotify = 0;
+constexpr std::uint8_t xkbMapNotify = 1;
+
 /// Bits of an event's response type that say something else than its type.
 constexpr std::uint8_t sentEventBit = 0x80;
 
@@ -75,16 +79,15 @@ public:
         if (type != "xcb_generic_event_t")
             return false;
         const auto* event = static_cast<const xcb_generic_event_t*>(message);
+        if (tellsOfNewKeyboard(*event)) {
+            followKeyboard();
+            return false;
+        }
         switch (event->response_type & ~sentEventBit) {
         case XCB_KEY_PRESS:
             return keyPressed(*static_cast<const xcb_key_press_event_t*>(message));
         case XCB_KEY_RELEASE:
             return keyReleased(*static_cast<const xcb_key_release_event_t*>(message));
-        case XCB_MAPPING_NOTIFY:
-            if (static_cast<const xcb_mapping_notify_event_t*>(message)->request ==
-                XCB_MAPPING_MODIFIER)
-                grabAfresh();
-            return false;
         default: // all other events
             return false;
         }
@@ -121,12 +124,30 @@ private:
         xcb_flush(connection);
     }
 
-    /// The modifier keys were assigned anew: Alt, Super and NumLock may set other bits now.
-    void grabAfresh()
+    /// Whether keys may mean something else from now on. Who changes the keyboard through the XKB
+    /// extension, as setxkbmap does, is not always heard of by the core protocol's event, and the
+    /// other way round.
+    bool tellsOfNewKeyboard(const xcb_generic_event_t& event)
     {
+        if (!m_firstXkbEvent)
+            m_firstXkbEvent = X11::firstEventOf("XKEYBOARD");
+        const std::uint8_t type = event.response_type & ~sentEventBit;
+        if (type == XCB_MAPPING_NOTIFY)
+            return true;
+        // Which of the extension's events it is stands in the second byte.
+        return *m_firstXkbEvent != 0 && type == *m_firstXkbEvent &&
+               (event.pad0 == xkbNewKeyboardNotify || event.pad0 == xkbMapNotify);
+    }
+
+    /// The modifier keys may have been assigned anew: Alt, Super and the locks may set other bits.
+    void followKeyboard()
+    {
+        const X11::ModifierMap now;
+        if (now == m_map)
+            return;
         for (const auto& [reference, registration] : m_registrations)
             ungrab(registration, *m_map);
-        m_map.emplace();
+        m_map = now;
         for (auto& [reference, registration] : m_registrations) {
             registration.modifiers = m_map->fromHotKeyMask(registration.mask);
             // A key that another program took meanwhile is lost, and there is nobody to tell.
@@ -167,6 +188,8 @@ private:
     std::optional<X11::ModifierMap> m_map;
     std::map<std::uint32_t, Registration> m_registrations;
     std::uint32_t m_lastReference = 0;
+    /// 0 when the server has no such extension.
+    std::optional<std::uint8_t> m_firstXkbEvent;
     xcb_keycode_t m_releasedKey = 0;
     xcb_timestamp_t m_releaseTime = 0;
 };

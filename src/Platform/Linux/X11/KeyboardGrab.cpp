@@ -9,14 +9,14 @@ using namespace std::chrono_literals;
 
 namespace {
 
+/// Taking the focus instead would not help: whoever holds the keyboard gets the keys, wherever the
+/// focus is. Shorter than the time from closing a menu to the next key.
 constexpr auto retryInterval = 50ms;
-constexpr int attempts = 40;
 
 } // namespace
 
 X11::KeyboardGrab::KeyboardGrab(QWidget& window)
     : QObject(&window)
-    , m_attemptsLeft(attempts)
 {
     m_retry.setInterval(retryInterval);
     connect(&m_retry, &QTimer::timeout, this, &KeyboardGrab::attempt);
@@ -36,14 +36,10 @@ void X11::KeyboardGrab::release(QWidget& window)
 void X11::KeyboardGrab::attempt()
 {
     QWindow* handle = window().windowHandle();
-    if (!handle || !window().isVisible() || handle->setKeyboardGrabEnabled(true)) {
+    if (!handle || !window().isVisible() || handle->setKeyboardGrabEnabled(true))
         m_retry.stop();
-    } else if (--m_attemptsLeft == 0) {
-        m_retry.stop();
-        window().activateWindow();
-    } else if (!m_retry.isActive()) {
+    else if (!m_retry.isActive())
         m_retry.start();
-    }
 }
 
 QWidget& X11::KeyboardGrab::window() const

@@ -9,7 +9,7 @@ namespace X11 {
 
 /// Holds the keyboard for a window while it is shown, so that keys reach it although another
 /// program's window keeps the focus. While a third program holds the keyboard, an open menu say, it
-/// tries again; when that lasts, the window takes the focus instead. Lives as long as the window.
+/// tries again. Lives as long as the window.
 class KeyboardGrab : public QObject {
     Q_OBJECT
 
@@ -25,7 +25,6 @@ private:
     QWidget& window() const;
 
     QTimer m_retry;
-    int m_attemptsLeft;
 };
 
 } // namespace X11

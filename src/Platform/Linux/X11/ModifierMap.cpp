@@ -56,6 +56,7 @@ X11::ModifierMap::ModifierMap()
     m_alt = modifierOf(*symbols, *mapping, {XK_Alt_L, XK_Alt_R, XK_Meta_L}, m_alt);
     m_super = modifierOf(*symbols, *mapping, {XK_Super_L, XK_Super_R}, m_super);
     m_numLock = modifierOf(*symbols, *mapping, {XK_Num_Lock}, m_numLock);
+    m_scrollLock = modifierOf(*symbols, *mapping, {XK_Scroll_Lock}, m_scrollLock);
 }
 
 std::uint16_t X11::ModifierMap::fromHotKeyMask(std::uint32_t mask) const
@@ -80,6 +81,13 @@ std::uint16_t X11::ModifierMap::relevant() const
 
 std::vector<std::uint16_t> X11::ModifierMap::lockVariants() const
 {
-    return {0, XCB_MOD_MASK_LOCK, m_numLock,
-            static_cast<std::uint16_t>(XCB_MOD_MASK_LOCK | m_numLock)};
+    std::vector<std::uint16_t> variants{0};
+    for (const unsigned lock :
+         {unsigned{XCB_MOD_MASK_LOCK}, unsigned{m_numLock}, unsigned{m_scrollLock}})
+    {
+        const std::size_t without = lock ? variants.size() : 0;
+        for (std::size_t i = 0; i < without; ++i)
+            variants.push_back(static_cast<std::uint16_t>(variants[i] | lock));
+    }
+    return variants;
 }

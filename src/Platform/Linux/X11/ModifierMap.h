@@ -17,14 +17,17 @@ public:
     /// The state bits that hot keys look at: Shift, Ctrl, Alt and Super.
     std::uint16_t relevant() const;
 
-    /// Every combination of the locks that may be on while a hot key is pressed: none, CapsLock,
-    /// NumLock, both.
+    /// Every combination of the locks that may be on while a hot key is pressed: CapsLock, NumLock,
+    /// and ScrollLock where it sets a modifier.
     std::vector<std::uint16_t> lockVariants() const;
+
+    friend bool operator==(const ModifierMap&, const ModifierMap&) = default;
 
 private:
     std::uint16_t m_alt;
     std::uint16_t m_super;
     std::uint16_t m_numLock;
+    std::uint16_t m_scrollLock = 0; // most keyboards have it set none
 };
 
 } // namespace X11

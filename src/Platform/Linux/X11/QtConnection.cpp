@@ -65,6 +65,15 @@ xcb_atom_t X11::atom(const char* name)
     return reply->atom;
 }
 
+std::uint8_t X11::firstEventOf(const char* extension)
+{
+    const auto cookie = xcb_query_extension(
+        qtConnection(), static_cast<std::uint16_t>(std::strlen(extension)), extension);
+    const Reply<xcb_query_extension_reply_t> reply(
+        xcb_query_extension_reply(qtConnection(), cookie, nullptr));
+    return reply && reply->present ? reply->first_event : std::uint8_t{0};
+}
+
 std::vector<std::uint32_t> X11::property32(xcb_window_t window, const char* name)
 {
     return properties32({window}, name).front();
