@@ -126,8 +126,8 @@ TEST(Encoder, LargerPicturesReadBack)
         expectReadsBack(painter(641, 479));
         expectReadsBack(painter(1, 5000));
         expectReadsBack(painter(5000, 1));
-        expectReadsBack(painter(63, 64)); // as many rows as are tried out
-        expectReadsBack(painter(63, 65));
+        expectReadsBack(painter(63, 32)); // as many rows as are tried out
+        expectReadsBack(painter(63, 33));
         expectReadsBack(painter(64, 1023));
     }
 }
