@@ -95,5 +95,5 @@ def measure_rest(report, tray, seconds):
 
 def run(report):
     for tray in TRAYS:
-        measure_start(report, tray, 2 if report.is_quick else 10)
+        measure_start(report, tray, 2 if report.is_quick else 7)
         measure_rest(report, tray, 2 if report.is_quick else 20)

@@ -59,7 +59,7 @@ def measure(report, screens, compositor, rounds, later_uses):
                 desktop = desktops[name]
                 with desktop.start(*command) as program:
                     for use in range(1 + later_uses):
-                        program.await_calm()
+                        program.await_calm(0.1 if use else 0.4)
                         milliseconds = float(desktop.run(probe("overlay"), ending, *points))
                         (later if use else first)[name].append(milliseconds)
     report.say(f"## {screens}, {'compositor' if compositor != 'none' else 'no compositor'}\n")
@@ -78,4 +78,4 @@ def run(report):
         Screens(small), Screens(large), Screens(small, beside), Screens(large, beside)]
     for screens in setups:
         for compositor in ("picom", "none"):
-            measure(report, screens, compositor, *((1, 2) if report.is_quick else (5, 3)))
+            measure(report, screens, compositor, *((1, 2) if report.is_quick else (5, 2)))
