@@ -1,5 +1,6 @@
 #include "AppDelegate.h"
 
+#include "Chrome.h"
 #include "Platform/Application.h"
 #include "Platform/CapturePermission.h"
 #include "Platform/Pasteboard.h"
@@ -16,12 +17,18 @@
 
 #include <utility>
 
+using namespace std::chrono_literals;
+
 namespace {
 
 constexpr std::uint32_t annotateKeyCode = 14; // E
 constexpr std::uint32_t recordKeyCode = 15;   // R
 constexpr std::uint32_t fixedModifiers =
     Platform::HotKeyModifier::option | Platform::HotKeyModifier::shift;
+
+/// How long after the start the overlay's font is loaded, so that the first overlay need not wait
+/// for it, nor the icon in the status area.
+constexpr auto fontDelay = 250ms;
 
 std::optional<QByteArray> contents(const QUrl& url)
 {
@@ -69,6 +76,7 @@ void AppDelegate::applicationDidFinishLaunching(Platform::SingleInstance& instan
     if (!Platform::preflightScreenCaptureAccess())
         (void)Platform::requestScreenCaptureAccess(); // the program works on whatever the answer is
     instance.onStartedAgain(Guarded::any(this, [this] { applicationStartedAgain(); }));
+    m_clock.after(fontDelay, [] { Chrome::loadFont(); });
 }
 
 void AppDelegate::applicationStartedAgain()

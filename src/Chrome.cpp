@@ -2,6 +2,7 @@
 
 #include <QFontInfo>
 #include <QFontMetricsF>
+#include <QImage>
 #include <QPainter>
 
 namespace {
@@ -147,6 +148,15 @@ void drawPill(QPainter& painter, const Geometry::Flip& flip, const QString& text
     const Geometry::TopLeftPoint textBottomLeft = flip.topLeftFromBottomLeft(layout.textOrigin);
     painter.drawText(QPointF(textBottomLeft.x, textBottomLeft.y - metrics.descent()), text);
     painter.restore();
+}
+
+void loadFont()
+{
+    QImage canvas(1, 1, QImage::Format_RGB32);
+    QPainter painter(&canvas);
+    drawPill(painter, Geometry::Flip({0, 0, 1, 1}),
+             QStringLiteral("Drag to select capture area  ·  Esc to cancel 0123456789 ×"), {},
+             false);
 }
 
 } // namespace Chrome

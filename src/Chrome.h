@@ -30,6 +30,10 @@ QColor buttonBorder(Accent accent);
 /// The interface font at a size in points; semibold unless told otherwise.
 QFont font(double size, QFont::Weight weight = QFont::DemiBold);
 
+/// Loads the interface font and the shapes of common letters, for which the first text in a process
+/// waits some milliseconds otherwise.
+void loadFont();
+
 /// Where a pill and its text stand for a text of a given size; y up.
 struct PillLayout {
     /// The bottom left corner of the text's box.

@@ -106,14 +106,20 @@ TEST(TwoScreensAtTwo, TellTheToolTheirPixels)
 
 TEST(TwoScreensAtTwo, TheBackdropIsEachScreensPictureInPixels)
 {
-    output(QStringLiteral("hsetroot"), {QStringLiteral("-solid"), QStringLiteral("#204060")});
+    // No two columns are the same, and no two screens.
+    output(QStringLiteral("hsetroot"),
+           {QStringLiteral("-add"), QStringLiteral("#204060"), QStringLiteral("-add"),
+            QStringLiteral("#f0c010"), QStringLiteral("-gradient"), QStringLiteral("90")});
     for (const Platform::Screen& screen : Platform::screens()) {
         const auto backdrop = Platform::frozenBackdrop(screen);
         ASSERT_TRUE(backdrop);
         EXPECT_EQ(backdrop->size(), QSize(static_cast<int>(screen.frame.width * 2),
                                           static_cast<int>(screen.frame.height * 2)));
         EXPECT_EQ(backdrop->devicePixelRatio(), 2);
-        EXPECT_EQ(backdrop->toImage().pixelColor(300, 300), QColor(0x20, 0x40, 0x60));
+        const QImage seenByQt =
+            screen.handle->grabWindow(0).toImage().convertToFormat(QImage::Format_RGB32);
+        EXPECT_NE(seenByQt.pixel(0, 300), seenByQt.pixel(seenByQt.width() - 1, 300));
+        EXPECT_TRUE(backdrop->toImage().convertToFormat(QImage::Format_RGB32) == seenByQt);
     }
 }
 

@@ -20,14 +20,22 @@ namespace Png {
 
 namespace {
 
-/// The level above which files hardly shrink while the time climbs; below it time hardly falls.
-constexpr int level = 6;
+// libdeflate's levels. Pixels that repeat, as those of text and surfaces do, shrink with each level
+// up to some point at little cost. A photograph's do not repeat: higher levels look for what is not
+// there, and take five times as long for a file that is a few hundredths smaller.
+constexpr int thorough = 4;
+constexpr int quick = 1;
+
+/// A picture that shrinks to more than one part in so many counts as a photograph. On a screen with
+/// other things beside it, it is when a photograph fills about a third.
+constexpr std::size_t photographShare = 6;
+
 constexpr std::size_t pixelBytes = 3;
 constexpr std::size_t largestData = 256 << 10; // content of one IDAT chunk, in bytes
 
-// How much of a picture is tried out to choose its filtering.
+// How much of a picture is tried out to choose how to go about it.
 constexpr std::uint32_t sampleBands = 8;
-constexpr std::uint32_t sampleBandRows = 8;
+constexpr std::uint32_t sampleBandRows = 4;
 
 struct FreeCompressor {
     void operator()(libdeflate_compressor* compressor) const
@@ -36,6 +44,14 @@ struct FreeCompressor {
     }
 };
 using Compressor = std::unique_ptr<libdeflate_compressor, FreeCompressor>;
+
+Compressor compressorOf(int level)
+{
+    Compressor compressor(libdeflate_alloc_compressor(level));
+    if (!compressor)
+        throw std::bad_alloc();
+    return compressor;
+}
 
 /// Memory that nobody sets to zero first, in large pages where the system has them: of a large
 /// screen both take milliseconds otherwise. Throws std::bad_alloc.
@@ -91,8 +107,13 @@ std::uint8_t* filterRows(const Source& source, Filtering filtering, std::uint32_
     return out;
 }
 
-/// How long the sample rows come out deflated, in bytes.
-std::size_t sampleSize(const Source& source, Filtering filtering, libdeflate_compressor* compressor)
+/// Some rows of a picture, before and after: how many bytes they are.
+struct Sample {
+    std::size_t filtered = 0;
+    std::size_t deflated = 0;
+};
+
+Sample sample(const Source& source, Filtering filtering, libdeflate_compressor* compressor)
 {
     const std::uint32_t bands =
         std::min(sampleBands, (source.height + sampleBandRows - 1) / sampleBandRows);
@@ -105,15 +126,26 @@ std::size_t sampleSize(const Source& source, Filtering filtering, libdeflate_com
     }
     const auto length = static_cast<std::size_t>(out - filtered.data());
     Buffer deflated(libdeflate_deflate_compress_bound(compressor, length));
-    return libdeflate_deflate_compress(compressor, filtered.data(), length, deflated.data(),
-                                       deflated.size());
+    return {length, libdeflate_deflate_compress(compressor, filtered.data(), length,
+                                                deflated.data(), deflated.size())};
 }
 
-Filtering betterFiltering(const Source& source, libdeflate_compressor* compressor)
+/// How to go about a picture.
+struct Plan {
+    Filtering filtering;
+    int level;
+};
+
+Plan planFor(const Source& source)
 {
-    const std::size_t none = sampleSize(source, Filtering::None, compressor);
-    const std::size_t adaptive = sampleSize(source, Filtering::Adaptive, compressor);
-    return none <= adaptive ? Filtering::None : Filtering::Adaptive;
+    const Compressor compressor = compressorOf(quick);
+    const Sample none = sample(source, Filtering::None, compressor.get());
+    const Sample adaptive = sample(source, Filtering::Adaptive, compressor.get());
+    const bool isBetterFiltered = adaptive.deflated < none.deflated;
+    const Sample& better = isBetterFiltered ? adaptive : none;
+    const bool isPhotograph = better.deflated > better.filtered / photographShare;
+    return {isBetterFiltered ? Filtering::Adaptive : Filtering::None,
+            isPhotograph ? quick : thorough};
 }
 
 enum class ColourType : std::uint8_t { Rgb = 2, Palette = 3 }; // ISO/IEC 15948, section 11.2.2
@@ -157,23 +189,19 @@ void appendData(Chunks& chunks, std::span<const std::uint8_t> rows,
 
 std::vector<std::uint8_t> encode(const Source& source, double dotsPerInch)
 {
-    const Compressor compressor(libdeflate_alloc_compressor(level));
-    if (!compressor)
-        throw std::bad_alloc();
-
     Chunks chunks;
     if (const auto picture = indexed(source)) {
         appendHeader(chunks, source, ColourType::Palette);
         appendDensity(chunks, dotsPerInch);
         chunks.append("PLTE", picture->palette);
-        appendData(chunks, {picture->rows.get(), picture->size}, compressor.get());
+        appendData(chunks, {picture->rows.get(), picture->size}, compressorOf(thorough).get());
     } else {
+        const Plan plan = planFor(source);
         Buffer filtered((1 + rowBytes(source)) * source.height);
-        filterRows(source, betterFiltering(source, compressor.get()), 0, source.height,
-                   filtered.data());
+        filterRows(source, plan.filtering, 0, source.height, filtered.data());
         appendHeader(chunks, source, ColourType::Rgb);
         appendDensity(chunks, dotsPerInch);
-        appendData(chunks, filtered.first(filtered.size()), compressor.get());
+        appendData(chunks, filtered.first(filtered.size()), compressorOf(plan.level).get());
     }
     chunks.append("IEND", {});
     return chunks.take();

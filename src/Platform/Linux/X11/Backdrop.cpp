@@ -1,8 +1,13 @@
 #include "Platform/Backdrop.h"
 
 #include "Platform/Linux/NativeScreen.h"
+#include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/QtConnection.h"
+#include "Platform/Linux/X11/RootImage.h"
 
+#include <QImage>
+
+#include <bit>
 #include <vector>
 
 namespace {
@@ -61,6 +66,40 @@ bool isCoveredByBypass(QRect screen)
     return covered;
 }
 
+/// Whether the server's pixels are QImage's: the common case, in which nothing has to be converted.
+bool isRgb32(const X11::PixelFormat& format)
+{
+    return std::endian::native == std::endian::little && format.bitsPerPixel == 32 &&
+           format.byteOrder == X11::ByteOrder::LeastSignificantFirst &&
+           format.redMask == 0xff0000 && format.greenMask == 0x00ff00 && format.blueMask == 0xff;
+}
+
+/// A picture of a part of the root window, and the connection that it must not outlive.
+struct Grab {
+    X11::Connection connection;
+    X11::RootImage image;
+};
+
+/// The picture in the memory that the server wrote it to. A large screen's pixels take longer to
+/// copy than to grab, and far longer through the socket, which is how QScreen::grabWindow gets
+/// them.
+QImage throughMemory(const ScreenTable::PixelRect& area)
+{
+    Result<X11::Connection> connection = X11::Connection::open();
+    if (!connection)
+        return {};
+    Result<X11::RootImage> image = X11::RootImage::grab(*connection, area);
+    if (!image || !isRgb32(image->format()) ||
+        image->width() != static_cast<std::uint32_t>(area.width) ||
+        image->height() != static_cast<std::uint32_t>(area.height))
+        return {};
+    auto* const grab = new Grab{std::move(*connection), std::move(*image)}; // the QImage owns it
+    return QImage(
+        grab->image.row(0), area.width, area.height,
+        static_cast<qsizetype>(grab->image.format().stride(grab->image.width())),
+        QImage::Format_RGB32, [](void* owned) { delete static_cast<Grab*>(owned); }, grab);
+}
+
 } // namespace
 
 std::optional<QPixmap> Platform::frozenBackdrop(const Screen& screen)
@@ -69,8 +108,14 @@ std::optional<QPixmap> Platform::frozenBackdrop(const Screen& screen)
         return std::nullopt;
     if (composited() && !isCoveredByBypass(NativeScreen::pixels(*screen.handle)))
         return std::nullopt;
-    QPixmap picture = screen.handle->grabWindow(0);
+    const QRect pixels = NativeScreen::pixels(*screen.handle);
+    QPixmap picture =
+        QPixmap::fromImage(throughMemory({pixels.x(), pixels.y(), pixels.width(), pixels.height()}),
+                           Qt::NoFormatConversion);
+    if (picture.isNull())
+        picture = screen.handle->grabWindow(0);
     if (picture.isNull())
         return std::nullopt;
+    picture.setDevicePixelRatio(screen.handle->devicePixelRatio());
     return picture;
 }
