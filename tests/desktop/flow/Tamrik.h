@@ -59,8 +59,6 @@ public:
 private:
     Tamrik(const Desktop::VirtualDesktop& desktop, std::unique_ptr<Desktop::App> app);
 
-    QList<Desktop::Window> menus() const;
-
     const Desktop::VirtualDesktop& m_desktop;
     std::unique_ptr<Desktop::App> m_app;
 };
