@@ -18,11 +18,12 @@ using PossibleFailure = std::optional<Failure>;
 template <class Value>
 class [[nodiscard]] Result {
 public:
-    Result(Value value)
+    // Implicit, so that a function returns a value or a failure as it is.
+    Result(Value value) // NOLINT(google-explicit-constructor)
         : m_content(std::in_place_index<0>, std::move(value))
     {
     }
-    Result(Failure failure)
+    Result(Failure failure) // NOLINT(google-explicit-constructor)
         : m_content(std::in_place_index<1>, std::move(failure))
     {
     }

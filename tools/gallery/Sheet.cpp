@@ -89,9 +89,9 @@ private:
 /// Fills itself with a gradient or a colour.
 class Swatch : public QWidget {
 public:
-    Swatch(QBrush brush, QRect box, QWidget* parent)
+    Swatch(const QBrush& brush, QRect box, QWidget* parent)
         : QWidget(parent)
-        , m_brush(std::move(brush))
+        , m_brush(brush)
     {
         setGeometry(box);
     }

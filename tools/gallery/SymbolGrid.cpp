@@ -28,7 +28,8 @@ void SymbolGrid::paintEvent(QPaintEvent*)
     for (std::size_t i = 0; i < Symbols::allSymbols.size(); ++i) {
         const Symbols::Symbol symbol = Symbols::allSymbols[i];
         const double x = static_cast<double>(i % columns) * cellWidth;
-        const double y = static_cast<double>(i / columns) * cellHeight;
+        const std::size_t row = i / columns;
+        const double y = static_cast<double>(row) * cellHeight;
         struct Shown {
             double middle;
             double pointSize;

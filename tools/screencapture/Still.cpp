@@ -59,7 +59,7 @@ PossibleFailure takeStill(const Arguments& arguments)
     const Result<X11::RootImage> image = X11::RootImage::grab(*connection, placement->pixels);
     if (!image)
         return image.failure();
-    if (const PossibleFailure failure = (*file)->write(encoded(*image, placement->scale)))
+    if (PossibleFailure failure = (*file)->write(encoded(*image, placement->scale)))
         return failure;
     return (*file)->publish();
 }

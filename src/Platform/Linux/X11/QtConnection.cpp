@@ -83,11 +83,13 @@ std::vector<std::vector<std::uint32_t>> X11::properties32(const std::vector<xcb_
                                                           const char* name)
 {
     std::vector<xcb_get_property_cookie_t> cookies;
+    cookies.reserve(windows.size());
     for (const xcb_window_t window : windows) {
         cookies.push_back(xcb_get_property(qtConnection(), 0, window, atom(name),
                                            XCB_GET_PROPERTY_TYPE_ANY, 0, largestProperty));
     }
     std::vector<std::vector<std::uint32_t>> results;
+    results.reserve(cookies.size());
     for (const xcb_get_property_cookie_t cookie : cookies) {
         const Reply<xcb_get_property_reply_t> reply(
             xcb_get_property_reply(qtConnection(), cookie, nullptr));
