@@ -1,15 +1,11 @@
 #include "SelectionSession.h"
 
 #include "Platform/Application.h"
-#include "Platform/Backdrop.h"
-#include "Platform/Screens.h"
-#include "Platform/WindowTraits.h"
+#include "SelectionOverlay.h"
 #include "SelectionView.h"
 #include "SelectionWindow.h"
 
-#include <QGuiApplication>
 #include <QKeyEvent>
-#include <QScreen>
 
 using namespace std::chrono_literals;
 
@@ -17,17 +13,6 @@ namespace {
 
 /// How long the overlay gets to vanish from the screen before a result is delivered.
 constexpr auto vanishingTime = 180ms;
-
-/// The screen on which the pointer is; the primary one when it is on none, so that an open overlay
-/// always has the keyboard. There is at least one.
-std::size_t indexOfScreenWith(Geometry::Point pointer, const std::vector<Platform::Screen>& screens)
-{
-    for (std::size_t i = 0; i < screens.size(); ++i) {
-        if (screens[i].frame.containsPointer(pointer))
-            return i;
-    }
-    return 0;
-}
 
 } // namespace
 
@@ -38,7 +23,9 @@ std::shared_ptr<SelectionSession> SelectionSession::open(SelectionMode mode, Sel
 {
     std::shared_ptr<SelectionSession> session(
         new SelectionSession(mode, std::move(hooks), std::move(clock), std::move(completion)));
-    session->openWindows();
+    session->m_overlay = std::make_unique<SelectionOverlay>(session, session->m_clock);
+    session->m_overlay->open();
+    Platform::activateIgnoringOthers();
     return session;
 }
 
@@ -53,41 +40,10 @@ SelectionSession::SelectionSession(SelectionMode mode, SelectionHooks hooks, Clo
 
 SelectionSession::~SelectionSession() = default;
 
-void SelectionSession::openWindows()
+const std::vector<std::unique_ptr<SelectionWindow>>& SelectionSession::windows() const
 {
-    const Geometry::Point pointer = Platform::mouseLocation();
-    const auto screens = Platform::screens();
-
-    // Every screen is looked at before the first window covers one.
-    std::vector<std::optional<QPixmap>> backdrops;
-    for (const Platform::Screen& screen : screens)
-        backdrops.push_back(Platform::frozenBackdrop(screen));
-
-    for (std::size_t i = 0; i < screens.size(); ++i) {
-        m_windows.push_back(std::make_unique<SelectionWindow>(screens[i], weak_from_this(),
-                                                              std::move(backdrops[i])));
-        Platform::orderFrontRegardless(*m_windows.back());
-    }
-    if (!m_windows.empty())
-        Platform::makeKey(*m_windows.at(indexOfScreenWith(pointer, screens)));
-    Platform::activateIgnoringOthers();
-    endWhenScreensChange();
-}
-
-void SelectionSession::endWhenScreensChange()
-{
-    m_screensWatch = std::make_unique<QObject>();
-    const auto end = [weak = weak_from_this()] {
-        // The rectangle would name other pixels than those that were selected.
-        if (const auto session = weak.lock())
-            session->finish(std::nullopt);
-    };
-    QObject* const watch = m_screensWatch.get();
-    QObject::connect(qGuiApp, &QGuiApplication::screenAdded, watch, end);
-    QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, watch, end);
-    QObject::connect(qGuiApp, &QGuiApplication::primaryScreenChanged, watch, end);
-    for (const QScreen* screen : QGuiApplication::screens())
-        QObject::connect(screen, &QScreen::geometryChanged, watch, end);
+    static const std::vector<std::unique_ptr<SelectionWindow>> none;
+    return m_overlay ? m_overlay->windows() : none;
 }
 
 SelectionView* SelectionSession::activeView() const
@@ -105,15 +61,9 @@ void SelectionSession::finish(const std::optional<SelectionResult>& result)
     if (m_finished)
         return;
     m_finished = true;
-    m_screensWatch.reset();
     const auto self = shared_from_this();
 
-    for (auto& window : m_windows) {
-        Platform::orderOut(*window);
-        // The end may come from within one of the window's own event handlers.
-        window.release()->deleteLater();
-    }
-    m_windows.clear();
+    m_overlay.reset();
     if (current == self)
         current.reset();
 

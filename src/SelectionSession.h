@@ -3,7 +3,6 @@
 #include "SelectionTypes.h"
 #include "Support/Clock.h"
 
-#include <QObject>
 #include <QPointer>
 
 #include <functional>
@@ -12,6 +11,7 @@
 #include <vector>
 
 QT_FORWARD_DECLARE_CLASS(QKeyEvent)
+class SelectionOverlay;
 class SelectionView;
 class SelectionWindow;
 
@@ -38,7 +38,7 @@ public:
     const SelectionHooks& hooks() const { return m_hooks; }
 
     /// One a screen, in the order of the screens; empty once finished.
-    const std::vector<std::unique_ptr<SelectionWindow>>& windows() const { return m_windows; }
+    const std::vector<std::unique_ptr<SelectionWindow>>& windows() const;
 
     /// The view that holds the selection, if any.
     SelectionView* activeView() const;
@@ -60,17 +60,13 @@ public:
 
 private:
     SelectionSession(SelectionMode mode, SelectionHooks hooks, Clock clock, Completion completion);
-    void openWindows();
-    void endWhenScreensChange();
 
     SelectionMode m_mode;
     SelectionHooks m_hooks;
     Clock m_clock;
     Completion m_completion;
-    std::vector<std::unique_ptr<SelectionWindow>> m_windows;
+    std::unique_ptr<SelectionOverlay> m_overlay; // until finished
     bool m_finished = false;
     QPointer<SelectionView> m_activeView;
     bool m_hadSelection = false;
-    /// Ends our connections to the screens with us.
-    std::unique_ptr<QObject> m_screensWatch;
 };

@@ -87,6 +87,15 @@ void SelectionView::enterAdjusting()
     update();
 }
 
+void SelectionView::detach()
+{
+    const auto session = m_session.lock();
+    if (session && session->activeView() == this)
+        session->setActiveView(nullptr);
+    m_session.reset();
+    clear();
+}
+
 void SelectionView::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton)

@@ -32,6 +32,13 @@ public:
 
     void enterAdjusting();
 
+    /// Moves the view's place in global points; the selection stays where it is in the view.
+    void setScreenOrigin(Geometry::Point origin) { m_screenOrigin = origin; }
+
+    /// Takes the view, which loses its selection, out of its session: nothing that happens to it
+    /// afterwards reaches the session.
+    void detach();
+
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;

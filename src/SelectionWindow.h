@@ -22,11 +22,22 @@ public:
 
     SelectionView& view() const { return *m_view; }
 
+    /// Whether this is the window for `screen`: its own one, where it stood and as it was.
+    bool covers(const Platform::Screen& screen) const;
+
+    /// Tells where the screen's bottom left is in global points; another primary screen moves it.
+    void setScreenOrigin(Geometry::Point origin);
+
+    /// Takes the window and its view out of their session.
+    void detach();
+
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
     std::weak_ptr<SelectionSession> m_session;
+    Platform::Screen m_screen;
+    QRect m_place;         // of the screen on the desktop, Qt's
     SelectionView* m_view; // our child
 };

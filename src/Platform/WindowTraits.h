@@ -28,8 +28,8 @@ void applyTraits(QWidget& window, WindowTraits traits);
 /// Shows `window` on top of its level, whether or not the program is active.
 void orderFrontRegardless(QWidget& window);
 
-/// Gives the keyboard to `window`, which is shown, until it is ordered out. The window of another
-/// program that has the focus keeps it.
+/// Gives the keyboard to `window`, which is shown, until it is ordered out or another window gets
+/// it. The window of another program that has the focus keeps it.
 void makeKey(QWidget& window);
 
 /// Hides `window` at once and gives the keyboard back.

@@ -6,6 +6,9 @@
 #include "Platform/Menus.h"
 
 #include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
 
 namespace {
 
@@ -33,6 +36,15 @@ void FakePlatform::reset()
                           .visibleFrame = {0, 0, 1440, 875},
                           .scale = 1,
                           .handle = QGuiApplication::primaryScreen()}};
+}
+
+void FakePlatform::changeScreens(std::vector<Platform::Screen> now)
+{
+    screens = std::move(now);
+    Q_EMIT qGuiApp->primaryScreenChanged(QGuiApplication::primaryScreen());
+    const auto handles = QGuiApplication::screens();
+    for (QScreen* screen : handles)
+        Q_EMIT screen->geometryChanged(screen->geometry());
 }
 
 void FakePlatform::press(std::uint32_t keyCode, std::uint32_t modifiers)
@@ -77,9 +89,15 @@ void activateIgnoringOthers()
     ++FakePlatform::current().activations;
 }
 
-std::optional<QPixmap> frozenBackdrop(const Screen&)
+std::optional<QPixmap> frozenBackdrop(const Screen& screen)
 {
-    return FakePlatform::current().backdrop;
+    auto& platform = FakePlatform::current();
+    platform.looks.push_back({screen.name, std::any_of(platform.front.begin(), platform.front.end(),
+                                                       [&](const QPointer<QWidget>& window) {
+                                                           return window && window->isVisible() &&
+                                                                  window->screen() == screen.handle;
+                                                       })});
+    return platform.backdrop;
 }
 
 bool preflightScreenCaptureAccess()

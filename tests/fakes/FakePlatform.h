@@ -29,6 +29,15 @@ struct FakePlatform {
         std::uint32_t identifier;
     };
 
+    /// A picture of a screen that the program took.
+    struct Look {
+        QString screen;
+        /// Whether a window of the program was on it.
+        bool showsUs;
+
+        friend bool operator==(const Look&, const Look&) = default;
+    };
+
     // The desktop as the program finds it.
     std::vector<Platform::Screen> screens;
     Geometry::Point mouse;
@@ -47,6 +56,7 @@ struct FakePlatform {
     std::vector<std::uint32_t> askedIdentifiers;
     std::vector<Platform::PasteboardItem> pasteboard;
     std::map<const QWidget*, Platform::WindowTraits> traits;
+    std::vector<Look> looks;
     std::vector<QPointer<QWidget>> front;
     QPointer<QWidget> key;
     std::vector<QPointer<QWidget>> orderedOut;
@@ -60,6 +70,9 @@ struct FakePlatform {
     static FakePlatform& current();
     /// A fresh one: a single screen of 1440 x 900 points.
     static void reset();
+
+    /// Puts other screens in place, and says so as Qt does: more than once.
+    void changeScreens(std::vector<Platform::Screen> now);
 
     /// Presses a registered hot key's keys.
     void press(std::uint32_t keyCode, std::uint32_t modifiers);

@@ -60,7 +60,11 @@ void Platform::orderFrontRegardless(QWidget& window)
 
 void Platform::makeKey(QWidget& window)
 {
-    X11::KeyboardGrab::release(window);
+    // A grab that another window of ours had would end this one when that window goes.
+    static QPointer<QWidget> holder;
+    if (holder)
+        X11::KeyboardGrab::release(*holder);
+    holder = &window;
     new X11::KeyboardGrab(window); // the window owns it
     window.setFocus();
 }
