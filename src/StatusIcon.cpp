@@ -7,6 +7,7 @@
 #include <QPixmap>
 
 #include <array>
+#include <cmath>
 
 namespace {
 
@@ -24,8 +25,8 @@ QPixmap draw(Symbols::Symbol symbol, const QColor& body, int size)
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
 
-    // The rim takes a pixel all round, whatever the size.
-    const double rim = std::max(1.0, size / 22.0);
+    // The rim takes whole pixels all round, so that the edges inside it are sharp.
+    const double rim = std::max(1.0, std::round(size / 22.0));
     const QRectF box(rim, rim, size - 2 * rim, size - 2 * rim);
     painter.strokePath(Symbols::path(symbol, box),
                        QPen(darkRim, 2 * rim, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
