@@ -10,6 +10,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -40,6 +41,8 @@ struct FakePlatform {
     std::vector<Platform::Screen> screens;
     Geometry::Point mouse;
     std::optional<QPixmap> backdrop;
+    /// What becomes of a rectangle measured on a screen; it stays as it is when unset.
+    std::function<Geometry::Rect(Geometry::Rect, const QScreen*)> nameable;
     Platform::CaptureTool tool;
     std::set<std::uint32_t> refusedKeyCodes;
     bool captureAllowed = true;

@@ -69,9 +69,10 @@ Outcome<std::unique_ptr<Tamrik>> Tamrik::start(const Desktop::VirtualDesktop& de
 }
 
 Outcome<std::unique_ptr<Tamrik>> Tamrik::startAndAwaitKeys(const Desktop::VirtualDesktop& desktop,
-                                                           const QString& program)
+                                                           const QString& program,
+                                                           const QMap<QString, QString>& extra)
 {
-    auto tamrik = start(desktop, program);
+    auto tamrik = start(desktop, program, extra);
     if (!tamrik)
         return tamrik;
     const auto ready = Desktop::waitFor(QStringLiteral("the hot keys"), [&]() -> Outcome<void> {

@@ -21,7 +21,8 @@ public:
 
     /// Starts it and waits until it holds all its hot keys.
     static Desktop::Outcome<std::unique_ptr<Tamrik>>
-    startAndAwaitKeys(const Desktop::VirtualDesktop& desktop, const QString& program);
+    startAndAwaitKeys(const Desktop::VirtualDesktop& desktop, const QString& program,
+                      const QMap<QString, QString>& extra = {});
 
     Desktop::App& app() { return *m_app; }
 
