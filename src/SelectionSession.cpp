@@ -1,6 +1,7 @@
 #include "SelectionSession.h"
 
 #include "Platform/Application.h"
+#include "Platform/Screens.h"
 #include "SelectionOverlay.h"
 #include "SelectionView.h"
 #include "SelectionWindow.h"
@@ -77,16 +78,17 @@ void SelectionSession::confirmActiveSelection(bool gif)
 {
     if (!m_activeView)
         return;
-    const auto rect = m_activeView->globalSelectionRect();
-    if (!rect)
+    const auto measured = m_activeView->globalSelectionRect();
+    if (!measured)
         return;
+    const Geometry::Rect rect = Platform::nameable(*measured, m_activeView->screen());
     using Kind = SelectionResult::Kind;
     switch (m_mode) {
     case SelectionMode::screenshot:
-        finish(SelectionResult{Kind::screenshot, *rect});
+        finish(SelectionResult{Kind::screenshot, rect});
         return;
     case SelectionMode::record:
-        finish(SelectionResult{gif ? Kind::recordGIF : Kind::recordVideo, *rect});
+        finish(SelectionResult{gif ? Kind::recordGIF : Kind::recordVideo, rect});
         return;
     }
 }

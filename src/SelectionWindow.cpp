@@ -18,10 +18,8 @@ SelectionWindow::SelectionWindow(const Platform::Screen& screen,
     Platform::applyTraits(*this, {.level = Platform::WindowLevel::ScreenSaver,
                                   .nonActivating = false,
                                   .translucent = !backdrop.has_value()});
-    if (screen.handle) {
-        setScreen(screen.handle);
-        setGeometry(m_place);
-    }
+    if (screen.handle)
+        Platform::coverScreen(*this, *screen.handle);
     m_view = new SelectionView(screen.frame, std::move(session), std::move(backdrop), this);
     m_view->setGeometry(rect());
     setFocusProxy(m_view);

@@ -30,4 +30,9 @@ std::vector<Screen> screens();
 /// two points.
 Geometry::Point mouseLocation();
 
+/// A rectangle in global points that was measured on `screen`, and perhaps runs off it, as the one
+/// that names the same pixels of the desktop. Where frames leave holes between the screens it may
+/// differ.
+Geometry::Rect nameable(Geometry::Rect rect, const QScreen* screen);
+
 } // namespace Platform

@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 
+QT_FORWARD_DECLARE_CLASS(QScreen)
 QT_FORWARD_DECLARE_CLASS(QWidget)
 
 /// What Qt's window flags do not say of the program's panels.
@@ -24,6 +25,10 @@ struct WindowTraits {
 /// Makes `window` a frameless panel that is on every desktop and in no task bar or window switcher.
 /// Call once, before it is first shown.
 void applyTraits(QWidget& window, WindowTraits traits);
+
+/// Puts `window`, which is not yet shown, over the whole of a screen and over no pixel of another
+/// one.
+void coverScreen(QWidget& window, QScreen& screen);
 
 /// Shows `window` on top of its level, whether or not the program is active.
 void orderFrontRegardless(QWidget& window);

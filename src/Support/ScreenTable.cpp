@@ -185,14 +185,50 @@ struct Axis {
     }
 };
 
-PixelEdges throughScreen(const TopLeftRect& points, const Screen& screen)
+/// A pixel edge on the nearest whole point along one axis of one screen.
+double pointEdge(const Axis& axis, std::int32_t edge)
+{
+    if (edge == axis.farPixelEdge)
+        return axis.farEdge;
+    return axis.nearEdge + std::round((edge - axis.nearPixelEdge) / axis.scale);
+}
+
+Axis xAxis(const Screen& screen)
 {
     const PixelEdges pixels = edgesOf(screen.pixels);
-    const TopLeftRect& frame = screen.frame;
-    const Axis x{frame.x, frame.right(), pixels.left, pixels.right, screen.scale};
-    const Axis y{frame.y, frame.bottom(), pixels.top, pixels.bottom, screen.scale};
+    return {screen.frame.x, screen.frame.right(), pixels.left, pixels.right, screen.scale};
+}
+
+Axis yAxis(const Screen& screen)
+{
+    const PixelEdges pixels = edgesOf(screen.pixels);
+    return {screen.frame.y, screen.frame.bottom(), pixels.top, pixels.bottom, screen.scale};
+}
+
+PixelEdges throughScreen(const TopLeftRect& points, const Screen& screen)
+{
+    const Axis x = xAxis(screen);
+    const Axis y = yAxis(screen);
     return {x.pixelEdge(points.x), y.pixelEdge(points.y), x.pixelEdge(points.right()),
             y.pixelEdge(points.bottom())};
+}
+
+/// The rectangle whose edges are the whole points of a screen nearest to these.
+TopLeftRect wholePoints(const PixelEdges& edges, const Screen& screen)
+{
+    const Axis x = xAxis(screen);
+    const Axis y = yAxis(screen);
+    const double left = pointEdge(x, edges.left);
+    const double top = pointEdge(y, edges.top);
+    return {left, top, pointEdge(x, edges.right) - left, pointEdge(y, edges.bottom) - top};
+}
+
+std::int64_t sharedPixels(const PixelEdges& a, const PixelEdges& b)
+{
+    const PixelEdges shared = intersection(a, b);
+    if (shared.isEmpty())
+        return 0;
+    return (std::int64_t{shared.right} - shared.left) * (std::int64_t{shared.bottom} - shared.top);
 }
 
 /// The smallest rectangle around what of `edges` lies on any screen; empty when nothing does.
@@ -266,6 +302,27 @@ std::optional<Placement> place(TopLeftRect points, const std::vector<Screen>& sc
         return std::nullopt;
     return Placement{{edges.left, edges.top, edges.right - edges.left, edges.bottom - edges.top},
                      screen->scale};
+}
+
+TopLeftRect placeable(TopLeftRect points, const Screen& measuredOn,
+                      const std::vector<Screen>& screens)
+{
+    if (!isUsable(measuredOn) || screenWithMostOf(points, screens) == &measuredOn)
+        return points;
+    const PixelEdges edges = throughScreen(points, measuredOn);
+    TopLeftRect best = points;
+    std::int64_t mostPixels = 0;
+    for (const Screen& screen : screens) {
+        if (!isUsable(screen))
+            continue;
+        const TopLeftRect candidate = wholePoints(edges, screen);
+        const std::int64_t pixels = sharedPixels(edges, edgesOf(screen.pixels));
+        if (pixels > mostPixels && screenWithMostOf(candidate, screens) == &screen) {
+            mostPixels = pixels;
+            best = candidate;
+        }
+    }
+    return best;
 }
 
 } // namespace ScreenTable

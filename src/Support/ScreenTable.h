@@ -69,4 +69,15 @@ struct Placement {
 /// pixel.
 std::optional<Placement> place(Geometry::TopLeftRect points, const std::vector<Screen>& screens);
 
+/// A rectangle that was measured in points on one screen, and perhaps runs off it, as one that
+/// `place` maps to the same pixels. `measuredOn` is one of `screens`.
+///
+/// It is `points` itself whenever `place` maps that through the same screen. Otherwise, where
+/// frames leave holes between the screens, its edges are the nearest whole points of the screen
+/// that holds most of the pixels and through which `place` maps it then. Between screens of
+/// different scales there may be none, for a rectangle that covers about half of both; it stays as
+/// it is.
+Geometry::TopLeftRect placeable(Geometry::TopLeftRect points, const Screen& measuredOn,
+                                const std::vector<Screen>& screens);
+
 } // namespace ScreenTable

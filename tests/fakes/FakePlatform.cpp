@@ -181,6 +181,18 @@ Geometry::Point mouseLocation()
     return FakePlatform::current().mouse;
 }
 
+Geometry::Rect nameable(Geometry::Rect rect, const QScreen* screen)
+{
+    const auto& answer = FakePlatform::current().nameable;
+    return answer ? answer(rect, screen) : rect;
+}
+
+void coverScreen(QWidget& window, QScreen& screen)
+{
+    window.setScreen(&screen);
+    window.setGeometry(screen.geometry());
+}
+
 void applyTraits(QWidget& window, WindowTraits traits)
 {
     FakePlatform::current().traits[&window] = traits;

@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -42,6 +43,8 @@ struct FakePlatform {
     std::vector<Platform::Screen> screens;
     Geometry::Point mouse;
     std::optional<QPixmap> backdrop;
+    /// What becomes of a rectangle measured on a screen; it stays as it is when unset.
+    std::function<Geometry::Rect(Geometry::Rect, const QScreen*)> nameable;
     Platform::CaptureTool tool;
     std::set<std::uint32_t> refusedKeyCodes;
     bool captureAllowed = true;

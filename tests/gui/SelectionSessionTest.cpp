@@ -209,6 +209,18 @@ TEST_F(SelectionSessionTest, ADragMayRunOffItsScreen)
     EXPECT_EQ(results, only(Kind::screenshot, {1400, 700, 100, 100}));
 }
 
+TEST_F(SelectionSessionTest, ThePlatformNamesTheRectangleThatWasMeasuredOnAScreen)
+{
+    QScreen* const b = FakePlatform::current().screens[1].handle;
+    FakePlatform::current().nameable = [b](Geometry::Rect rect, const QScreen* screen) {
+        return screen == b ? rect.translated(0.5, 7) : Geometry::Rect();
+    };
+    open(SelectionMode::screenshot);
+    drag(view(1), {100, 600}, {150, 650});
+    clock.advance(180ms);
+    EXPECT_EQ(results, only(Kind::screenshot, {1540.5, 257, 50, 50}));
+}
+
 TEST_F(SelectionSessionTest, WithoutScreensItStaysOpen)
 {
     FakePlatform::current().screens.clear();

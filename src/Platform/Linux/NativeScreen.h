@@ -1,6 +1,11 @@
 #pragma once
 
+#include "Support/ScreenTable.h"
+
+#include <QList>
 #include <QRect>
+
+#include <vector>
 
 QT_FORWARD_DECLARE_CLASS(QScreen)
 
@@ -13,5 +18,12 @@ QRect pixels(const QScreen& screen);
 /// A part of the screen's pixels in Qt's desktop coordinates. Qt keeps each screen's native origin
 /// and divides only what lies beyond it by the scale.
 QRectF logical(const QScreen& screen, QRect nativePart);
+
+/// Qt's screens, the primary one first.
+QList<QScreen*> primaryFirst();
+
+/// They as the capture tool is told of them, in the same order: points from the top left of the
+/// primary screen.
+std::vector<ScreenTable::Screen> table();
 
 } // namespace NativeScreen

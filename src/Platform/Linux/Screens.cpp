@@ -3,6 +3,7 @@
 #include "Platform/Linux/NativeScreen.h"
 #include "Platform/Linux/QtGeometry.h"
 #include "Platform/Linux/X11/Struts.h"
+#include "Support/ScreenTable.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -29,15 +30,6 @@ QRectF visibleGeometry(const QScreen& screen, const X11::Reserved& reserved)
     return NativeScreen::logical(screen, visible) & QRectF(screen.geometry());
 }
 
-QList<QScreen*> primaryFirst()
-{
-    QList<QScreen*> screens = QGuiApplication::screens();
-    QScreen* primary = QGuiApplication::primaryScreen();
-    if (primary && screens.removeOne(primary))
-        screens.prepend(primary);
-    return screens;
-}
-
 } // namespace
 
 std::vector<Platform::Screen> Platform::screens()
@@ -45,7 +37,8 @@ std::vector<Platform::Screen> Platform::screens()
     std::vector<Screen> result;
     const Geometry::Flip flip = desktopFlip();
     const X11::Reserved reserved = X11::reserved();
-    for (QScreen* screen : primaryFirst()) {
+    const QList<QScreen*> all = NativeScreen::primaryFirst();
+    for (QScreen* screen : all) {
         result.push_back({
             .name = screen->name(),
             .frame = flip.bottomLeftFromTopLeft(topLeftRect(screen->geometry())),
@@ -72,4 +65,17 @@ Geometry::Point Platform::mouseLocation()
         }
     }
     return desktopFlip().bottomLeftFromTopLeft(Geometry::TopLeftPoint{p.x(), p.y()});
+}
+
+Geometry::Rect Platform::nameable(Geometry::Rect rect, const QScreen* screen)
+{
+    const auto table = NativeScreen::table();
+    const auto index = NativeScreen::primaryFirst().indexOf(screen);
+    if (index < 0)
+        return rect;
+    // The table's points count from the top left of the primary screen.
+    const Geometry::TopLeftRect& primary = table.front().frame;
+    const Geometry::Flip flip({0, 0, primary.width, primary.height});
+    return flip.bottomLeftFromTopLeft(ScreenTable::placeable(
+        flip.topLeftFromBottomLeft(rect), table[static_cast<std::size_t>(index)], table));
 }

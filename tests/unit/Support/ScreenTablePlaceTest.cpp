@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 #include <ostream>
 
@@ -35,6 +37,51 @@ Screen screenAt(PixelRect pixels, double scale = 1, const char* name = "S")
              std::round(pixels.width / scale), std::round(pixels.height / scale)},
             pixels,
             scale};
+}
+
+/// The pixels that a rectangle means when it goes through one screen, wherever they are.
+PixelRect throughOnly(const Screen& screen, const TopLeftRect& points)
+{
+    const auto x = [&](double edge) {
+        return static_cast<int>(
+            std::round(screen.pixels.x + (edge - screen.frame.x) * screen.scale));
+    };
+    const auto y = [&](double edge) {
+        return static_cast<int>(
+            std::round(screen.pixels.y + (edge - screen.frame.y) * screen.scale));
+    };
+    return {x(points.x), y(points.y), x(points.right()) - x(points.x),
+            y(points.bottom()) - y(points.y)};
+}
+
+/// The smallest rectangle around what of `pixels` lies on the screens.
+PixelRect onScreens(const PixelRect& pixels, const Screens& screens)
+{
+    int left = pixels.x + pixels.width;
+    int top = pixels.y + pixels.height;
+    int right = pixels.x;
+    int bottom = pixels.y;
+    for (const Screen& screen : screens) {
+        const int l = std::max(pixels.x, screen.pixels.x);
+        const int t = std::max(pixels.y, screen.pixels.y);
+        const int r = std::min(pixels.x + pixels.width, screen.pixels.x + screen.pixels.width);
+        const int b = std::min(pixels.y + pixels.height, screen.pixels.y + screen.pixels.height);
+        if (l >= r || t >= b)
+            continue;
+        left = std::min(left, l);
+        top = std::min(top, t);
+        right = std::max(right, r);
+        bottom = std::max(bottom, b);
+    }
+    return {left, top, right - left, bottom - top};
+}
+
+/// How far apart the edges of two rectangles are that are farthest apart.
+int farthestEdges(const PixelRect& a, const PixelRect& b)
+{
+    return std::max({std::abs(a.x - b.x), std::abs(a.y - b.y),
+                     std::abs(a.x + a.width - b.x - b.width),
+                     std::abs(a.y + a.height - b.y - b.height)});
 }
 
 std::optional<PixelRect> pixelsOf(TopLeftRect points, const Screens& screens)
@@ -146,6 +193,73 @@ TEST(ScreenTablePlace, MixedScalesGoThroughTheScreenThatHoldsMost)
     EXPECT_EQ(place({900, 0, 1080, 100}, screens)->scale, 2);
     const Screens swapped{screens[1], screens[0]};
     EXPECT_EQ(place({900, 0, 1080, 100}, swapped)->scale, 1);
+}
+
+TEST(ScreenTablePlace, WhatRunsOffItsScreenNamesThePixelsThatItsScreenMeant)
+{
+    // At 1.25 the left screen, 1000 pixels wide, is 800 points: there is a hole up to 1000.
+    const Screens screens{screenAt({0, 0, 1000, 800}, 1.25), screenAt({1000, 0, 1000, 800}, 1.25)};
+    // 100 points on the left one, run off to the right by 600: pixels 875 to 1750.
+    const TopLeftRect measured{700, 40, 700, 80};
+    EXPECT_EQ(pixelsOf(measured, screens), (PixelRect{625, 50, 875, 100})); // through the wrong one
+    const TopLeftRect named = ScreenTable::placeable(measured, screens[0], screens);
+    EXPECT_EQ(pixelsOf(named, screens), (PixelRect{875, 50, 875, 100}));
+    EXPECT_EQ(named, (TopLeftRect{900, 40, 700, 80}));
+    // What place maps through the same screen stays as it is.
+    const TopLeftRect within{700, 40, 150, 80};
+    EXPECT_EQ(ScreenTable::placeable(within, screens[0], screens), within);
+    EXPECT_EQ(ScreenTable::placeable(measured, screens[1], screens), measured);
+}
+
+TEST(ScreenTablePlace, WhateverIsMeasuredAcrossScreensIsNamedToWithinHalfAPoint)
+{
+    const double scales[] = {1, 1.25, 1.5, 2};
+    const PixelRect primary{0, 0, 1000, 750};
+    const PixelRect seconds[] = {
+        {1000, 37, 701, 533}, {-701, -37, 701, 533}, {83, 750, 701, 533}, {83, -533, 701, 533}};
+    int all = 0;
+    int renamed = 0;
+    int missed = 0;
+    for (const PixelRect& second : seconds) {
+        for (int i = 0; i < 2 * 4 * 4; ++i) {
+            const Screens screens{screenAt(primary, scales[i / 4 % 4]),
+                                  screenAt(second, scales[i % 4])};
+            const Screen& on = screens[i < 16 ? 0 : 1];
+            const Screen& other = screens[i < 16 ? 1 : 0];
+            // Drags from all over the one screen to all over the other one.
+            for (int step = 0; step < 10000; ++step) {
+                const auto part = [step](int digit) { return (step / digit % 10 + 0.5) / 10; };
+                const double x = std::round(on.frame.width * part(1));
+                const double y = std::round(on.frame.height * part(10));
+                const double toX = std::round(
+                    (other.pixels.x - on.pixels.x + other.pixels.width * part(100)) / on.scale);
+                const double toY = std::round(
+                    (other.pixels.y - on.pixels.y + other.pixels.height * part(1000)) / on.scale);
+                const TopLeftRect measured{on.frame.x + std::min(x, toX),
+                                           on.frame.y + std::min(y, toY), std::abs(toX - x),
+                                           std::abs(toY - y)};
+                if (measured.width < 8 || measured.height < 8)
+                    continue;
+                const PixelRect meant = onScreens(throughOnly(on, measured), screens);
+                const TopLeftRect named = ScreenTable::placeable(measured, on, screens);
+                const std::optional<Placement> placed = place(named, screens);
+                ASSERT_TRUE(placed);
+                // Half a point of the screen that holds most, and each rounding's half a pixel.
+                const double most = named == measured ? 0 : placed->scale / 2 + 1;
+                ++all;
+                renamed += named == measured ? 0 : 1;
+                EXPECT_EQ(named.x, std::round(named.x));
+                EXPECT_EQ(named.width, std::round(named.width));
+                if (farthestEdges(placed->pixels, meant) <= most)
+                    continue;
+                ++missed;
+                EXPECT_NE(on.scale, other.scale);
+            }
+        }
+    }
+    EXPECT_GT(renamed, all / 10);
+    // Between screens of different scales a few have no name at all: those that cover half of both.
+    EXPECT_LT(missed, all / 1000);
 }
 
 TEST(ScreenTablePlace, LShapedDesktopsAreCutToTheirBox)

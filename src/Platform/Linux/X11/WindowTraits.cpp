@@ -1,10 +1,14 @@
 #include "Platform/WindowTraits.h"
 
+#include "Platform/Linux/NativeScreen.h"
 #include "Platform/Linux/X11/KeyboardGrab.h"
 #include "Platform/Linux/X11/QtConnection.h"
 
 #include <QPointer>
+#include <QScreen>
 #include <QWidget>
+#include <QWindow>
+#include <qpa/qplatformwindow.h>
 
 #include <vector>
 
@@ -42,6 +46,16 @@ void Platform::applyTraits(QWidget& window, WindowTraits traits)
     window.setAttribute(Qt::WA_AlwaysShowToolTips);
     window.setAttribute(Qt::WA_TranslucentBackground, traits.translucent);
     window.setProperty(levelProperty, static_cast<int>(traits.level));
+}
+
+void Platform::coverScreen(QWidget& window, QScreen& screen)
+{
+    window.setScreen(&screen);
+    window.setGeometry(screen.geometry());
+    // Qt rounds the screen to whole points and the window from there to pixels, which under a scale
+    // makes it a pixel too large or too small.
+    window.winId();
+    window.windowHandle()->handle()->setGeometry(NativeScreen::pixels(screen));
 }
 
 void Platform::orderFrontRegardless(QWidget& window)
