@@ -175,7 +175,9 @@ Point SelectionView::pointFrom(const QMouseEvent& event) const
         const bool onLastPoint = position >= extent - 1 && position < extent;
         return onLastPoint ? static_cast<double>(extent) : std::round(position);
     };
-    const QPointF p = event.position();
+    // In the window, which the view fills: Qt takes position() through global coordinates, and is
+    // up to a point off where they have holes, beyond the screen's edge.
+    const QPointF p = event.scenePosition();
     return flip().bottomLeftFromTopLeft(
         Geometry::TopLeftPoint{snapped(p.x(), width()), snapped(p.y(), height())});
 }

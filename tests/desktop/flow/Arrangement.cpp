@@ -61,6 +61,6 @@ Expected Arrangement::selected(const ArrangedScreen& on, QPoint from, QPoint to)
         largest = std::max(largest, screen.scale);
     }
     if (expected.scales.size() > 1 && largest > 1)
-        expected.tolerance = static_cast<int>(std::ceil(largest));
+        expected.tolerance = static_cast<int>(std::ceil(largest / 2));
     return expected;
 }

@@ -44,8 +44,8 @@ struct Expected {
 ///    the last point its far edge;
 ///  - a rectangle goes through one screen, the one it was dragged on; each edge is rounded by
 ///    itself, halves away from zero, and an edge on the screen's far edge is its far pixel edge;
-///  - one that runs onto another screen may have its edges on whole points of that one instead,
-///    and beyond its own screen Qt knows the pointer to a point only: up to a point off;
+///  - one that runs onto another screen may have its edges on whole points of that one instead: up
+///    to half a point off;
 ///  - what lies off all screens is cut away.
 class Arrangement {
 public:

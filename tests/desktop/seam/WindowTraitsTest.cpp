@@ -96,6 +96,22 @@ TEST_F(WindowTraitsTest, AKeyPanelGetsTheKeysAndTheUsersWindowKeepsItsFocus)
         << "the keyboard was not given back";
 }
 
+TEST_F(WindowTraitsTest, TheKeyboardOutlivesThePanelThatHadItBefore)
+{
+    KeyPanel former;
+    former.setGeometry(100, 100, 300, 200);
+    for (KeyPanel* each : {&former, &panel}) {
+        Platform::applyTraits(*each, {.level = Platform::WindowLevel::ScreenSaver});
+        Platform::orderFrontRegardless(*each);
+        Platform::makeKey(*each);
+        ASSERT_TRUE(runUntil([each] { return each->windowHandle()->isExposed(); }));
+    }
+    Platform::orderOut(former);
+    xdotool(QStringLiteral("key Escape"));
+    EXPECT_TRUE(runUntil([this] { return panel.keys.contains(Qt::Key_Escape); }));
+    EXPECT_EQ(other.focus(), userFocus);
+}
+
 TEST_F(WindowTraitsTest, ANonActivatingPanelTakesNoFocusWhenClicked)
 {
     Platform::applyTraits(panel, {.nonActivating = true});
