@@ -5,15 +5,30 @@
 
 #include <unistd.h>
 
+namespace {
+
+/// A display number that no other process picks: the next free one, which servers take by
+/// themselves, may be somebody else's the moment that a server of ours is gone, while clients still
+/// look for it.
+int ownDisplayNumber()
+{
+    constexpr int perProcess = 10;
+    static int used = 0;
+    return 1000 + getpid() % 5000 * perProcess + used++ % perProcess;
+}
+
+} // namespace
+
 XServer::XServer(const std::string& screen, const std::vector<std::string>& options)
 {
-    // Through this the server says which display number it has found free, once it is ready. Its
-    // writing end has to survive the exec, so it is not close-on-exec.
+    // Through this the server says its display number once it is ready. Its writing end has to
+    // survive the exec, so it is not close-on-exec.
     int ends[2];
     if (pipe(ends) != 0)
         throw std::runtime_error("no pipe for Xvfb");
-    Command command{{"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0", screen,
-                     "-nolisten", "tcp", "-noreset"},
+    Command command{{"Xvfb", ':' + std::to_string(ownDisplayNumber()), "-displayfd",
+                     std::to_string(ends[1]), "-screen", "0", screen, "-nolisten", "tcp",
+                     "-noreset"},
                     {}};
     command.words.insert(command.words.end(), options.begin(), options.end());
     m_process = std::make_unique<ChildProcess>(command);
