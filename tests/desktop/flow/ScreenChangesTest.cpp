@@ -8,8 +8,6 @@
 #include "desktop/harness/Input.h"
 #include "desktop/harness/PatternedBackground.h"
 
-#include <QFile>
-
 #include <gtest/gtest.h>
 
 using namespace Desktop;
@@ -102,6 +100,18 @@ protected:
         ASSERT_TRUE(succeeded(input().moveTo(on.pixels.center())));
     }
 
+    /// Ends the drag that was begun on the first screen at its last pixel.
+    void endDragOnFirst()
+    {
+        ASSERT_TRUE(succeeded(input().moveTo(first.pixels.bottomRight())));
+        ASSERT_TRUE(succeeded(input().release()));
+        const Arrangement arrangement({first});
+        const auto place = PatternedBackground::placeOf(
+            CaptureChecks(*desktop, *tamrik, arrangement).takePicture());
+        ASSERT_TRUE(succeeded(place));
+        EXPECT_EQ(*place, QRect(QPoint(50, 60), first.pixels.bottomRight()));
+    }
+
     static inline std::unique_ptr<VirtualDesktop> desktop;
     std::unique_ptr<Tamrik> tamrik;
 };
@@ -129,14 +139,7 @@ TEST_F(ScreenChanges, ADragGoesOnWhenTheOtherScreenGoes)
     beginDrag(first);
     ASSERT_TRUE(succeeded(monitors().remove(second.name)));
     expectOverlay({first});
-    ASSERT_TRUE(succeeded(input().moveTo(first.pixels.bottomRight())));
-    ASSERT_TRUE(succeeded(input().release()));
-    const auto path = tamrik->awaitCapture(1);
-    ASSERT_TRUE(succeeded(path));
-    const auto place = PatternedBackground::placeOf(QImage(*path));
-    ASSERT_TRUE(QFile::remove(*path));
-    ASSERT_TRUE(succeeded(place));
-    EXPECT_EQ(*place, QRect(QPoint(50, 60), first.pixels.bottomRight()));
+    endDragOnFirst();
 }
 
 TEST_F(ScreenChanges, AScreenOfAnotherSizeIsCoveredAfresh)
@@ -165,14 +168,7 @@ TEST_F(ScreenChanges, ADragNamesTheSamePixelsUnderAnotherPrimary)
     beginDrag(first);
     replaceSecond({second.name, second.pixels, true});
     expectOverlay({first, second});
-    ASSERT_TRUE(succeeded(input().moveTo(first.pixels.bottomRight())));
-    ASSERT_TRUE(succeeded(input().release()));
-    const auto path = tamrik->awaitCapture(1);
-    ASSERT_TRUE(succeeded(path));
-    const auto place = PatternedBackground::placeOf(QImage(*path));
-    ASSERT_TRUE(QFile::remove(*path));
-    ASSERT_TRUE(succeeded(place));
-    EXPECT_EQ(*place, QRect(QPoint(50, 60), first.pixels.bottomRight()));
+    endDragOnFirst();
 }
 
 TEST_F(ScreenChanges, TheKeyboardGoesToTheScreenThatStays)
