@@ -110,13 +110,25 @@ Outcome<void> CaptureChecks::awaitShown(const ArrangedScreen& on, const Expected
     });
 }
 
-void CaptureChecks::expectPicture(const Expected& expected)
+QImage CaptureChecks::takePicture()
 {
     const auto path = m_tamrik.awaitCapture(1);
-    ASSERT_TRUE(succeeded(path));
+    EXPECT_TRUE(succeeded(path));
+    if (!path)
+        return {};
+    // It writes its preferences last, and must not be ended while it holds their lock.
+    EXPECT_TRUE(succeeded(waitUntil(QStringLiteral("the picture to be the last one"), [&] {
+        return m_tamrik.preferences().value(QStringLiteral("lastCapturePath")) == *path;
+    })));
     const QImage picture(*path);
     // Two in a second have the same name.
-    ASSERT_TRUE(QFile::remove(*path));
+    EXPECT_TRUE(QFile::remove(*path));
+    return picture;
+}
+
+void CaptureChecks::expectPicture(const Expected& expected)
+{
+    const QImage picture = takePicture();
     const auto place = PatternedBackground::placeOf(picture);
     ASSERT_TRUE(succeeded(place));
     EXPECT_LE(farthestEdges(*place, expected.saved), expected.tolerance)

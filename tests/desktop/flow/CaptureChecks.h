@@ -3,6 +3,8 @@
 #include "desktop/flow/Arrangement.h"
 #include "desktop/flow/Tamrik.h"
 
+#include <QImage>
+
 /// Takes pictures on a desktop with a PatternedBackground, as a user does, and checks them.
 class CaptureChecks {
 public:
@@ -21,6 +23,9 @@ public:
 
     /// The same with an overlay that is open.
     void expectDragIsSaved(const ArrangedScreen& on, QPoint from, QPoint to);
+
+    /// Takes the newest picture away, once the program is done with it; null when there is none.
+    QImage takePicture();
 
     /// Waits until the overlay covers just the screens.
     Desktop::Outcome<void> awaitOverlayOnAll() const;
