@@ -87,7 +87,7 @@ def measure_rest(report, tray, seconds):
             note(name, "after its start", rest(program, seconds))
             if name == "Tamrik":
                 capture(desktop)
-                note(name, "after a capture of 1920 x 1080", rest(program, seconds))
+                note(name, "after a capture of 1900 x 1000", rest(program, seconds))
     report.say(f"## at rest for {seconds} s, {TRAYS[tray]}\n")
     report.say(table(["program", "context switches", "RSS MB", "PSS MB", "anonymous MB"], rows))
     report.say()

@@ -81,9 +81,7 @@ void AppDelegate::applicationDidFinishLaunching(Platform::SingleInstance& instan
 
 void AppDelegate::applicationStartedAgain()
 {
-    // A selection has the keyboard and the mouse.
-    if (!SelectionSession::current)
-        m_statusMenu->popUp();
+    m_statusMenu->popUp();
 }
 
 void AppDelegate::setupStatusItem()
@@ -97,6 +95,7 @@ void AppDelegate::setupStatusItem()
                            .toggleCamera = [this] { toggleCamera(); },
                            .toggleMic = [this] { toggleMic(); },
                            .hasLastCapture = [this] { return lastCaptureURL().has_value(); },
+                           .mayPopUp = [] { return !SelectionSession::current; },
                            .chipPositionChanged =
                                [this] {
                                    if (m_subsystems.chips.layout)

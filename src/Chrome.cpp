@@ -2,6 +2,7 @@
 
 #include <QFontInfo>
 #include <QFontMetricsF>
+#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 
@@ -152,7 +153,9 @@ void drawPill(QPainter& painter, const Geometry::Flip& flip, const QString& text
 
 void loadFont()
 {
+    // Letters are kept for the scale that they were drawn at.
     QImage canvas(1, 1, QImage::Format_RGB32);
+    canvas.setDevicePixelRatio(qGuiApp->devicePixelRatio());
     QPainter painter(&canvas);
     drawPill(painter, Geometry::Flip({0, 0, 1, 1}),
              QStringLiteral("Drag to select capture area  ·  Esc to cancel 0123456789 ×"), {},

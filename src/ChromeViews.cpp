@@ -9,7 +9,7 @@ namespace {
 
 constexpr double hairline = 1;
 
-/// Inset so that a stroke of one point along the edge falls on whole pixels.
+/// Inset so that a stroke of one point lies within the widget: on whole pixels at whole scales.
 QRectF strokedBox(const QWidget& view)
 {
     return QRectF(view.rect()).adjusted(0.5, 0.5, -0.5, -0.5);

@@ -52,7 +52,7 @@ void SelectionOverlay::open()
 void SelectionOverlay::watch(const QScreen* screen)
 {
     connect(screen, &QScreen::geometryChanged, this, &SelectionOverlay::followScreens);
-    // So does a change of the scale come.
+    // These two tell of a change of the scale.
     connect(screen, &QScreen::logicalDotsPerInchChanged, this, &SelectionOverlay::followScreens);
     connect(screen, &QScreen::physicalDotsPerInchChanged, this, &SelectionOverlay::followScreens);
 }

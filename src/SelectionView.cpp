@@ -216,7 +216,7 @@ void SelectionView::paintEvent(QPaintEvent* event)
     if (m_backdrop) {
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         for (const QRect& part : event->region()) {
-            const double scale = m_backdrop->devicePixelRatio();
+            const double scale = devicePixelRatioF();
             const QRectF source(part.x() * scale, part.y() * scale, part.width() * scale,
                                 part.height() * scale);
             painter.drawPixmap(QRectF(part), *m_backdrop, source);

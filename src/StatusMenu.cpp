@@ -122,7 +122,7 @@ void StatusMenu::show()
 
 void StatusMenu::popUp()
 {
-    Platform::popUpAtPointer(m_menu);
+    Platform::popUpAtPointer(m_menu, m_commands.mayPopUp);
 }
 
 void StatusMenu::setRecording(bool recording)

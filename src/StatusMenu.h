@@ -24,6 +24,8 @@ public:
         std::function<void()> toggleMic;
         /// Whether there is a last capture to annotate.
         std::function<bool()> hasLastCapture;
+        /// Whether the menu may open at the pointer: not while a selection has keyboard and mouse.
+        std::function<bool()> mayPopUp;
         /// The place of the thumbnails was changed and stored.
         std::function<void()> chipPositionChanged;
     };
@@ -35,7 +37,7 @@ public:
     /// Puts the item into the status area; it appears as soon as the desktop has one.
     void show();
 
-    /// Opens the menu where the pointer is; does nothing while it is open.
+    /// Opens the menu where the pointer is, as soon as it may; does nothing while it is open.
     void popUp();
 
     void setRecording(bool recording);

@@ -4,6 +4,7 @@
 #include <QPainterPathStroker>
 #include <QTransform>
 
+#include <algorithm>
 #include <vector>
 
 namespace {

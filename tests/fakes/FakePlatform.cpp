@@ -161,8 +161,10 @@ PossibleFailure disableLoginItem()
     return std::nullopt;
 }
 
-void popUpAtPointer(QMenu& menu)
+void popUpAtPointer(QMenu& menu, std::function<bool()> isWanted)
 {
+    if (!isWanted())
+        return;
     FakePlatform::current().poppedUp.push_back(&menu);
 }
 

@@ -33,6 +33,7 @@ protected:
                                                 .toggleCamera = note("toggleCamera"),
                                                 .toggleMic = note("toggleMic"),
                                                 .hasLastCapture = [this] { return hasLastCapture; },
+                                                .mayPopUp = [] { return true; },
                                                 .chipPositionChanged = note("chipPositionChanged"),
                                             });
     }

@@ -13,7 +13,7 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     const QStringList arguments = QApplication::arguments();
     const double scale = arguments.size() == 3 ? arguments[2].toDouble() : 0;
-    if (scale < 1 || scale > 8) {
+    if (!(scale >= 1 && scale <= 8)) { // nor not a number
         QTextStream(stderr) << "Usage: gallery FILE SCALE\n\n"
                                "Writes the sheet to FILE (PNG) at SCALE pixels a point, 1 to 8.\n";
         return 2;

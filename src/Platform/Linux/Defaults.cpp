@@ -1,6 +1,7 @@
 #include "Platform/Defaults.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStandardPaths>
@@ -54,11 +55,22 @@ QSettings::Format jsonFormat()
     return format;
 }
 
+/// QSettings holds a lock file while it writes, which names its process. One that names nobody is
+/// what a process left that was killed as it made the file; every write would wait for half a
+/// minute before it takes such a lock away.
+void removeEmptyLock(const QString& path)
+{
+    const QFileInfo lock(path);
+    if (lock.isFile() && lock.size() == 0)
+        QFile::remove(path);
+}
+
 } // namespace
 
 std::unique_ptr<QSettings> Platform::openDefaults()
 {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    return std::make_unique<QSettings>(folder + QStringLiteral("/tamrik/preferences.json"),
-                                       jsonFormat());
+    const QString path = folder + QStringLiteral("/tamrik/preferences.json");
+    removeEmptyLock(path + QStringLiteral(".lock"));
+    return std::make_unique<QSettings>(path, jsonFormat());
 }

@@ -22,8 +22,8 @@ QRectF logical(const QScreen& screen, QRect nativePart);
 /// Qt's screens, the primary one first.
 QList<QScreen*> primaryFirst();
 
-/// They as the capture tool is told of them, in the same order: points from the top left of the
-/// primary screen.
+/// The same screens as the capture tool is told of them: points from the top left of the primary
+/// screen.
 std::vector<ScreenTable::Screen> table();
 
 } // namespace NativeScreen

@@ -15,10 +15,13 @@
 #include <xcb/xcb.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
+#include <thread>
 #include <vector>
 
 using namespace Desktop;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -261,6 +264,26 @@ TEST_F(SecondStart, WhileTheKeyIsDownThatDidItTheMenuWaitsForTheKeyboard)
     ASSERT_TRUE(succeeded(input().key(QStringLiteral("Down"))));
     ASSERT_TRUE(succeeded(input().key(QStringLiteral("Return"))));
     EXPECT_TRUE(succeeded(tamrik->awaitOverlay()));
+}
+
+TEST_F(SecondStart, AMenuThatWaitsGivesWayToASelection)
+{
+    const auto terminal = openTerminal(*desktop, QStringLiteral("Notes"), desktop->home() + QStringLiteral("/typed"));
+    ASSERT_TRUE(succeeded(terminal));
+    launch();
+    // The terminal has the pointer while the button is down, so the menu waits for it.
+    ASSERT_TRUE(succeeded(input().moveTo(terminal->window.geometry.center())));
+    ASSERT_TRUE(succeeded(input().press()));
+    ASSERT_TRUE(succeeded(tamrik->startAgain(program())));
+    ASSERT_TRUE(succeeded(tamrik->pressCaptureKey()));
+    EXPECT_FALSE(tamrik->menuIsOpen());
+    ASSERT_TRUE(succeeded(input().release()));
+    // Longer than the menu waits between two looks. It must neither open nor take the keyboard.
+    std::this_thread::sleep_for(200ms);
+    EXPECT_FALSE(tamrik->menuIsOpen());
+    ASSERT_TRUE(succeeded(input().key(QStringLiteral("Escape"))));
+    ASSERT_TRUE(succeeded(tamrik->awaitNoOverlay()));
+    EXPECT_FALSE(tamrik->menuIsOpen());
 }
 
 INSTANTIATE_TEST_SUITE_P(

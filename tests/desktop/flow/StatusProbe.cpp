@@ -34,6 +34,7 @@ int main(int argc, char** argv)
                                     .toggleCamera = [] {},
                                     .toggleMic = [] {},
                                     .hasLastCapture = [] { return false; },
+                                    .mayPopUp = [] { return true; },
                                     .chipPositionChanged = [] {}});
     menu = &status;
     status.show();

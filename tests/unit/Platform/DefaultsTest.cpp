@@ -147,6 +147,21 @@ TEST_F(DefaultsTest, AWriterThatIsKilledLeavesTheOldOrTheNewFileWhole)
     EXPECT_FALSE(QFile::exists(config.path(asideFile)));
 }
 
+TEST_F(DefaultsTest, ALockThatAKilledWriterLeftEmptyIsTakenAway)
+{
+    // Writing would wait for half a minute.
+    config.write("tamrik/preferences.json.lock", {});
+    (void)Platform::openDefaults();
+    EXPECT_FALSE(QFile::exists(config.path("tamrik/preferences.json.lock")));
+}
+
+TEST_F(DefaultsTest, ALockThatNamesItsWriterIsLeftToIt)
+{
+    config.write("tamrik/preferences.json.lock", "1\ninit\nhost\n");
+    (void)Platform::openDefaults();
+    EXPECT_TRUE(QFile::exists(config.path("tamrik/preferences.json.lock")));
+}
+
 TEST_F(DefaultsTest, AFolderThatCannotBeMadeStillReadsAndRemembers)
 {
     QFile inTheWay(config.path("tamrik"));

@@ -26,8 +26,8 @@ namespace {
 constexpr int thorough = 4;
 constexpr int quick = 1;
 
-/// A picture that shrinks to more than one part in so many counts as a photograph. On a screen with
-/// other things beside it, it is when a photograph fills about a third.
+/// A picture whose sample does not shrink to less than one part in so many counts as a photograph:
+/// a screen does when a photograph fills about a third of it.
 constexpr std::size_t photographShare = 6;
 
 constexpr std::size_t pixelBytes = 3;

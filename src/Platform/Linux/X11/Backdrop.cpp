@@ -106,16 +106,17 @@ std::optional<QPixmap> Platform::frozenBackdrop(const Screen& screen)
 {
     if (!X11::qtConnection() || !screen.handle)
         return std::nullopt;
-    if (composited() && !isCoveredByBypass(NativeScreen::pixels(*screen.handle)))
-        return std::nullopt;
     const QRect pixels = NativeScreen::pixels(*screen.handle);
+    if (composited() && !isCoveredByBypass(pixels))
+        return std::nullopt;
     QPixmap picture =
         QPixmap::fromImage(throughMemory({pixels.x(), pixels.y(), pixels.width(), pixels.height()}),
                            Qt::NoFormatConversion);
-    if (picture.isNull())
+    if (picture.isNull()) {
         picture = screen.handle->grabWindow(0);
+        picture.setDevicePixelRatio(1);
+    }
     if (picture.isNull())
         return std::nullopt;
-    picture.setDevicePixelRatio(screen.handle->devicePixelRatio());
     return picture;
 }

@@ -3,17 +3,41 @@
 #include <xcb/xcb.h>
 
 #include <cstdlib>
+#include <optional>
+
+namespace {
+
+struct Display {
+    QString host;
+    int number;
+    int screen;
+};
+
+std::optional<Display> fromEnvironment()
+{
+    char* host = nullptr;
+    Display display = {};
+    if (!xcb_parse_display(nullptr, &host, &display.number, &display.screen))
+        return std::nullopt;
+    display.host = QString::fromLocal8Bit(host);
+    std::free(host);
+    if (display.host == QLatin1String("unix")) // says what no host says as well
+        display.host.clear();
+    return display;
+}
+
+} // namespace
 
 QString X11::displayName()
 {
-    char* host = nullptr;
-    int display = 0;
-    int screen = 0;
-    if (!xcb_parse_display(nullptr, &host, &display, &screen))
+    const auto display = fromEnvironment();
+    if (!display)
         return {};
-    QString name = QString::fromLocal8Bit(host);
-    std::free(host);
-    if (name == QLatin1String("unix")) // says what no host says as well
-        name.clear();
-    return QStringLiteral("%1:%2.%3").arg(name).arg(display).arg(screen);
+    return QStringLiteral("%1:%2.%3").arg(display->host).arg(display->number).arg(display->screen);
+}
+
+int X11::displayScreenNumber()
+{
+    const auto display = fromEnvironment();
+    return display ? display->screen : 0;
 }

@@ -70,7 +70,10 @@ public:
             return;
         ungrab(found->second, *m_map);
         m_registrations.erase(found);
-        if (m_registrations.empty() && QCoreApplication::instance())
+        if (!m_registrations.empty())
+            return;
+        m_map.reset(); // nobody tells it of changes any more
+        if (QCoreApplication::instance())
             QCoreApplication::instance()->removeNativeEventFilter(this);
     }
 

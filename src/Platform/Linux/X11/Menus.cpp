@@ -2,6 +2,7 @@
 
 #include "Platform/Linux/X11/QtConnection.h"
 
+#include <QApplication>
 #include <QCursor>
 #include <QMenu>
 #include <QTimer>
@@ -15,13 +16,17 @@ namespace {
 constexpr auto retryInterval = 20ms;
 constexpr int attempts = 100;
 
-/// Whether no other program holds the keyboard or the pointer. A menu that opens while one does
+/// Whether nobody holds the keyboard or the pointer. A menu that opens while another program does
 /// gets neither, and then does not even close when the user clicks elsewhere.
 bool inputIsFree()
 {
     xcb_connection_t* connection = X11::qtConnection();
     if (!connection)
         return true;
+    // The server would grant us what we hold already, and giving it back would end our own grab: of
+    // another menu, or of a drag.
+    if (QApplication::activePopupWidget() || QGuiApplication::mouseButtons() != Qt::NoButton)
+        return false;
     constexpr auto async = XCB_GRAB_MODE_ASYNC;
     const xcb_window_t root = X11::qtScreen().root;
     const auto keyboardCookie =
@@ -40,25 +45,34 @@ bool inputIsFree()
 
 constexpr const char* waitingName = "tamrikMenuWaits";
 
-} // namespace
-
-void Platform::popUpAtPointer(QMenu& menu)
+/// Looks again and again until the menu can open, or need not any more.
+void openWhenFree(QMenu& menu, std::function<bool()> isWanted)
 {
-    const QString name = QString::fromLatin1(waitingName);
-    if (menu.isVisible() || menu.findChild<QTimer*>(name, Qt::FindDirectChildrenOnly))
-        return;
-    if (inputIsFree()) {
-        menu.popup(QCursor::pos());
-        return;
-    }
     auto* retry = new QTimer(&menu); // the menu owns it
-    retry->setObjectName(name);
-    QObject::connect(retry, &QTimer::timeout, &menu, [&menu, retry, left = attempts]() mutable {
-        if (--left > 0 && !inputIsFree())
+    retry->setObjectName(QLatin1String(waitingName));
+    auto look = [&menu, retry, isWanted = std::move(isWanted), left = attempts]() mutable {
+        const bool isOver = menu.isVisible() || !isWanted(); // meanwhile opened in another way
+        if (!isOver && --left > 0 && !inputIsFree())
             return;
         retry->stop();
         retry->deleteLater();
-        menu.popup(QCursor::pos());
-    });
+        if (!isOver)
+            menu.popup(QCursor::pos());
+    };
+    QObject::connect(retry, &QTimer::timeout, &menu, std::move(look));
     retry->start(retryInterval);
+}
+
+} // namespace
+
+void Platform::popUpAtPointer(QMenu& menu, std::function<bool()> isWanted)
+{
+    const bool waits = menu.findChild<QTimer*>(QLatin1String(waitingName),
+                                               Qt::FindDirectChildrenOnly) != nullptr;
+    if (menu.isVisible() || waits || !isWanted())
+        return;
+    if (inputIsFree())
+        menu.popup(QCursor::pos());
+    else
+        openWhenFree(menu, std::move(isWanted));
 }

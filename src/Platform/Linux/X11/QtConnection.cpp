@@ -1,5 +1,7 @@
 #include "Platform/Linux/X11/QtConnection.h"
 
+#include "Platform/Linux/X11/DisplayName.h"
+
 #include <QGuiApplication>
 #include <QtGui/qguiapplication_platform.h>
 
@@ -16,18 +18,6 @@ QNativeInterface::QX11Application* x11Application()
     return qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
 }
 
-/// The number behind the dot of a display name, such as 1 in ":0.1".
-int screenNumberFromEnvironment()
-{
-    int number = 0;
-    char* host = nullptr;
-    int display = 0;
-    if (!xcb_parse_display(nullptr, &host, &display, &number))
-        return 0;
-    std::free(host);
-    return number;
-}
-
 } // namespace
 
 xcb_connection_t* X11::qtConnection()
@@ -38,7 +28,7 @@ xcb_connection_t* X11::qtConnection()
 
 int X11::qtScreenNumber()
 {
-    static const int number = screenNumberFromEnvironment();
+    static const int number = displayScreenNumber();
     return number;
 }
 
