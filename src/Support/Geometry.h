@@ -8,9 +8,7 @@
 /// Two kinds of space exist, and their types differ so that neither passes for the other:
 ///  - `Point` and `Rect`: y grows upwards. Global ones have their origin at the bottom left of the
 ///    primary screen; those of a view at the bottom left of that view.
-///  - `TopLeftPoint` and `TopLeftRect`: y grows downwards. This is what Qt, X11 and the capture
-///  tool
-///    speak.
+///  - `TopLeftPoint` and `TopLeftRect`: y grows downwards. So speak Qt, X11 and the capture tool.
 /// `Flip` is the only bridge between them.
 namespace Geometry {
 

@@ -268,7 +268,8 @@ TEST_F(SecondStart, WhileTheKeyIsDownThatDidItTheMenuWaitsForTheKeyboard)
 
 TEST_F(SecondStart, AMenuThatWaitsGivesWayToASelection)
 {
-    const auto terminal = openTerminal(*desktop, QStringLiteral("Notes"), desktop->home() + QStringLiteral("/typed"));
+    const auto terminal =
+        openTerminal(*desktop, QStringLiteral("Notes"), desktop->home() + QStringLiteral("/typed"));
     ASSERT_TRUE(succeeded(terminal));
     launch();
     // The terminal has the pointer while the button is down, so the menu waits for it.

@@ -67,8 +67,8 @@ void openWhenFree(QMenu& menu, std::function<bool()> isWanted)
 
 void Platform::popUpAtPointer(QMenu& menu, std::function<bool()> isWanted)
 {
-    const bool waits = menu.findChild<QTimer*>(QLatin1String(waitingName),
-                                               Qt::FindDirectChildrenOnly) != nullptr;
+    const bool waits =
+        menu.findChild<QTimer*>(QLatin1String(waitingName), Qt::FindDirectChildrenOnly) != nullptr;
     if (menu.isVisible() || waits || !isWanted())
         return;
     if (inputIsFree())
