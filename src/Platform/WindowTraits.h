@@ -1,6 +1,8 @@
 #pragma once
 
-#include <QtGlobal>
+#include "Support/Geometry.h"
+
+#include <QRect>
 
 QT_FORWARD_DECLARE_CLASS(QScreen)
 QT_FORWARD_DECLARE_CLASS(QWidget)
@@ -29,6 +31,19 @@ void applyTraits(QWidget& window, WindowTraits traits);
 /// Puts `window`, which is not yet shown, over the whole of a screen and over no pixel of another
 /// one.
 void coverScreen(QWidget& window, QScreen& screen);
+
+/// Puts `window` at `frame` (global points), on the screen that its middle is on; near a screen's
+/// edge it may reach over. Windows stand on whole points: the bottom left corner is rounded, the
+/// size is rounded up.
+void setFrame(QWidget& window, Geometry::Rect frame);
+
+/// Says which part of a translucent panel is its `body` (points, y down), with round corners. What
+/// is outside is shadow: clicks go through it, and where no compositor runs it is not there. Call
+/// again when the window's size or scale, or the compositing, has changed.
+void setBody(QWidget& window, QRect body, double cornerRadius);
+
+/// From 0, which cannot be seen, to 1. Without a compositor every window is opaque.
+void setOpacity(QWidget& window, double opacity);
 
 /// Shows `window` on top of its level, whether or not the program is active.
 void orderFrontRegardless(QWidget& window);

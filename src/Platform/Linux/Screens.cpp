@@ -12,13 +12,6 @@
 
 namespace {
 
-/// Turns y over between Qt's desktop coordinates and global points, as the screens are now.
-Geometry::Flip desktopFlip()
-{
-    const QScreen* primary = QGuiApplication::primaryScreen();
-    return Geometry::Flip(primary ? topLeftRect(primary->geometry()) : Geometry::TopLeftRect{});
-}
-
 /// The screen less panels. QScreen::availableGeometry ignores panels when there are several
 /// screens.
 QRectF visibleGeometry(const QScreen& screen, const X11::Reserved& reserved)

@@ -1,5 +1,6 @@
 #include "Platform/Backdrop.h"
 
+#include "Platform/Compositing.h"
 #include "Platform/Linux/NativeScreen.h"
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/QtConnection.h"
@@ -11,17 +12,6 @@
 #include <vector>
 
 namespace {
-
-/// Whether a compositing manager runs: it owns a selection named after the screen (Extended Window
-/// Manager Hints 1.5, "Compositing Managers").
-bool composited()
-{
-    const QByteArray name = "_NET_WM_CM_S" + QByteArray::number(X11::qtScreenNumber());
-    const auto cookie = xcb_get_selection_owner(X11::qtConnection(), X11::atom(name.constData()));
-    const X11::Reply<xcb_get_selection_owner_reply_t> reply(
-        xcb_get_selection_owner_reply(X11::qtConnection(), cookie, nullptr));
-    return reply && reply->owner != XCB_WINDOW_NONE;
-}
 
 /// What of a window decides whether it is drawn past the compositing manager.
 struct PendingWindow {
@@ -107,7 +97,7 @@ std::optional<QPixmap> Platform::frozenBackdrop(const Screen& screen)
     if (!X11::qtConnection() || !screen.handle)
         return std::nullopt;
     const QRect pixels = NativeScreen::pixels(*screen.handle);
-    if (composited() && !isCoveredByBypass(pixels))
+    if (isComposited() && !isCoveredByBypass(pixels))
         return std::nullopt;
     QPixmap picture =
         QPixmap::fromImage(throughMemory({pixels.x(), pixels.y(), pixels.width(), pixels.height()}),

@@ -1,15 +1,18 @@
 #include "Platform/WindowTraits.h"
 
 #include "Platform/Linux/NativeScreen.h"
+#include "Platform/Linux/QtGeometry.h"
 #include "Platform/Linux/X11/KeyboardGrab.h"
 #include "Platform/Linux/X11/QtConnection.h"
 
+#include <QGuiApplication>
 #include <QPointer>
 #include <QScreen>
 #include <QWidget>
 #include <QWindow>
 #include <qpa/qplatformwindow.h>
 
+#include <cmath>
 #include <vector>
 
 namespace {
@@ -56,6 +59,28 @@ void Platform::coverScreen(QWidget& window, QScreen& screen)
     // makes it a pixel too large or too small.
     window.winId();
     window.windowHandle()->handle()->setGeometry(NativeScreen::pixels(screen));
+}
+
+void Platform::setFrame(QWidget& window, Geometry::Rect frame)
+{
+    const QRectF wanted = qtRect(desktopFlip().topLeftFromBottomLeft(frame));
+    const QSize size(static_cast<int>(std::ceil(wanted.width())),
+                     static_cast<int>(std::ceil(wanted.height())));
+    const QRect place(QPoint(static_cast<int>(std::lround(wanted.left())),
+                             static_cast<int>(std::lround(wanted.bottom())) - size.height()),
+                      size);
+    // The window system's pixels follow from the screen that Qt thinks the window is on.
+    if (QScreen* screen = QGuiApplication::screenAt(place.center()); screen)
+        window.setScreen(screen);
+    window.setGeometry(place);
+}
+
+void Platform::setOpacity(QWidget& window, double opacity)
+{
+    window.setWindowOpacity(opacity);
+    // Qt sets a property of the window and leaves it at that.
+    if (xcb_connection_t* connection = X11::qtConnection())
+        xcb_flush(connection);
 }
 
 void Platform::orderFrontRegardless(QWidget& window)

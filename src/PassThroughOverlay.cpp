@@ -1,0 +1,20 @@
+#include "PassThroughOverlay.h"
+
+#include <QPainter>
+
+PassThroughOverlay::PassThroughOverlay(double cornerRadius, QWidget* parent)
+    : QWidget(parent)
+    , m_cornerRadius(cornerRadius)
+{
+}
+
+void PassThroughOverlay::paintEvent(QPaintEvent*)
+{
+    QColor dark(Qt::black);
+    dark.setAlphaF(0.32F);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(dark);
+    painter.drawRoundedRect(rect(), m_cornerRadius, m_cornerRadius);
+}
