@@ -15,7 +15,7 @@ CaptureManager::CaptureManager(Clock clock, QObject* parent)
 {
 }
 
-void CaptureManager::captureRect(Geometry::Rect rect, Completion completion)
+void CaptureManager::captureRect(Geometry::Rect rect, const Completion& completion)
 {
     if (m_isCapturing) {
         completion({});

@@ -21,7 +21,7 @@ public:
     /// once without a file when a capture is already under way, when there is no screen, or when
     /// the tool does not start; otherwise when the tool has ended, with the file if it left one.
     /// The tool's exit status does not count.
-    void captureRect(Geometry::Rect rect, Completion completion);
+    void captureRect(Geometry::Rect rect, const Completion& completion);
 
     /// From just before the tool starts until its end has been handled.
     bool isCapturing() const { return m_isCapturing; }

@@ -29,6 +29,7 @@ class Connection {
 public:
     Connection();
 
+    // NOLINTNEXTLINE(google-explicit-constructor): it is the first argument of all of xcb's calls
     operator xcb_connection_t*() const { return m_connection.get(); }
     const xcb_screen_t& screen() const { return *m_screen; }
     xcb_window_t root() const { return m_screen->root; }

@@ -1,5 +1,6 @@
 #include "probes/Input.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <vector>
 
@@ -87,8 +88,9 @@ Clock::time_point Input::press(std::initializer_list<xcb_keysym_t> symbols)
     Clock::time_point last;
     for (const std::uint8_t code : codes)
         last = fake(XCB_KEY_PRESS, code);
-    for (auto code = codes.rbegin(); code != codes.rend(); ++code)
-        fake(XCB_KEY_RELEASE, *code);
+    std::reverse(codes.begin(), codes.end());
+    for (const std::uint8_t code : codes)
+        fake(XCB_KEY_RELEASE, code);
     return last;
 }
 

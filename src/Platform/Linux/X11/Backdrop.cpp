@@ -46,7 +46,9 @@ bool isCoveredByBypass(QRect screen)
         return false;
     std::vector<PendingWindow> windows;
     const xcb_window_t* children = xcb_query_tree_children(tree.get());
-    for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
+    const int count = xcb_query_tree_children_length(tree.get());
+    windows.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
         windows.push_back({xcb_get_window_attributes(connection, children[i]),
                            xcb_get_geometry(connection, children[i])});
     }
