@@ -1,5 +1,6 @@
 #include "AppDelegate.h"
 
+#include "CaptureKind.h"
 #include "Chrome.h"
 #include "Platform/Application.h"
 #include "Platform/CapturePermission.h"
@@ -30,14 +31,6 @@ constexpr std::uint32_t fixedModifiers =
 /// for it, nor the icon in the status area.
 constexpr auto fontDelay = 250ms;
 
-std::optional<QByteArray> contents(const QUrl& url)
-{
-    QFile file(url.toLocalFile());
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    return file.readAll();
-}
-
 /// Hands a file or folder to the user's desktop. One that does not exist opens nothing.
 void openInWorkspace(const QUrl& url)
 {
@@ -52,6 +45,7 @@ AppDelegate::AppDelegate(Preferences& preferences, Clock clock, Subsystems subsy
     , m_clock(clock)
     , m_subsystems(std::move(subsystems))
     , m_capture(clock)
+    , m_chips(m_preferences, clock, m_subsystems.loadChipContent)
     , m_recording(m_preferences, std::move(clock), m_subsystems,
                   {.setRecording = [this](bool recording) { updateRecordingUI(recording); },
                    .deliver = [this](const QUrl& file) { deliver(file); }})
@@ -67,10 +61,7 @@ AppDelegate::~AppDelegate()
 void AppDelegate::applicationDidFinishLaunching(Platform::SingleInstance& instance)
 {
     Platform::becomeAccessory();
-    if (m_subsystems.chips.setOnEdit) {
-        m_subsystems.chips.setOnEdit(
-            Guarded::any<const QUrl&>(this, [this](const QUrl& file) { openEditor(file); }));
-    }
+    m_chips.onEdit = [this](const QUrl& file) { openEditor(file); };
     setupStatusItem();
     registerHotKeys();
     if (!Platform::preflightScreenCaptureAccess())
@@ -97,10 +88,7 @@ void AppDelegate::setupStatusItem()
                            .hasLastCapture = [this] { return lastCaptureURL().has_value(); },
                            .mayPopUp = [] { return !SelectionSession::current; },
                            .chipPositionChanged =
-                               [this] {
-                                   if (m_subsystems.chips.layout)
-                                       m_subsystems.chips.layout(true);
-                               },
+[this] { m_chips.layout(true); },
                        });
     m_statusMenu->show();
 }
@@ -160,10 +148,9 @@ void AppDelegate::screenshotFinished(const QUrl& file)
 {
     if (file.isEmpty())
         return;
-    Platform::writePasteboard({.png = contents(file), .fileURL = file});
+    Platform::writePasteboard({.png = CaptureFiles::contents(file), .fileURL = file});
     setLastCaptureURL(file);
-    if (m_subsystems.chips.add)
-        m_subsystems.chips.add(file);
+    m_chips.add(file);
 }
 
 std::optional<QUrl> AppDelegate::lastCaptureURL() const
@@ -204,8 +191,7 @@ void AppDelegate::toggleRecording()
 void AppDelegate::deliver(const QUrl& file)
 {
     Platform::writePasteboard({.png = std::nullopt, .fileURL = file});
-    if (m_subsystems.chips.add)
-        m_subsystems.chips.add(file);
+    m_chips.add(file);
 }
 
 void AppDelegate::updateRecordingUI(bool recording)
@@ -276,13 +262,18 @@ void AppDelegate::openFolder()
 
 void AppDelegate::openEditor(const QUrl& file)
 {
-    const QString extension = QFileInfo(file.toLocalFile()).suffix().toLower();
-    if (extension == QLatin1String("mov") || extension == QLatin1String("mp4"))
+    switch (captureKind(file)) {
+    case CaptureKind::video:
         openVideoEditor(file);
-    else if (extension == QLatin1String("gif"))
+        return;
+    case CaptureKind::gif:
         openInWorkspace(file);
-    else
+        return;
+    case CaptureKind::picture:
+    case CaptureKind::other:
         openImageEditor(file);
+        return;
+    }
 }
 
 void AppDelegate::openImageEditor(const QUrl& file)

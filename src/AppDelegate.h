@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CaptureManager.h"
+#include "ChipManager.h"
 #include "HotKey.h"
 #include "OpenEditors.h"
 #include "RecordingFlow.h"
@@ -54,6 +55,7 @@ public:
 
     StatusMenu* statusMenu() const { return m_statusMenu.get(); }
     const CaptureManager& capture() const { return m_capture; }
+    const ChipManager& chips() const { return m_chips; }
     bool hasCameraBubble() const { return m_cameraBubble != nullptr; }
     bool hasRecordingControls() const { return m_recording.hasControls(); }
 
@@ -88,6 +90,7 @@ private:
     std::unique_ptr<HotKey> m_annotateHotKey;
     std::unique_ptr<HotKey> m_recordHotKey;
     CaptureManager m_capture;
+    ChipManager m_chips;
     RecordingFlow m_recording;
     OpenEditors m_editors;
     OpenEditors m_videoEditors;

@@ -26,7 +26,7 @@ constexpr auto closingTime = 250ms;
 std::unique_ptr<ChipPanel> ChipPanel::make(const QUrl& file, const LoadChipContent& load,
                                            const Clock& clock, ChipView::OnEdit onEdit)
 {
-    const auto content = load(file);
+    const auto content = load ? load(file) : std::nullopt;
     if (!content)
         return nullptr;
     return std::unique_ptr<ChipPanel>(new ChipPanel(file, *content, clock, std::move(onEdit)));

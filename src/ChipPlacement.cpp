@@ -104,8 +104,9 @@ Size ChipPlacement::chipSize(Size picture)
 {
     const double scale = std::min({largestThumbnail.width / std::max(picture.width, 1.0),
                                    largestThumbnail.height / std::max(picture.height, 1.0), 1.0});
-    return {std::max(smallestChip.width, scale * picture.width),
-            std::max(smallestChip.height, scale * picture.height)};
+    // What is rounded must not make a chip larger than the largest by a hair.
+    return {std::clamp(scale * picture.width, smallestChip.width, largestThumbnail.width),
+            std::clamp(scale * picture.height, smallestChip.height, largestThumbnail.height)};
 }
 
 Point ChipPlacement::firstSlotOrigin(const Anchor& anchor, Size chip, Rect visible)

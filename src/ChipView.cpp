@@ -300,11 +300,11 @@ void ChipView::moveStack()
 void ChipView::dragFile(QPointF press)
 {
     m_didDrag = true;
-    auto data = std::make_unique<QMimeData>();
-    data->setUrls({m_file});
+    auto mime = std::make_unique<QMimeData>();
+    mime->setUrls({m_file});
     // Not from this view: another capture may push the chip out while the user still drags.
     auto* drag = new QDrag(qApp); // deletes itself
-    drag->setMimeData(data.release());
+    drag->setMimeData(mime.release());
     drag->setPixmap(dragPicture());
     drag->setHotSpot(press.toPoint());
     // Nothing comes after: by then this view may be gone. The chip stays whatever the answer is.

@@ -6,7 +6,6 @@
 #include "SelectionView.h"
 #include "SelectionWindow.h"
 
-#include <QGuiApplication>
 #include <QScreen>
 
 #include <algorithm>
@@ -38,23 +37,7 @@ void SelectionOverlay::open()
 {
     coverUncovered(Platform::screens());
 
-    connect(qGuiApp, &QGuiApplication::screenAdded, this, [this](const QScreen* screen) {
-        watch(screen);
-        followScreens();
-    });
-    connect(qGuiApp, &QGuiApplication::screenRemoved, this, &SelectionOverlay::followScreens);
-    connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this,
-            &SelectionOverlay::followScreens);
-    for (const QScreen* screen : QGuiApplication::screens())
-        watch(screen);
-}
-
-void SelectionOverlay::watch(const QScreen* screen)
-{
-    connect(screen, &QScreen::geometryChanged, this, &SelectionOverlay::followScreens);
-    // These two tell of a change of the scale.
-    connect(screen, &QScreen::logicalDotsPerInchChanged, this, &SelectionOverlay::followScreens);
-    connect(screen, &QScreen::physicalDotsPerInchChanged, this, &SelectionOverlay::followScreens);
+    connect(&m_screenWatcher, &ScreenWatcher::changed, this, &SelectionOverlay::followScreens);
 }
 
 void SelectionOverlay::followScreens()

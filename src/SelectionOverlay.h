@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Screens.h"
+#include "ScreenWatcher.h"
 #include "Support/Clock.h"
 
 #include <QObject>
@@ -33,7 +34,6 @@ public:
     const std::vector<std::unique_ptr<SelectionWindow>>& windows() const { return m_windows; }
 
 private:
-    void watch(const QScreen* screen);
     void followScreens();
     void dropStale(const std::vector<Platform::Screen>& screens);
     void coverUncovered(const std::vector<Platform::Screen>& screens);
@@ -45,6 +45,7 @@ private:
 
     std::weak_ptr<SelectionSession> m_session;
     Clock m_clock;
+    ScreenWatcher m_screenWatcher;
     std::vector<std::unique_ptr<SelectionWindow>> m_windows;
     QPointer<SelectionWindow> m_key;
     /// Whether the window that holds the keyboard stands in for one that went.

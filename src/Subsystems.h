@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ChipContent.h"
 #include "RecordingTypes.h"
 #include "Support/Geometry.h"
 
@@ -22,14 +23,6 @@ struct Subsystems {
         std::function<bool()> isPaused;
         /// Recorded seconds, pauses not counted.
         std::function<double()> elapsed;
-    };
-
-    /// The stack of floating thumbnails.
-    struct Chips {
-        std::function<void(const QUrl& file)> add;
-        std::function<void(bool animated)> layout;
-        /// Hands over what to do when the user asks to edit a chip's file.
-        std::function<void(std::function<void(const QUrl& file)>)> setOnEdit;
     };
 
     /// An open editor. The controller keeps it until it reports that its window closed.
@@ -96,7 +89,7 @@ struct Subsystems {
     };
 
     Recorder recorder;
-    Chips chips;
+    LoadChipContent loadChipContent;
     Editors editors;
     Controls controls;
     Camera camera;

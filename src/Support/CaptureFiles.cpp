@@ -1,6 +1,8 @@
 #include "Support/CaptureFiles.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QLocale>
 
 namespace {
@@ -36,4 +38,15 @@ QUrl CaptureFiles::newScreenshot(const Clock& clock)
 QUrl CaptureFiles::newRecording(const Clock& clock)
 {
     return fileNamed(QStringLiteral("Tamrik Rec ") + timestamp(clock) + QStringLiteral(".mp4"));
+}
+
+std::optional<QByteArray> CaptureFiles::contents(const QUrl& url)
+{
+    // Opening a FIFO would wait for somebody to write into it.
+    if (!QFileInfo(url.toLocalFile()).isFile())
+        return std::nullopt;
+    QFile file(url.toLocalFile());
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    return file.readAll();
 }

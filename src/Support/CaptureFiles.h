@@ -2,8 +2,11 @@
 
 #include "Support/Clock.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QUrl>
+
+#include <optional>
 
 /// Where captures go and what they are called.
 ///
@@ -23,5 +26,8 @@ QUrl newScreenshot(const Clock& clock);
 
 /// The file for a recording that starts now.
 QUrl newRecording(const Clock& clock);
+
+/// The bytes of a file; absent when it cannot be read.
+std::optional<QByteArray> contents(const QUrl& file);
 
 } // namespace CaptureFiles

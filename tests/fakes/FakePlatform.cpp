@@ -2,6 +2,7 @@
 
 #include "Platform/Backdrop.h"
 #include "Platform/CapturePermission.h"
+#include "Platform/Compositing.h"
 #include "Platform/LoginItem.h"
 #include "Platform/Menus.h"
 
@@ -166,6 +167,28 @@ void popUpAtPointer(QMenu& menu, std::function<bool()> isWanted)
     if (!isWanted())
         return;
     FakePlatform::current().poppedUp.push_back(&menu);
+}
+
+bool isComposited()
+{
+    return FakePlatform::current().composited;
+}
+
+void onCompositingChanged(QObject*, std::function<void()>) {}
+
+void setFrame(QWidget& window, Geometry::Rect frame)
+{
+    FakePlatform::current().frames[&window] = frame;
+}
+
+void setBody(QWidget& window, QRect body, double)
+{
+    FakePlatform::current().bodies[&window] = body;
+}
+
+void setOpacity(QWidget& window, double opacity)
+{
+    FakePlatform::current().opacities[&window].push_back(opacity);
 }
 
 void writePasteboard(const PasteboardItem& item)

@@ -47,6 +47,7 @@ struct FakePlatform {
     std::function<Geometry::Rect(Geometry::Rect, const QScreen*)> nameable;
     Platform::CaptureTool tool;
     std::set<std::uint32_t> refusedKeyCodes;
+    bool composited = true;
     bool captureAllowed = true;
     bool loginItem = false;
     QString loginItemError;
@@ -59,6 +60,11 @@ struct FakePlatform {
     std::vector<std::uint32_t> askedIdentifiers;
     std::vector<Platform::PasteboardItem> pasteboard;
     std::map<const QWidget*, Platform::WindowTraits> traits;
+    /// Global points, of windows that were put somewhere.
+    std::map<const QWidget*, Geometry::Rect> frames;
+    std::map<const QWidget*, QRect> bodies;
+    /// In the order that they were set.
+    std::map<const QWidget*, std::vector<double>> opacities;
     std::vector<Look> looks;
     std::vector<QPointer<QWidget>> front;
     QPointer<QWidget> key;

@@ -65,18 +65,20 @@ TEST_F(AppDelegateTest, AFileThatAVideoEditorWroteIsDelivered)
     launch();
     app->openEditor(file("/a/1.mp4"));
     madeEditors[0].lock()->onFileProduced(file("/a/1 trimmed.mp4"));
-    EXPECT_EQ(chips, QList<QUrl>{file("/a/1 trimmed.mp4")});
-    EXPECT_EQ(FakePlatform::current().pasteboard.at(0).fileURL, chips[0]);
+    EXPECT_EQ(chips(), QList<QUrl>{file("/a/1 trimmed.mp4")});
+    EXPECT_EQ(FakePlatform::current().pasteboard.at(0).fileURL, chips().at(0));
 }
 
 TEST_F(AppDelegateTest, AChipsEditOpensItsEditor)
 {
     launch();
-    onEdit(file("/a/1.png"));
-    EXPECT_EQ(takeNotes().join(QLatin1Char('|')), QStringLiteral("image 1.png|1.png front"));
-    app.reset();
-    onEdit(file("/a/2.png"));
-    EXPECT_TRUE(takeNotes().isEmpty());
+    takeScreenshot();
+    ASSERT_EQ(chips().size(), 1);
+    takeNotes();
+    QTest::mouseClick(&app->chips().panels().front()->view(), Qt::LeftButton, {}, {30, 60});
+    const QString name = chips().at(0).fileName();
+    EXPECT_EQ(takeNotes().join(QLatin1Char('|')),
+              QStringLiteral("image %1|%1 front").arg(name));
 }
 
 TEST_F(AppDelegateTest, AnnotateLastOpensTheLastScreenshotWhileItsFileExists)

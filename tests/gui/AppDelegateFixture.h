@@ -72,11 +72,11 @@ protected:
         r.restart = note("restart");
         r.isPaused = [] { return true; };
         r.elapsed = [] { return 12.5; };
-        subsystems.chips.add = [this](const QUrl& file) { chips.append(file); };
-        subsystems.chips.layout = [this](bool animated) {
-            notes += animated ? QStringLiteral("layout animated") : QStringLiteral("layout");
+        subsystems.loadChipContent = [](const QUrl&) {
+            QImage picture(160, 90, QImage::Format_RGB32);
+            picture.fill(Qt::blue);
+            return ChipContent{picture, {160, 90}, std::nullopt};
         };
-        subsystems.chips.setOnEdit = [this](auto callback) { onEdit = std::move(callback); };
         subsystems.controls.make = [this](Geometry::Rect near, auto callbacks) {
             controlsNear = near;
             controls = std::move(callbacks);
@@ -177,6 +177,15 @@ protected:
         recordings.back().completion(file);
     }
 
+    /// The files that there are chips of, oldest first.
+    QList<QUrl> chips() const
+    {
+        QList<QUrl> files;
+        for (const auto& panel : app->chips().panels())
+            files.append(panel->view().fileURL());
+        return files;
+    }
+
     QStringList takeNotes() { return std::exchange(notes, {}); }
 
     QAction* menuItem(const char* title) const
@@ -198,8 +207,6 @@ protected:
     Subsystems subsystems;
     RecordingState recorderState = RecordingState::idle;
     std::vector<RecordingSession> recordings;
-    QList<QUrl> chips;
-    std::function<void(const QUrl&)> onEdit;
     Geometry::Rect controlsNear;
     Subsystems::RecordingControlsCallbacks controls;
     QList<std::pair<QUrl, QUrl>> gifExports;

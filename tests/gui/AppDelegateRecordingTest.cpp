@@ -98,7 +98,7 @@ TEST_F(AppDelegateTest, AFinishedRecordingIsOnThePasteboardAsAFileAndAChip)
     ASSERT_EQ(pasteboard.size(), 1u);
     EXPECT_EQ(pasteboard[0].fileURL, recordings[0].finalURL);
     EXPECT_FALSE(pasteboard[0].png);
-    EXPECT_EQ(chips, QList<QUrl>{recordings[0].finalURL});
+    EXPECT_EQ(chips(), QList<QUrl>{recordings[0].finalURL});
     EXPECT_FALSE(app->lastCaptureURL());
 }
 
@@ -111,7 +111,7 @@ TEST_F(AppDelegateTest, ARecordingWithoutAFileOnlyResetsTheMenu)
     EXPECT_TRUE(menuItem("Start Recording"));
     EXPECT_FALSE(app->hasRecordingControls());
     EXPECT_TRUE(FakePlatform::current().pasteboard.empty());
-    EXPECT_TRUE(chips.isEmpty());
+    EXPECT_TRUE(chips().isEmpty());
 }
 
 TEST_F(AppDelegateTest, AGIFRecordingDeliversTheGIFBesideItsMP4)
@@ -121,10 +121,10 @@ TEST_F(AppDelegateTest, AGIFRecordingDeliversTheGIFBesideItsMP4)
     finishRecording(file("/movies/Tamrik Rec 1.2.mp4"));
     ASSERT_EQ(gifExports.size(), 1);
     EXPECT_EQ(gifExports[0].second, file("/movies/Tamrik Rec 1.2.gif"));
-    EXPECT_TRUE(chips.isEmpty());
+    EXPECT_TRUE(chips().isEmpty());
     finishGIF(true);
-    EXPECT_EQ(chips, QList<QUrl>{file("/movies/Tamrik Rec 1.2.gif")});
-    EXPECT_EQ(FakePlatform::current().pasteboard.at(0).fileURL, chips[0]);
+    EXPECT_EQ(chips(), QList<QUrl>{file("/movies/Tamrik Rec 1.2.gif")});
+    EXPECT_EQ(FakePlatform::current().pasteboard.at(0).fileURL, chips().at(0));
 }
 
 TEST_F(AppDelegateTest, AFailedConversionDeliversTheMP4)
@@ -133,7 +133,7 @@ TEST_F(AppDelegateTest, AFailedConversionDeliversTheMP4)
     record(true);
     finishRecording(file("/movies/a.mp4"));
     finishGIF(false);
-    EXPECT_EQ(chips, QList<QUrl>{file("/movies/a.mp4")});
+    EXPECT_EQ(chips(), QList<QUrl>{file("/movies/a.mp4")});
 }
 
 TEST_F(AppDelegateTest, ARecordingWithoutAScreenEndsAtOnce)

@@ -69,7 +69,7 @@ TEST_F(AppDelegateTest, AScreenshotGoesToPasteboardLastCaptureAndChip)
     ASSERT_TRUE(written.open(QIODevice::ReadOnly));
     EXPECT_EQ(pasteboard[0].png, written.readAll());
     EXPECT_EQ(app->lastCaptureURL(), expected);
-    EXPECT_EQ(chips, QList<QUrl>{expected});
+    EXPECT_EQ(chips(), QList<QUrl>{expected});
 }
 
 TEST_F(AppDelegateTest, AScreenshotWithoutAFileDoesNothing)
@@ -79,7 +79,7 @@ TEST_F(AppDelegateTest, AScreenshotWithoutAFileDoesNothing)
     takeScreenshot();
     EXPECT_TRUE(FakePlatform::current().pasteboard.empty());
     EXPECT_FALSE(app->lastCaptureURL());
-    EXPECT_TRUE(chips.isEmpty());
+    EXPECT_TRUE(chips().isEmpty());
 }
 
 TEST_F(AppDelegateTest, ACancelledSelectionDoesNothing)
@@ -143,8 +143,14 @@ TEST_F(AppDelegateTest, AControllerThatIsGoneIgnoresTheSelectionsResult)
 TEST_F(AppDelegateTest, ChoosingAPositionMovesTheStackAnimated)
 {
     launch();
-    app->statusMenu()->positionMenu().actions().at(5)->trigger();
-    EXPECT_EQ(takeNotes(), QStringList{QStringLiteral("layout animated")});
+    takeScreenshot();
+    ASSERT_EQ(chips().size(), 1);
+    const ChipPanel& chip = *app->chips().panels().front();
+    const Geometry::Point before = chip.frame().origin();
+    app->statusMenu()->positionMenu().actions().at(5)->trigger(); // "Top Right"
+    EXPECT_EQ(chip.frame().origin(), before); // it is on its way
+    const Geometry::Point topRight = {1440 - 24 - 160, 875 - 24 - 90};
+    EXPECT_TRUE(runUntil([&] { return chip.frame().origin() == topRight; }));
 }
 
 TEST_F(AppDelegateTest, CommandsOfSubsystemsThatAreNotBuiltInDoNothing)

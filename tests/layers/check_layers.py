@@ -30,7 +30,7 @@ class Layer:
 
 MODEL_AND_BELOW = ["base", "support", "model"]
 SERVICES_AND_BELOW = MODEL_AND_BELOW + ["platform", "services"]
-EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection"]
+EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection", "chips"]
 
 LAYERS = {
     # What the capture tool shares with the program: it starts without Qt.
@@ -62,22 +62,27 @@ LAYERS = {
     "platform": Layer(["src/Platform/*"], ["base", "support"], ["Core", "Gui"], may_ask_os=True),
     "model": Layer(
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
-         "src/RecordingTypes.*"],
+         "src/ChipPlacement.*", "src/ChipContent.*", "src/CaptureKind.*", "src/RecordingTypes.*"],
         ["base", "support"],
         ["Core", "Gui"]),
     "services": Layer(
-        ["src/HotKey.*", "src/CaptureManager.*", "src/Preferences.*"],
+        ["src/HotKey.*", "src/CaptureManager.*", "src/Preferences.*",
+         "src/ScreenWatcher.*"],
         MODEL_AND_BELOW + ["platform"],
         ["Core", "Gui"]),
     "kit": Layer(
-        ["src/Chrome.*", "src/ChromeButton.*", "src/ChromeViews.*", "src/StatusIcon.*",
-         "src/Symbols.*", "src/SymbolDesigns/*"],
+        ["src/Chrome.*", "src/ChromeButton.*", "src/ChromeViews.*", "src/Fade.*",
+         "src/SoftShadow.*", "src/StatusIcon.*", "src/Symbols.*", "src/SymbolDesigns/*"],
         ["base", "support"],
         ["Core", "Gui", "Widgets"]),
     # Panels meet through callbacks: each is a layer of its own, which no other panel includes.
     "selection": Layer(
         ["src/SelectionOverlay.*", "src/SelectionSession.*", "src/SelectionWindow.*",
          "src/SelectionView.*"],
+        SERVICES_AND_BELOW + ["kit"],
+        ["Core", "Gui", "Widgets"]),
+    "chips": Layer(
+        ["src/ChipManager.*", "src/ChipPanel.*", "src/ChipView.*", "src/PassThroughOverlay.*"],
         SERVICES_AND_BELOW + ["kit"],
         ["Core", "Gui", "Widgets"]),
     "app": Layer(

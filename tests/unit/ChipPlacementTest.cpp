@@ -113,7 +113,7 @@ TEST(Stack, ACustomOneOnTheMiddleLineGrowsDownwards)
 {
     // The middle of the frame is at y = 450.
     const auto origins = ChipPlacement::origins(at(Point{600, 450}), {{200, 90}, {100, 120}}, visible);
-    EXPECT_THAT(origins, ElementsAre(Point{600, 468}, Point{600, 450}));
+    EXPECT_THAT(origins, ElementsAre(Point{600, 348}, Point{600, 450}));
 }
 
 TEST(Stack, ACustomOriginIsKeptWithinTheFrameByTheNewestChipsSize)
