@@ -6,6 +6,7 @@
 #include "SoftShadow.h"
 
 #include <QCloseEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QVariantAnimation>
 #include <QWindow>
@@ -144,9 +145,11 @@ void ChipPanel::resizeEvent(QResizeEvent*)
 
 void ChipPanel::paintEvent(QPaintEvent* event)
 {
-    // What changes most, and is covered by the view, needs no shadow below it.
-    if (m_view->geometry().contains(event->rect()))
-        return;
     QPainter painter(this);
+    // The view covers all but its round corners, and is what changes most.
+    constexpr int cornerReach = 4;
+    const QRect covered = m_view->geometry().adjusted(cornerReach, cornerReach, -cornerReach,
+                                                      -cornerReach);
+    painter.setClipRegion(event->region() - covered);
     SoftShadow::paint(painter, m_view->geometry(), ChipView::cornerRadius);
 }
