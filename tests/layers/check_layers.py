@@ -29,14 +29,14 @@ class Layer:
 
 
 MODEL_AND_BELOW = ["base", "support", "model"]
-SERVICES_AND_BELOW = MODEL_AND_BELOW + ["platform", "services"]
+SERVICES_AND_BELOW = MODEL_AND_BELOW + ["platform", "media", "services"]
 EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection"]
 
 LAYERS = {
     # What the capture tool shares with the program: it starts without Qt.
     "base": Layer(
         [f"src/Support/{name}.*" for name in (
-            "FileDescriptor", "Geometry", "Result", "ScreenTable")],
+            "FileDescriptor", "Geometry", "RegularFile", "Result", "ScreenTable")],
         [],
         []),
     "x11": Layer(
@@ -60,6 +60,12 @@ LAYERS = {
         ["Core", "Gui", "Widgets", "private"],
         may_ask_os=True),
     "platform": Layer(["src/Platform/*"], ["base", "support"], ["Core", "Gui"], may_ask_os=True),
+    "pictures": Layer(
+        ["src/Media/Pictures/*"],
+        ["base", "support", "media"],
+        ["Core", "Gui"],
+        libraries=["png"]),
+    "media": Layer(["src/Media/*"], ["base", "support"], ["Core", "Gui"]),
     "model": Layer(
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
          "src/RecordingTypes.*"],
@@ -67,7 +73,7 @@ LAYERS = {
         ["Core", "Gui"]),
     "services": Layer(
         ["src/HotKey.*", "src/CaptureManager.*", "src/Preferences.*"],
-        MODEL_AND_BELOW + ["platform"],
+        MODEL_AND_BELOW + ["platform", "media"],
         ["Core", "Gui"]),
     "kit": Layer(
         ["src/Chrome.*", "src/ChromeButton.*", "src/ChromeViews.*", "src/StatusIcon.*",
