@@ -65,6 +65,11 @@ LAYERS = {
         ["base", "support", "media"],
         ["Core", "Gui"],
         libraries=["png"]),
+    "ffmpeg": Layer(
+        ["src/Media/FFmpeg/*"],
+        ["base", "support", "media"],
+        ["Core", "Gui"],
+        libraries=["av"]),
     "media": Layer(["src/Media/*"], ["base", "support"], ["Core", "Gui"]),
     "model": Layer(
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
@@ -105,6 +110,7 @@ LAYERS = {
 LIBRARIES = {
     "xcb": ["xcb/*", "X11/*", "xkbcommon/*"],
     "png": ["libdeflate.h", "png.h"],
+    "av": ["libav*/*", "libsw*/*"],
 }
 
 OS_MACRO = re.compile(
