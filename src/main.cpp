@@ -1,4 +1,5 @@
 #include "AppDelegate.h"
+#include "ChipThumbnail.h"
 #include "Platform/Application.h"
 #include "Platform/Defaults.h"
 #include "Preferences.h"
@@ -38,7 +39,8 @@ int main(int argc, char** argv)
     std::setlocale(LC_NUMERIC, "C");
 
     Preferences preferences(Platform::openDefaults());
-    AppDelegate delegate(preferences, Clock::system(), Subsystems{});
+    AppDelegate delegate(preferences, Clock::system(),
+                         Subsystems{.loadChipContent = ChipThumbnail::load});
     QTimer::singleShot(0, &delegate, [&] { delegate.applicationDidFinishLaunching(instance); });
     return QApplication::exec();
 }

@@ -29,14 +29,14 @@ class Layer:
 
 
 MODEL_AND_BELOW = ["base", "support", "model"]
-SERVICES_AND_BELOW = MODEL_AND_BELOW + ["platform", "services"]
+SERVICES_AND_BELOW = MODEL_AND_BELOW + ["platform", "media", "services"]
 EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection", "chips"]
 
 LAYERS = {
     # What the capture tool shares with the program: it starts without Qt.
     "base": Layer(
         [f"src/Support/{name}.*" for name in (
-            "FileDescriptor", "Geometry", "Result", "ScreenTable")],
+            "FileDescriptor", "Geometry", "RegularFile", "Result", "ScreenTable")],
         [],
         []),
     "x11": Layer(
@@ -60,15 +60,26 @@ LAYERS = {
         ["Core", "Gui", "Widgets", "private"],
         may_ask_os=True),
     "platform": Layer(["src/Platform/*"], ["base", "support"], ["Core", "Gui"], may_ask_os=True),
+    "pictures": Layer(
+        ["src/Media/Pictures/*"],
+        ["base", "support", "media"],
+        ["Core", "Gui"],
+        libraries=["png"]),
+    "ffmpeg": Layer(
+        ["src/Media/FFmpeg/*"],
+        ["base", "support", "media"],
+        ["Core", "Gui"],
+        libraries=["av"]),
+    "media": Layer(["src/Media/*"], ["base", "support"], ["Core", "Gui"]),
     "model": Layer(
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
          "src/ChipPlacement.*", "src/ChipContent.*", "src/CaptureKind.*", "src/RecordingTypes.*"],
         ["base", "support"],
         ["Core", "Gui"]),
     "services": Layer(
-        ["src/HotKey.*", "src/CaptureManager.*", "src/Preferences.*",
+        ["src/HotKey.*", "src/CaptureManager.*", "src/ChipThumbnail.*", "src/Preferences.*",
          "src/ScreenWatcher.*"],
-        MODEL_AND_BELOW + ["platform"],
+        MODEL_AND_BELOW + ["platform", "media"],
         ["Core", "Gui"]),
     "kit": Layer(
         ["src/Chrome.*", "src/ChromeButton.*", "src/ChromeViews.*", "src/Fade.*",
@@ -104,6 +115,7 @@ LAYERS = {
 LIBRARIES = {
     "xcb": ["xcb/*", "X11/*", "xkbcommon/*"],
     "png": ["libdeflate.h", "png.h"],
+    "av": ["libav*/*", "libsw*/*"],
 }
 
 OS_MACRO = re.compile(

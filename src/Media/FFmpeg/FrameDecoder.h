@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Media/FFmpeg/Handles.h"
+#include "Media/FFmpeg/Patience.h"
+#include "Support/Result.h"
+
+#include <cstdint>
+#include <memory>
+
+/// The frames of a container's picture track one after the other, from wherever it was last sought.
+class FrameDecoder {
+public:
+    /// Both outlive this. Other tracks are not read any more.
+    static Result<std::unique_ptr<FrameDecoder>> open(AVFormatContext& file,
+                                                      const Patience& patience);
+
+    const AVStream& stream() const { return m_stream; }
+
+    /// The next frame by the order in which they show, its pts in the stream's ticks, its pixels'
+    /// shape filled in. Nothing at the end, where the file is broken off, and when patience is
+    /// over.
+    Av::Frame next();
+
+    /// Goes on with the key frame at or before `time`, in the stream's ticks.
+    bool seek(std::int64_t time);
+
+    /// Whether a key frame that has not been read yet is known at or before `time`.
+    bool hasNewKeyFrame(std::int64_t time) const;
+
+    /// The decoding time of the first packet after the last seek; INT64_MIN when there is none.
+    std::int64_t firstTime() const { return m_firstTime; }
+
+private:
+    FrameDecoder(AVFormatContext& file, AVStream& stream, const Patience& patience);
+    PossibleFailure openCodec();
+    void sendPacket();
+
+    AVFormatContext& m_file;
+    AVStream& m_stream;
+    const Patience& m_patience;
+    Av::Codec m_codec;
+    Av::Packet m_packet;
+    std::int64_t m_firstTime = INT64_MIN;
+    std::int64_t m_lastTime = INT64_MIN;
+    std::int64_t m_lastShown = INT64_MIN;
+};

@@ -1,0 +1,175 @@
+#include "Media/FrameReader.h"
+
+#include "Media/FFmpeg/FrameDecoder.h"
+#include "Media/FFmpeg/FrameImage.h"
+#include "Media/FFmpeg/VideoFile.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+/// In the ticks of `base`, rounded down but for a microsecond.
+std::int64_t ticksAt(double seconds, AVRational base)
+{
+    constexpr double microsecond = 1e-6;
+    constexpr double most = 4e18;
+    const double ticks = std::floor((seconds + microsecond) / av_q2d(base));
+    return std::isnan(ticks) ? 0 : static_cast<std::int64_t>(std::clamp(ticks, -most, most));
+}
+
+std::optional<double> longestTrack(const AVFormatContext& file)
+{
+    double longest = 0;
+    for (unsigned i = 0; i < file.nb_streams; ++i) {
+        const AVStream& stream = *file.streams[i];
+        if (stream.duration > 0)
+            longest =
+                std::max(longest, static_cast<double>(stream.duration) * av_q2d(stream.time_base));
+    }
+    return longest > 0 ? std::optional(longest) : std::nullopt;
+}
+
+} // namespace
+
+class FrameReader::Video {
+public:
+    explicit Video(const FrameReaderLimits& limits)
+        : m_patience(limits.time, limits.cancellation)
+    {
+    }
+
+    PossibleFailure open(const std::string& path);
+    QSize size() const { return m_size; }
+    std::optional<double> duration() const;
+    Result<QImage> frameAt(double seconds, QSize box);
+
+private:
+    void goTo(std::int64_t time);
+    bool mustSeek(std::int64_t time) const;
+    void seek(std::int64_t time);
+    bool isFirst(const AVFrame& frame) const { return frame.pts <= m_firstFrame; }
+
+    Patience m_patience;
+    std::unique_ptr<VideoFile> m_file;
+    std::unique_ptr<FrameDecoder> m_decoder;
+    std::optional<FrameImage> m_image;
+    QSize m_size;
+    std::int64_t m_firstFrame = 0; // its time, in the stream's ticks
+    Av::Frame m_shown;             // absent after a search that was not finished
+    Av::Frame m_next;              // the one after it, when it is known
+};
+
+PossibleFailure FrameReader::Video::open(const std::string& path)
+{
+    m_patience.begin();
+    auto file = VideoFile::open(path, m_patience);
+    if (!file)
+        return file.failure();
+    m_file = std::move(*file);
+    auto decoder = FrameDecoder::open(m_file->context(), m_patience);
+    if (!decoder)
+        return Failure{"cannot read " + path + ": " + decoder.failure().message};
+    m_decoder = std::move(*decoder);
+    m_shown = m_decoder->next();
+    if (!m_shown)
+        return Failure{"cannot read " + path + ": there is no frame in it"};
+    m_firstFrame = m_shown->pts;
+    m_image.emplace(orientationOf(m_decoder->stream()));
+    m_size = m_image->sizeOf(*m_shown);
+    return {};
+}
+
+std::optional<double> FrameReader::Video::duration() const
+{
+    const AVFormatContext& file = m_file->context();
+    if (const auto longest = longestTrack(file))
+        return longest;
+    if (file.duration > 0)
+        return static_cast<double>(file.duration) / AV_TIME_BASE;
+    return {};
+}
+
+Result<QImage> FrameReader::Video::frameAt(double seconds, QSize box)
+{
+    m_patience.begin();
+    goTo(ticksAt(seconds, m_decoder->stream().time_base));
+    if (m_patience.isOver())
+        m_shown.reset(); // it may be on its way
+    if (!m_shown)
+        return Failure{"the frame cannot be read"};
+    return m_image->render(*m_shown, box);
+}
+
+void FrameReader::Video::goTo(std::int64_t time)
+{
+    if (mustSeek(time))
+        seek(time);
+    while (m_shown) {
+        if (!m_next)
+            m_next = m_decoder->next();
+        if (!m_next || m_next->pts > time)
+            return;
+        m_shown = std::move(m_next);
+    }
+}
+
+bool FrameReader::Video::mustSeek(std::int64_t time) const
+{
+    if (!m_shown)
+        return true;
+    if (time < m_shown->pts)
+        return !isFirst(*m_shown);
+    return (!m_next || m_next->pts <= time) && m_decoder->hasNewKeyFrame(time);
+}
+
+void FrameReader::Video::seek(std::int64_t time)
+{
+    // Containers look key frames up by decoding time, and frames that refer to what was before
+    // their key frame are lost: where the first frame is too late, an earlier key frame is needed.
+    m_next.reset();
+    for (std::int64_t from = time; !m_patience.isOver();) {
+        m_shown = m_decoder->seek(from) ? m_decoder->next() : nullptr;
+        if (m_shown && (m_shown->pts <= time || isFirst(*m_shown)))
+            return;
+        const std::int64_t start = m_decoder->firstTime();
+        if (from <= m_firstFrame)
+            return; // there is nothing before it
+        from = start == INT64_MIN ? m_firstFrame : std::clamp(start - 1, m_firstFrame, from - 1);
+    }
+}
+
+Result<FrameReader> FrameReader::open(const QString& path, const FrameReaderLimits& limits)
+{
+    auto video = std::make_unique<Video>(limits);
+    if (const PossibleFailure failure = video->open(QFile::encodeName(path).toStdString()))
+        return *failure;
+    return FrameReader(std::move(video));
+}
+
+FrameReader::FrameReader(std::unique_ptr<Video> video)
+    : m_video(std::move(video))
+{
+}
+
+FrameReader::FrameReader(FrameReader&&) noexcept = default;
+FrameReader& FrameReader::operator=(FrameReader&&) noexcept = default;
+FrameReader::~FrameReader() = default;
+
+QSize FrameReader::size() const
+{
+    return m_video->size();
+}
+
+std::optional<double> FrameReader::duration() const
+{
+    return m_video->duration();
+}
+
+Result<QImage> FrameReader::frameAt(double seconds, QSize box)
+{
+    return m_video->frameAt(seconds, box);
+}
