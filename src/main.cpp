@@ -39,8 +39,9 @@ int main(int argc, char** argv)
     std::setlocale(LC_NUMERIC, "C");
 
     Preferences preferences(Platform::openDefaults());
-    AppDelegate delegate(preferences, Clock::system(),
-                         Subsystems{.loadChipContent = ChipThumbnail::load});
+    Subsystems subsystems;
+    subsystems.loadChipContent = ChipThumbnail::load;
+    AppDelegate delegate(preferences, Clock::system(), std::move(subsystems));
     QTimer::singleShot(0, &delegate, [&] { delegate.applicationDidFinishLaunching(instance); });
     return QApplication::exec();
 }
