@@ -12,8 +12,8 @@ extern "C" {
 
 namespace {
 
-/// With square pixels a frame may have more than it was decoded to.
-constexpr qint64 maximumPixels = qint64{1} << 26;
+/// With square pixels a frame may have more than it was decoded to. 8K has 33 million.
+constexpr qint64 maximumPixels = qint64{1} << 25;
 
 /// A pixel's width over its height. Beyond an eighth or eight no picture means it.
 double pixelShape(const AVFrame& frame)
