@@ -156,7 +156,7 @@ TEST_F(FramePicture, IsUpright)
         QSize size;
         std::array<QColor, 4> corners;
     };
-    const std::array<Case, 7> cases{{
+    const std::array<Case, 8> cases{{
         {{1, 0, 0, 1}, {160, 80}, {red, green, blue, white}},
         {{0, 1, -1, 0}, {80, 160}, {white, red, green, blue}}, // turned clockwise
         {{-1, 0, 0, -1}, {160, 80}, {blue, white, red, green}},
@@ -164,6 +164,7 @@ TEST_F(FramePicture, IsUpright)
         {{-1, 0, 0, 1}, {160, 80}, {green, red, white, blue}}, // mirrored
         {{1, 0, 0, -1}, {160, 80}, {white, blue, green, red}},
         {{0, 1, 1, 0}, {80, 160}, {red, white, blue, green}},
+        {{1, 1, -1, 1}, {160, 80}, {red, green, blue, white}}, // by half a quarter: left out
     }};
     for (const Case& turned : cases) {
         const auto [a, b, c, d] = turned.matrix;
