@@ -7,12 +7,13 @@
 
 extern "C" {
 #include <libavutil/mem.h>
+#include <libavutil/pixdesc.h>
 }
 
 namespace {
 
-/// With square pixels a frame may have more than it was decoded to.
-constexpr qint64 maximumPixels = qint64{1} << 26;
+/// With square pixels a frame may have more than it was decoded to. 8K has 33 million.
+constexpr qint64 maximumPixels = qint64{1} << 25;
 
 /// A pixel's width over its height. Beyond an eighth or eight no picture means it.
 double pixelShape(const AVFrame& frame)
@@ -70,6 +71,23 @@ bool isFullRange(const AVFrame& frame)
                                  AV_PIX_FMT_YUVJ440P, AV_PIX_FMT_YUVJ444P};
     return frame.color_range == AVCOL_RANGE_JPEG ||
            std::find(formats.begin(), formats.end(), frame.format) != formats.end();
+}
+
+bool hasAlpha(const AVFrame& frame)
+{
+    const AVPixFmtDescriptor* const format =
+        av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
+    return format && (format->flags & AV_PIX_FMT_FLAG_ALPHA) != 0;
+}
+
+/// swscale copies alpha even into a format that has none, and Qt counts on 255 there.
+void makeOpaque(QImage& image)
+{
+    for (int y = 0; y < image.height(); ++y) {
+        void* const row = image.scanLine(y);
+        auto* const pixels = static_cast<QRgb*>(row);
+        std::for_each(pixels, pixels + image.width(), [](QRgb& pixel) { pixel |= 0xff000000; });
+    }
 }
 
 /// Memory that swscale may write past the end of a row into: it works in blocks.
@@ -136,5 +154,7 @@ Result<QImage> FrameImage::render(const AVFrame& frame, QSize box)
     if (sws_scale(m_scaler.get(), frame.data, frame.linesize, 0, frame.height, planes.data(),
                   strides.data()) <= 0)
         return Failure{"a frame of this kind cannot be shown"};
+    if (hasAlpha(frame))
+        makeOpaque(image);
     return m_orientation.upright(image);
 }

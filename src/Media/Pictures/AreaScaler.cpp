@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int channels = 4;
+constexpr std::ptrdiff_t channels = 4;
 constexpr std::uint32_t wholeRow = 256;
 /// Edges that lie closer together than this are the same: they come from divisions.
 constexpr double tiny = 1e-6;
@@ -20,7 +20,7 @@ int roundedUp(double edge)
     return static_cast<int>(std::ceil(edge - tiny));
 }
 
-void premultiply(unsigned char* row, int width)
+void premultiply(unsigned char* row, std::ptrdiff_t width)
 {
     for (unsigned char* pixel = row; pixel != row + width * channels; pixel += channels) {
         const unsigned alpha = pixel[3];
@@ -40,7 +40,7 @@ AreaScaler::AreaScaler(const QRectF& part, QSize size, bool hasAlpha)
     , m_result(size, hasAlpha ? QImage::Format_RGBA8888_Premultiplied : QImage::Format_RGBX8888)
     , m_columns(columnSpans(part, size.width()))
     , m_firstColumn(m_columns.front().first)
-    , m_sums(static_cast<std::size_t>(m_columns.back().last + 1 - m_firstColumn) * channels)
+    , m_sums(static_cast<std::size_t>((m_columns.back().last + 1 - m_firstColumn) * channels))
     , m_nextSourceRow(firstRow())
 {
 }
@@ -67,6 +67,7 @@ AreaScaler::Span AreaScaler::spanOf(double from, double to)
 std::vector<AreaScaler::Span> AreaScaler::columnSpans(const QRectF& part, int count) const
 {
     std::vector<Span> spans;
+    spans.reserve(static_cast<std::size_t>(count));
     const double step = part.width() / count;
     for (int i = 0; i < count; ++i)
         spans.push_back(spanOf(part.left() + i * step, part.left() + (i + 1) * step));
@@ -77,7 +78,7 @@ void AreaScaler::add(unsigned char* row)
 {
     unsigned char* const wanted = row + m_firstColumn * channels;
     if (m_hasAlpha)
-        premultiply(wanted, static_cast<int>(m_sums.size()) / channels);
+        premultiply(wanted, static_cast<std::ptrdiff_t>(m_sums.size()) / channels);
     const double top = m_nextSourceRow++;
     const double bottom = top + 1;
     while (m_nextResultRow < m_result.height()) {
@@ -112,8 +113,7 @@ void AreaScaler::finishRow()
 {
     unsigned char* result = m_result.scanLine(m_nextResultRow++);
     for (const Span& span : m_columns) {
-        const std::uint32_t* column =
-            m_sums.data() + static_cast<std::size_t>(span.first - m_firstColumn) * channels;
+        const std::uint32_t* column = m_sums.data() + (span.first - m_firstColumn) * channels;
         const int whole = std::max(0, span.last - span.first - 1);
         const float total = span.firstShare + span.lastShare + static_cast<float>(whole);
         const float scale = 1 / (total * static_cast<float>(m_weight));
@@ -124,7 +124,7 @@ void AreaScaler::finishRow()
                 sum += *(at += channels);
             if (span.last > span.first)
                 sum += static_cast<double>(at[channels]) * span.lastShare;
-            *result++ = static_cast<unsigned char>(sum * scale + 0.5);
+            *result++ = static_cast<unsigned char>(std::lround(sum * scale));
         }
     }
     std::fill(m_sums.begin(), m_sums.end(), 0);

@@ -7,6 +7,8 @@
 
 #include <array>
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 
 namespace {
 
@@ -58,6 +60,17 @@ protected:
 
     TemporaryFolder m_folder;
 };
+
+/// How many bytes this process has read so far. Linux.
+long bytesRead()
+{
+    std::ifstream counters("/proc/self/io");
+    std::string name;
+    long count = 0;
+    counters >> name >> count;
+    EXPECT_EQ(name, "rchar:");
+    return count;
+}
 
 } // namespace
 
@@ -149,4 +162,24 @@ TEST_F(FrameTimes, OfAReaderThatWasMoved)
     EXPECT_EQ(frameAt(second, 0.1), 3);
     first = std::move(second);
     EXPECT_EQ(frameAt(first, 0.2), 6);
+}
+
+TEST_F(FrameTimes, AreReadOnceInOrderAndSkippedOtherwise)
+{
+    const std::string path = m_folder / "noise.mp4";
+    Videos::make({"-f", "lavfi", "-i", "nullsrc=s=320x240:r=30:d=2,noise=alls=100:allf=t", "-bf",
+                  "0", "-g", "15", "-pix_fmt", "yuv420p", path});
+    const auto size = static_cast<long>(std::filesystem::file_size(path));
+    ASSERT_GT(size, 1 << 20);
+
+    FrameReader inOrder = opened(path);
+    const long before = bytesRead();
+    for (int i = 0; i < 60; ++i)
+        ASSERT_TRUE(inOrder.frameAt(i / 30.0, {32, 24}));
+    EXPECT_LT(bytesRead() - before, size + size / 4);
+
+    FrameReader leaping = opened(path);
+    const long beforeLeap = bytesRead();
+    ASSERT_TRUE(leaping.frameAt(1.6, {32, 24})); // three frames behind the last key frame
+    EXPECT_LT(bytesRead() - beforeLeap, size / 4);
 }

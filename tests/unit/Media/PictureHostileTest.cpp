@@ -94,6 +94,7 @@ TEST_F(HostilePicture, ThatClaimsToBeHuge)
                   "too large");
     expectRefused(file(PngFile{.width = 0xffff'ffff, .height = 1, .row = "x"}.bytes()), "broken");
     expectRefused(file(PngFile{.width = 0, .height = 1, .row = "x"}.bytes()), "broken");
+    expectRefused(file(PngFile{.width = 1, .height = 70'000, .row = "x"}.bytes()), "too large");
     std::string jpeg = encoded("jpeg");
     const std::size_t frame = jpeg.find("\xff\xc0");
     ASSERT_NE(frame, std::string::npos);

@@ -70,7 +70,7 @@ TEST_F(PictureInfo, OfAPngWithDensity)
     // 144 dots an inch, as the capture tool writes it.
     EXPECT_EQ(infoOf(png(PngFile::density(5669, 1))).density, 2);
     EXPECT_EQ(infoOf(png(PngFile::density(5669, 1))).points(), QSizeF(15, 10));
-    EXPECT_EQ(infoOf(png(PngFile::density(2, 0))).density, 1) << "only the shape of a pixel";
+    EXPECT_EQ(infoOf(png(PngFile::density(5669, 0))).density, 1) << "only the shape of a pixel";
     EXPECT_EQ(infoOf(png(PngFile::chunk("tEXt", "k\0v") + PngFile::density(5669, 1))).density, 2);
 }
 

@@ -106,12 +106,14 @@ TEST_F(PictureThumbnail, IsTheMeanOfWhatEachPixelCovers)
 
 TEST_F(PictureThumbnail, SharesPixelsOutWhereEdgesFallBetweenThem)
 {
-    // A pixel covers 2.5 columns: 0, 1 and half of 2, then half of 2, 3 and 4.
-    const QImage image = thumbnailOf(ramp({200, 120}), {80, 48});
-    ASSERT_EQ(image.size(), QSize(80, 48));
-    EXPECT_EQ(image.pixel(0, 0), qRgb(1, 1, 7));       // (0 + 1 + 2 / 2) / 2.5 = 0.8
-    EXPECT_EQ(image.pixel(1, 1), qRgb(3, 3, 7));       // (2 / 2 + 3 + 4) / 2.5 = 3.2
-    EXPECT_EQ(image.pixel(79, 47), qRgb(198, 118, 7)); // (197 / 2 + 198 + 199) / 2.5 = 198.2
+    // A pixel covers 1.5 columns and rows: 0 and half of 1, then half of 1 and 2, then 3 and half
+    // of 4.
+    const QImage image = thumbnailOf(ramp({150, 120}), {100, 80});
+    ASSERT_EQ(image.size(), QSize(100, 80));
+    EXPECT_EQ(image.pixel(0, 0), qRgb(0, 0, 7));       // (0 + 1 / 2) / 1.5 = 0.33
+    EXPECT_EQ(image.pixel(1, 1), qRgb(2, 2, 7));       // (1 / 2 + 2) / 1.5 = 1.67
+    EXPECT_EQ(image.pixel(2, 2), qRgb(3, 3, 7));       // (3 + 4 / 2) / 1.5 = 3.33
+    EXPECT_EQ(image.pixel(99, 79), qRgb(149, 119, 7)); // (148 / 2 + 149) / 1.5 = 148.67
 }
 
 TEST_F(PictureThumbnail, IsCutAroundTheCentre)
