@@ -87,8 +87,7 @@ void AppDelegate::setupStatusItem()
                            .toggleMic = [this] { toggleMic(); },
                            .hasLastCapture = [this] { return lastCaptureURL().has_value(); },
                            .mayPopUp = [] { return !SelectionSession::current; },
-                           .chipPositionChanged =
-[this] { m_chips.layout(true); },
+                           .chipPositionChanged = [this] { m_chips.layout(true); },
                        });
     m_statusMenu->show();
 }

@@ -25,8 +25,7 @@ ChipPlacement::Anchor anchor(const Preferences& preferences)
 /// Edges belong to a screen, those that it shares with another to both.
 bool containsInclusively(Rect frame, Point p)
 {
-    return p.x >= frame.minX() && p.x <= frame.maxX() && p.y >= frame.minY() &&
-           p.y <= frame.maxY();
+    return p.x >= frame.minX() && p.x <= frame.maxX() && p.y >= frame.minY() && p.y <= frame.maxY();
 }
 
 std::optional<Platform::Screen> screenUnderPointer()
@@ -92,8 +91,7 @@ void ChipManager::layout(bool animated)
     sizes.reserve(m_panels.size());
     for (const auto& panel : m_panels)
         sizes.push_back(panel->frame().size());
-    const auto origins =
-        ChipPlacement::origins(anchor(m_preferences), sizes, screen->visibleFrame);
+    const auto origins = ChipPlacement::origins(anchor(m_preferences), sizes, screen->visibleFrame);
     for (std::size_t i = 0; i < m_panels.size(); ++i)
         m_panels[i]->moveTo(origins[i], animated ? layoutTime : 0ms);
 }

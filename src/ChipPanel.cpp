@@ -40,9 +40,9 @@ ChipPanel::ChipPanel(const QUrl& file, const ChipContent& content, const Clock& 
 {
     setObjectName(QStringLiteral("ChipPanel"));
     setWindowTitle(QStringLiteral("Tamrik Chip"));
-    Platform::applyTraits(*this, {.level = Platform::WindowLevel::StatusPanel,
-                                  .nonActivating = true,
-                                  .translucent = true});
+    Platform::applyTraits(
+        *this,
+        {.level = Platform::WindowLevel::StatusPanel, .nonActivating = true, .translucent = true});
     setCursor(Qt::ArrowCursor);
 
     const Size size = ChipPlacement::chipSize(content.pictureSize);
@@ -148,8 +148,8 @@ void ChipPanel::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     // The view covers all but its round corners, and is what changes most.
     constexpr int cornerReach = 4;
-    const QRect covered = m_view->geometry().adjusted(cornerReach, cornerReach, -cornerReach,
-                                                      -cornerReach);
+    const QRect covered =
+        m_view->geometry().adjusted(cornerReach, cornerReach, -cornerReach, -cornerReach);
     painter.setClipRegion(event->region() - covered);
     SoftShadow::paint(painter, m_view->geometry(), ChipView::cornerRadius);
 }

@@ -89,8 +89,8 @@ std::vector<Point> customOrigins(Point anchor, const std::vector<Size>& oldestFi
 {
     const double height = oldestFirst.back().height;
     const bool inUpperHalf = anchor.y >= visible.minY() + visible.height / 2;
-    const std::vector<double> ys = inUpperHalf ? downwards(oldestFirst, anchor.y + height)
-                                               : upwards(oldestFirst, anchor.y);
+    const std::vector<double> ys =
+        inUpperHalf ? downwards(oldestFirst, anchor.y + height) : upwards(oldestFirst, anchor.y);
     std::vector<Point> result;
     result.reserve(ys.size());
     for (const double y : ys)

@@ -5,7 +5,8 @@
 
 #include <vector>
 
-/// Where chips stand and how large they are. In points, y up; `visible` is a screen's visible frame.
+/// Where chips stand and how large they are. In points, y up; `visible` is a screen's visible
+/// frame.
 namespace ChipPlacement {
 
 /// Between the stack and the edges of the visible frame.

@@ -142,8 +142,7 @@ void ChipView::setupOverlay()
         ->setGeometry(QRect(copyOrigin + QPoint(side + gap, 0), QSize(side, side)));
 }
 
-ChromeButton* ChipView::overlayButton(Symbol symbol, const QString& tip,
-                                      void (ChipView::*action)())
+ChromeButton* ChipView::overlayButton(Symbol symbol, const QString& tip, void (ChipView::*action)())
 {
     auto* button = new ChromeButton(
         Symbols::Image{symbol, symbolSize, Symbols::Weight::semibold, tip}, m_overlay);

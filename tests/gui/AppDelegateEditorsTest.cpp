@@ -77,8 +77,7 @@ TEST_F(AppDelegateTest, AChipsEditOpensItsEditor)
     takeNotes();
     QTest::mouseClick(&app->chips().panels().front()->view(), Qt::LeftButton, {}, {30, 60});
     const QString name = chips().at(0).fileName();
-    EXPECT_EQ(takeNotes().join(QLatin1Char('|')),
-              QStringLiteral("image %1|%1 front").arg(name));
+    EXPECT_EQ(takeNotes().join(QLatin1Char('|')), QStringLiteral("image %1|%1 front").arg(name));
 }
 
 TEST_F(AppDelegateTest, AnnotateLastOpensTheLastScreenshotWhileItsFileExists)

@@ -148,7 +148,7 @@ TEST_F(AppDelegateTest, ChoosingAPositionMovesTheStackAnimated)
     const ChipPanel& chip = *app->chips().panels().front();
     const Geometry::Point before = chip.frame().origin();
     app->statusMenu()->positionMenu().actions().at(5)->trigger(); // "Top Right"
-    EXPECT_EQ(chip.frame().origin(), before); // it is on its way
+    EXPECT_EQ(chip.frame().origin(), before);                     // it is on its way
     const Geometry::Point topRight = {1440 - 24 - 160, 875 - 24 - 90};
     EXPECT_TRUE(runUntil([&] { return chip.frame().origin() == topRight; }));
 }

@@ -37,13 +37,16 @@ protected:
 
     std::unique_ptr<ChipManager> makeManager()
     {
-        auto made = std::make_unique<ChipManager>(
-            preferences, clock.clock(), [this](const QUrl&) { return content; });
+        auto made = std::make_unique<ChipManager>(preferences, clock.clock(),
+                                                  [this](const QUrl&) { return content; });
         made->onEdit = [this](const QUrl& url) { edited.append(url); };
         return made;
     }
 
-    static QUrl file(const QString& name) { return QUrl::fromLocalFile(QStringLiteral("/") + name); }
+    static QUrl file(const QString& name)
+    {
+        return QUrl::fromLocalFile(QStringLiteral("/") + name);
+    }
 
     /// Shows a picture of a size (points), and lets all chips come to rest.
     ChipPanel& add(const QString& name, Geometry::Size size = {200, 100})

@@ -249,8 +249,8 @@ TEST_F(ChipViewTest, CommandDragMovesTheWholeStackAndKeepsItThere)
 TEST_F(ChipViewTest, AMoveOfTheStackOutlivesItsManager)
 {
     ChipContent shown = contentOf({200, 100});
-    auto panel = ChipPanel::make(
-        file(QStringLiteral("1.png")), [&](const QUrl&) { return shown; }, clock.clock(), {});
+    auto panel = ChipPanel::make(file(QStringLiteral("1.png")), [&](const QUrl&) { return shown; },
+                                 clock.clock(), {});
     ASSERT_TRUE(panel);
     panel->view().setManager(manager.get());
     manager.reset();
@@ -270,8 +270,8 @@ TEST_F(ChipViewTest, TheThumbnailFillsTheChipUnderRoundCornersAndALightLine)
     expectColor(image, {10, 100}, blue);
     // The line is a point wide, white at 0.35.
     const QColor line = mixed(blue, Qt::white, 0.35);
-    for (const QPoint pixel : {QPoint(0, 100), QPoint(1, 100), QPoint(399, 100), QPoint(200, 0),
-                               QPoint(200, 199)})
+    for (const QPoint pixel :
+         {QPoint(0, 100), QPoint(1, 100), QPoint(399, 100), QPoint(200, 0), QPoint(200, 199)})
         expectColor(image, pixel, line);
     expectColor(image, {2, 100}, blue);
     // The corner is round with a radius of ten points: its centre lies at (20, 20) pixels.

@@ -105,14 +105,16 @@ TEST(Stack, InTheMiddleEachChipIsCentredByItsOwnWidth)
 
 TEST(Stack, ACustomOneInTheLowerHalfGrowsUpwards)
 {
-    const auto origins = ChipPlacement::origins(at(Point{600, 449}), {{200, 90}, {100, 120}}, visible);
+    const auto origins =
+        ChipPlacement::origins(at(Point{600, 449}), {{200, 90}, {100, 120}}, visible);
     EXPECT_THAT(origins, ElementsAre(Point{600, 581}, Point{600, 449}));
 }
 
 TEST(Stack, ACustomOneOnTheMiddleLineGrowsDownwards)
 {
     // The middle of the frame is at y = 450.
-    const auto origins = ChipPlacement::origins(at(Point{600, 450}), {{200, 90}, {100, 120}}, visible);
+    const auto origins =
+        ChipPlacement::origins(at(Point{600, 450}), {{200, 90}, {100, 120}}, visible);
     EXPECT_THAT(origins, ElementsAre(Point{600, 348}, Point{600, 450}));
 }
 
@@ -126,8 +128,8 @@ TEST(Stack, ACustomOriginIsKeptWithinTheFrameByTheNewestChipsSize)
 
 TEST(Stack, ALongOneRunsPastTheFrame)
 {
-    const auto origins = ChipPlacement::origins(at(ChipPosition::bottomLeft),
-                                                {{100, 150}, {100, 150}, {100, 150}}, {0, 0, 300, 300});
+    const auto origins = ChipPlacement::origins(
+        at(ChipPosition::bottomLeft), {{100, 150}, {100, 150}, {100, 150}}, {0, 0, 300, 300});
     EXPECT_THAT(origins, ElementsAre(Point{24, 348}, Point{24, 186}, Point{24, 24}));
 }
 

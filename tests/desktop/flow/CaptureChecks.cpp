@@ -120,6 +120,7 @@ QImage CaptureChecks::takePicture()
     EXPECT_TRUE(succeeded(waitUntil(QStringLiteral("the picture to be the last one"), [&] {
         return m_tamrik.preferences().value(QStringLiteral("lastCapturePath")) == *path;
     })));
+    EXPECT_TRUE(succeeded(m_tamrik.putChipsAway()));
     const QImage picture(*path);
     // Two in a second have the same name.
     EXPECT_TRUE(QFile::remove(*path));

@@ -97,6 +97,37 @@ QList<Window> Tamrik::overlay() const
     });
 }
 
+QList<Window> Tamrik::chips() const
+{
+    return Desktop::Windows(m_desktop).where([this](const Window& window) {
+        return window.pid == m_app->pid() && window.isViewable && window.isOverrideRedirect &&
+               window.isTopLevel && window.title == QLatin1String("Tamrik Chip");
+    });
+}
+
+Outcome<void> Tamrik::awaitChips(int count) const
+{
+    return Desktop::waitFor(QStringLiteral("%1 chips").arg(count), [&]() -> Outcome<void> {
+        const auto now = chips().size();
+        return now == count ? Outcome<void>()
+                            : Desktop::Failure{QStringLiteral("there are %1").arg(now)};
+    });
+}
+
+Outcome<void> Tamrik::putChipsAway() const
+{
+    if (const auto any =
+            Desktop::waitUntil(QStringLiteral("a chip"), [this] { return !chips().isEmpty(); });
+        !any)
+        return any;
+    xcb_connection_t* connection = m_desktop.server().connection();
+    for (const Window& chip : chips())
+        xcb_unmap_window(connection, chip.id);
+    xcb_flush(connection);
+    return Desktop::waitUntil(QStringLiteral("the chips to go"),
+                              [this] { return chips().isEmpty(); });
+}
+
 Outcome<void> Tamrik::awaitOverlay() const
 {
     return Desktop::waitUntil(QStringLiteral("the overlay"),
@@ -127,7 +158,7 @@ QList<Window> Tamrik::menus() const
 {
     return Desktop::Windows(m_desktop).where([this](const Window& window) {
         return window.pid == m_app->pid() && window.isViewable && window.isOverrideRedirect &&
-               window.isTopLevel && window.title != QLatin1String("Tamrik Selection") &&
+               window.isTopLevel && !window.title.startsWith(QLatin1String("Tamrik ")) &&
                window.geometry.height() > 100;
     });
 }

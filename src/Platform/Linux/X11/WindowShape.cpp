@@ -45,7 +45,9 @@ void Platform::setBody(QWidget& window, QRect body, double cornerRadius)
         return;
     const auto id = static_cast<xcb_window_t>(window.winId());
     const double scale = window.devicePixelRatioF();
-    const auto native = [scale](double points) { return static_cast<int>(std::lround(points * scale)); };
+    const auto native = [scale](double points) {
+        return static_cast<int>(std::lround(points * scale));
+    };
     const QRect pixels(native(body.x()), native(body.y()), native(body.width()),
                        native(body.height()));
     setShape(id, XCB_SHAPE_SK_INPUT, pixels);
