@@ -27,7 +27,6 @@ using Symbols::Symbol;
 
 namespace {
 
-constexpr double borderAlpha = 0.35;
 constexpr double symbolSize = 12;
 constexpr double badgeTextSize = 10;
 constexpr int badgeHeight = 18;
@@ -36,7 +35,19 @@ constexpr auto badgeFadeTime = 400ms;
 /// How far the pointer may move before a click becomes a drag, in points.
 constexpr double clickReach = 4;
 
-/// The line around a chip, above everything else on it.
+/// The line around a chip, inside its box.
+void paintBorder(QPainter& painter, const QRectF& box)
+{
+    QColor white(Qt::white);
+    white.setAlphaF(0.35F);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(white, 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), ChipView::cornerRadius - 0.5,
+                            ChipView::cornerRadius - 0.5);
+}
+
+/// That line above everything else on a chip.
 class ChipBorder : public QWidget {
 public:
     explicit ChipBorder(QWidget* parent)
@@ -48,13 +59,8 @@ public:
 protected:
     void paintEvent(QPaintEvent*) override
     {
-        QColor white(Qt::white);
-        white.setAlphaF(static_cast<float>(borderAlpha));
         QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(white, 1));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5),
-                                ChipView::cornerRadius - 0.5, ChipView::cornerRadius - 0.5);
+        paintBorder(painter, rect());
     }
 };
 
@@ -318,5 +324,6 @@ QPixmap ChipView::dragPicture() const
     result.fill(Qt::transparent);
     QPainter painter(&result);
     paintPicture(painter, scale);
+    paintBorder(painter, body(scale));
     return result;
 }

@@ -88,6 +88,13 @@ protected:
         return {chip.left() + chip.width() / 8, chip.bottom() - chip.height() / 4};
     }
 
+    /// A place in a file manager's folder that no chip at the lower left of the screen covers.
+    static QPoint folderView(const Helper& manager)
+    {
+        const QRect window = manager.window.geometry;
+        return {window.right() - window.width() / 8, window.top() + window.height() * 2 / 5};
+    }
+
     /// The child of the root window that gets the mouse at a point.
     std::uint32_t windowAt(QPoint point) const
     {
@@ -118,8 +125,10 @@ TEST_P(ChipOnDesktop, ShowsItsPictureAndTakesNothingFromOthers)
     ASSERT_TRUE(succeeded(place));
     EXPECT_EQ(surroundings(), before);
 
-    // At most 220 points wide, at its corner.
-    EXPECT_EQ(place->size(), QSize(pixels(220), pixels(220.0 * area().height() / area().width())));
+    // At most 220 points wide, and not enlarged; at its corner.
+    const double fitted = std::min(220.0, area().width() / scale());
+    EXPECT_EQ(place->size(),
+              QSize(pixels(fitted), pixels(fitted * area().height() / area().width())));
     EXPECT_EQ(place->left(), pixels(24));
     if (desktop->options().tray == Tray::None) {
         EXPECT_EQ(place->bottom() + 1, desktop->options().size.height() - pixels(24));
@@ -197,8 +206,8 @@ TEST_P(ChipOnDesktop, ADragCopiesTheFileIntoAFileManager)
     ASSERT_TRUE(succeeded(manager));
     const std::uint32_t focused = windows().focused();
 
-    ASSERT_TRUE(succeeded(input().drag(bareSpot(*place), manager->window.geometry.center(),
-                                       {12, std::chrono::milliseconds(30)})));
+    ASSERT_TRUE(succeeded(
+        input().drag(bareSpot(*place), folderView(*manager), {12, std::chrono::milliseconds(30)})));
     const QString copy = folder + QLatin1Char('/') + QFileInfo(*path).fileName();
     ASSERT_TRUE(succeeded(waitUntil(QStringLiteral("the copy"),
                                     [&] { return contents(copy).size() == bytes.size(); })));
@@ -208,8 +217,8 @@ TEST_P(ChipOnDesktop, ADragCopiesTheFileIntoAFileManager)
     EXPECT_EQ(tamrik->chips().size(), 1);
     // It works a second time: nothing is left over from the first.
     ASSERT_TRUE(QFile::remove(copy));
-    ASSERT_TRUE(succeeded(input().drag(bareSpot(*place), manager->window.geometry.center(),
-                                       {12, std::chrono::milliseconds(30)})));
+    ASSERT_TRUE(succeeded(
+        input().drag(bareSpot(*place), folderView(*manager), {12, std::chrono::milliseconds(30)})));
     EXPECT_TRUE(
         succeeded(waitUntil(QStringLiteral("the copy"), [&] { return contents(copy) == bytes; })));
 }
@@ -266,7 +275,8 @@ TEST_P(ChipAboveAll, AProgramThatFillsTheScreenIsBelowTheChip)
     ASSERT_TRUE(succeeded(place));
     const std::uint32_t chip = tamrik->chips().front().id;
     {
-        const auto window = FullScreenWindow::show(*desktop, FullScreenWindow::Kind::Managed);
+        const auto window = FullScreenWindow::show(*desktop, FullScreenWindow::Kind::Managed,
+                                                   tamrik->chips().front().geometry);
         ASSERT_TRUE(succeeded(window));
         EXPECT_EQ(windowAt(place->center()), chip);
         // Not even when it is raised once more.

@@ -60,6 +60,11 @@ void askToBeFullScreen(const Server& server, xcb_window_t window)
                         server.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32, 1, &state);
 }
 
+void blacken(QImage& image, QRect part)
+{
+    QPainter(&image).fillRect(part, Qt::black);
+}
+
 } // namespace
 
 QImage FullScreenWindow::picture(QRect area)
@@ -85,7 +90,7 @@ FullScreenWindow::~FullScreenWindow()
 }
 
 Outcome<std::unique_ptr<FullScreenWindow>> FullScreenWindow::show(const VirtualDesktop& desktop,
-                                                                  Kind kind)
+                                                                  Kind kind, QRect others)
 {
     const Server& server = desktop.server();
     xcb_connection_t* connection = server.connection();
@@ -107,10 +112,14 @@ Outcome<std::unique_ptr<FullScreenWindow>> FullScreenWindow::show(const VirtualD
     xcb_flush(connection);
     std::unique_ptr<FullScreenWindow> window(new FullScreenWindow(desktop, id));
 
-    const QImage wanted = picture(QRect(QPoint(), size));
+    QImage wanted = picture(QRect(QPoint(), size));
+    blacken(wanted, others);
     const auto seen = waitUntil(QStringLiteral("the full-screen window"), [&] {
-        const auto now = Screen(desktop).grab(wanted.rect());
-        return now && *now == wanted;
+        auto now = Screen(desktop).grab(wanted.rect());
+        if (!now)
+            return false;
+        blacken(*now, others);
+        return *now == wanted;
     });
     if (!seen)
         return seen.failure();

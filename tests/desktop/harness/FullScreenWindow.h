@@ -20,9 +20,9 @@ public:
         Bypass,  ///< covers the screen without asking, as some games do
     };
 
-    /// Shows it and waits until all of it is seen.
-    static Outcome<std::unique_ptr<FullScreenWindow>> show(const VirtualDesktop& desktop,
-                                                           Kind kind);
+    /// Shows it and waits until all of it is seen, but for a part that others may lie above.
+    static Outcome<std::unique_ptr<FullScreenWindow>> show(const VirtualDesktop& desktop, Kind kind,
+                                                           QRect others = {});
     ~FullScreenWindow();
     FullScreenWindow(const FullScreenWindow&) = delete;
     FullScreenWindow& operator=(const FullScreenWindow&) = delete;

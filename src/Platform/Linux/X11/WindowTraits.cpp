@@ -69,10 +69,18 @@ void Platform::setFrame(QWidget& window, Geometry::Rect frame)
     const QRect place(QPoint(static_cast<int>(std::lround(wanted.left())),
                              static_cast<int>(std::lround(wanted.bottom())) - size.height()),
                       size);
-    // The window system's pixels follow from the screen that Qt thinks the window is on.
     if (QScreen* screen = QGuiApplication::screenAt(place.center()); screen)
         window.setScreen(screen);
     window.setGeometry(place);
+    // Qt counts in points, of which a window that changes to a screen of another scale has as many
+    // as before: Qt may not see that it has to tell the window system.
+    const QScreen& screen = *window.screen();
+    const double scale = screen.devicePixelRatio();
+    const QPoint offset = place.topLeft() - screen.geometry().topLeft();
+    window.winId();
+    window.windowHandle()->handle()->setGeometry(
+        {NativeScreen::pixels(screen).topLeft() + (QPointF(offset) * scale).toPoint(),
+         (QSizeF(size) * scale).toSize()});
 }
 
 void Platform::setOpacity(QWidget& window, double opacity)
