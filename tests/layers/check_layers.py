@@ -73,7 +73,8 @@ LAYERS = {
     "media": Layer(["src/Media/*"], ["base", "support"], ["Core", "Gui"]),
     "model": Layer(
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
-         "src/ChipPlacement.*", "src/ChipContent.*", "src/CaptureKind.*", "src/RecordingTypes.*"],
+         "src/ChipPlacement.*", "src/ChipContent.*", "src/CaptureKind.*", "src/RecordingTypes.*",
+         "src/Editor/Annotation*", "src/Editor/Sidecar*"],
         ["base", "support"],
         ["Core", "Gui"]),
     "services": Layer(

@@ -1,0 +1,67 @@
+#include "Editor/Sidecar.h"
+
+#include "Support/RegularFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+namespace {
+
+/// In bytes: a million and a half points of strokes.
+constexpr qint64 largestFile = qint64{64} << 20;
+
+Result<QByteArray> contents(const QString& path)
+{
+    const Result<RegularFile> file = RegularFile::open(QFile::encodeName(path).toStdString());
+    if (!file)
+        return file.failure();
+    if (file->size > largestFile)
+        return Failure{"cannot read " + path.toStdString() + ": it is too large"};
+    QFile device;
+    if (!device.open(file->descriptor.get(), QIODevice::ReadOnly))
+        return Failure{device.errorString().toStdString()};
+    return device.read(file->size);
+}
+
+PossibleFailure replace(const QString& path, const QByteArray& content)
+{
+    // Whatever else has its place, such as a pipe, would make us wait.
+    if (const QFileInfo old(path); old.exists() && !old.isFile())
+        return Failure{"cannot replace " + path.toStdString() + ": it is not a regular file"};
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner); // as captures have them
+        // A disk that fills up takes a part, which QSaveFile would not call an error.
+        if (file.write(content) == content.size() && file.commit())
+            return {};
+    }
+    return Failure{"cannot write " + path.toStdString() + ": " + file.errorString().toStdString()};
+}
+
+} // namespace
+
+QString Sidecar::path(const QString& imagePath)
+{
+    return imagePath + QStringLiteral(".tamrik.json");
+}
+
+QList<Annotation> Sidecar::load(const QString& imagePath)
+{
+    const Result<QByteArray> json = contents(path(imagePath));
+    const Result<Sidecar> sidecar = json ? decode(*json) : json.failure();
+    return sidecar ? sidecar->annotations : QList<Annotation>();
+}
+
+void Sidecar::save(const QList<Annotation>& annotations, const QString& imagePath)
+{
+    const QString file = path(imagePath);
+    if (annotations.isEmpty()) {
+        QFile::remove(file); // mostly it does not exist
+        return;
+    }
+    // There is nobody to be told of a failure: the annotations are still on the screen, and the
+    // next change tries again.
+    if (const Result<QByteArray> json = encode({1, annotations}))
+        replace(file, *json);
+}
