@@ -74,7 +74,7 @@ LAYERS = {
     "model": Layer(
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
          "src/ChipPlacement.*", "src/ChipContent.*", "src/CaptureKind.*", "src/RecordingTypes.*",
-         "src/Editor/Annotation*", "src/Editor/Sidecar*"],
+         "src/Editor/Annotation*", "src/Editor/BaseImage.*", "src/Editor/Sidecar*"],
         ["base", "support"],
         ["Core", "Gui"]),
     "services": Layer(
@@ -109,7 +109,7 @@ LAYERS = {
     "capture tool": Layer(
         ["tools/screencapture/*"], ["base", "x11"], [], libraries=["xcb", "png"]),
     "gallery": Layer(
-        ["tools/gallery/*"], ["base", "support", "kit"], ["Core", "Gui", "Widgets"]),
+        ["tools/gallery/*"], ["base", "support", "model", "kit"], ["Core", "Gui", "Widgets"]),
 }
 
 # Libraries that only some layers may know, by how their headers are called.

@@ -1,5 +1,7 @@
-// Draws every piece of the visual kit on one sheet: gallery FILE SCALE
+// Draws every piece of the visual kit, or of the annotations, on one sheet: gallery FILE SCALE
+// [WHAT]
 
+#include "AnnotationSheet.h"
 #include "Sheet.h"
 
 #include <QApplication>
@@ -8,23 +10,36 @@
 
 #include <cmath>
 
-int main(int argc, char** argv)
-{
-    QApplication app(argc, argv);
-    const QStringList arguments = QApplication::arguments();
-    const double scale = arguments.size() == 3 ? arguments[2].toDouble() : 0;
-    if (!(scale >= 1 && scale <= 8)) { // nor not a number
-        QTextStream(stderr) << "Usage: gallery FILE SCALE\n\n"
-                               "Writes the sheet to FILE (PNG) at SCALE pixels a point, 1 to 8.\n";
-        return 2;
-    }
+namespace {
 
+QImage kit(double scale)
+{
     Sheet sheet;
     const QSizeF pixels = QSizeF(sheet.size()) * scale;
     QImage image(static_cast<int>(std::ceil(pixels.width())),
                  static_cast<int>(std::ceil(pixels.height())), QImage::Format_RGB32);
     image.setDevicePixelRatio(scale);
     sheet.render(&image);
+    return image;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    const QString what = arguments.value(3, QStringLiteral("kit"));
+    const double scale = arguments.value(2).toDouble();
+    if (arguments.size() > 4 || (what != u"kit" && what != u"annotations") ||
+        !(scale >= 1 && scale <= 8)) // nor not a number
+    {
+        QTextStream(stderr) << "Usage: gallery FILE SCALE [kit|annotations]\n\n"
+                               "Writes the sheet to FILE (PNG) at SCALE pixels a point, 1 to 8.\n";
+        return 2;
+    }
+
+    const QImage image = what == u"kit" ? kit(scale) : AnnotationSheet::draw(scale);
     if (!image.save(arguments[1], "PNG")) {
         QTextStream(stderr) << "gallery: cannot write " << arguments[1] << '\n';
         return 1;

@@ -1,0 +1,346 @@
+#include "Editor/AnnotationRenderer.h"
+
+#include "Editor/AnnotationPixelation.h"
+#include "Editor/AnnotationText.h"
+
+#include <QBuffer>
+#include <QImageWriter>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double cornerRadius = 2;
+constexpr double highlightOpacity = 0.45;
+constexpr double highlightWidth = 4.5; // of the line width
+constexpr double redactionBlock = 9;
+constexpr double smallestRedaction = 2; // nothing is drawn up to it
+constexpr double textMargin = 6;
+constexpr double counterMargin = 4;
+constexpr double counterTextSize = 1.1; // of the radius
+
+double arrowHeadLength(double width)
+{
+    return std::max(width * 3.5, 12.0);
+}
+
+double counterRadius(double width)
+{
+    return std::max(width * 3.2, 12.0);
+}
+
+double labelSize(const Annotation& annotation)
+{
+    return annotation.fontSize.value_or(AnnotationText::defaultSize);
+}
+
+// Files can hold any number. What lies farther out than this is not seen, but would keep Qt busy;
+// both are in points.
+constexpr double farthest = 50'000;
+constexpr double thickest = 10'000;
+
+double lineWidth(const Annotation& annotation)
+{
+    return std::clamp(annotation.lineWidth, 0.0, thickest);
+}
+
+/// The picture's points as the painter's.
+class Space {
+public:
+    explicit Space(const Geometry::Flip& flip)
+        : m_flip(flip)
+    {
+    }
+
+    QPointF operator()(Geometry::Point point) const
+    {
+        const Geometry::TopLeftPoint p = m_flip.topLeftFromBottomLeft(point);
+        return {std::clamp(p.x, -farthest, farthest), std::clamp(p.y, -farthest, farthest)};
+    }
+
+    QRectF operator()(const Geometry::Rect& rect) const
+    {
+        return {(*this)(Geometry::Point{rect.minX(), rect.maxY()}),
+                (*this)(Geometry::Point{rect.maxX(), rect.minY()})};
+    }
+
+    Geometry::TopLeftPoint textOrigin(Geometry::Point point) const
+    {
+        return m_flip.topLeftFromBottomLeft(point);
+    }
+
+private:
+    const Geometry::Flip& m_flip;
+};
+
+/// Strokes an outline with round caps and joins. One without any length is a dot.
+void stroke(QPainter& painter, const QPainterPath& path, const QColor& color, double width)
+{
+    const QRectF box = path.boundingRect();
+    if (box.width() == 0 && box.height() == 0) { // Qt draws nothing
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(color);
+        painter.drawEllipse(box.topLeft(), width / 2, width / 2);
+        return;
+    }
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPath(path);
+}
+
+QPainterPath polyline(const QList<Geometry::Point>& points, const Space& space)
+{
+    QPainterPath path;
+    path.reserve(static_cast<int>(points.size()));
+    path.moveTo(space(points.front()));
+    for (const Geometry::Point& point : points.mid(1))
+        path.lineTo(space(point));
+    return path;
+}
+
+/// Like QPainterPath's own, which has none without a width or a height.
+QPainterPath roundedRectangle(const QRectF& rect)
+{
+    QPainterPath path;
+    const double radius = std::min({cornerRadius, rect.width() / 2, rect.height() / 2});
+    if (radius > 0) {
+        path.addRoundedRect(rect, radius, radius);
+    } else {
+        path.moveTo(rect.topLeft());
+        path.lineTo(rect.bottomRight());
+    }
+    return path;
+}
+
+QPainterPath ellipse(const QRectF& rect)
+{
+    QPainterPath path;
+    path.moveTo(rect.center()); // where it stands when it has no size
+    if (rect.width() > 0 || rect.height() > 0) {
+        path.clear();
+        path.addEllipse(rect);
+    }
+    return path;
+}
+
+void drawArrow(QPainter& painter, const Space& space, const Annotation& annotation)
+{
+    const Geometry::Point tail = annotation.start;
+    const Geometry::Point tip = annotation.end;
+    const double angle = std::atan2(tip.y - tail.y, tip.x - tail.x);
+    const double cosine = std::cos(angle);
+    const double sine = std::sin(angle);
+    const double length = arrowHeadLength(lineWidth(annotation));
+    const auto behindTip = [&](double distance) {
+        return Geometry::Point{tip.x - distance * cosine, tip.y - distance * sine};
+    };
+    const QColor color = annotation.color();
+
+    // It stops short of the tip, which would be blunt otherwise.
+    stroke(painter, polyline({tail, behindTip(0.8 * length)}, space), color, lineWidth(annotation));
+
+    const double halfWidth = length * 0.7 * 0.5;
+    const Geometry::Point base = behindTip(length);
+    const Geometry::Point left{base.x - halfWidth * sine, base.y + halfWidth * cosine};
+    const Geometry::Point right{base.x + halfWidth * sine, base.y - halfWidth * cosine};
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawPolygon(QList<QPointF>{space(tip), space(left), space(right)});
+}
+
+void drawStroke(QPainter& painter, const Space& space, const Annotation& annotation,
+                const QColor& color, double width)
+{
+    if (annotation.path && annotation.path->size() >= 2)
+        stroke(painter, polyline(*annotation.path, space), color, width);
+}
+
+void drawHighlight(QPainter& painter, const Space& space, const Annotation& annotation)
+{
+    QColor color = annotation.color();
+    color.setAlphaF(static_cast<float>(highlightOpacity));
+    painter.setCompositionMode(QPainter::CompositionMode_Multiply);
+    drawStroke(painter, space, annotation, color, lineWidth(annotation) * highlightWidth);
+}
+
+void drawLabel(QPainter& painter, const Space& space, const Annotation& annotation)
+{
+    AnnotationText::draw(painter, space.textOrigin(annotation.start),
+                         annotation.text.value_or(QString()),
+                         {labelSize(annotation), annotation.color(), true});
+}
+
+void drawCounter(QPainter& painter, const Space& space, const Annotation& annotation)
+{
+    const double radius = counterRadius(lineWidth(annotation));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(annotation.color());
+    painter.drawEllipse(space(annotation.start), radius, radius);
+
+    const QString number = QString::number(annotation.number.value_or(0));
+    const double size = radius * counterTextSize;
+    const Geometry::Size box = AnnotationText::measure(number, size);
+    const Geometry::Point origin{annotation.start.x - box.width / 2,
+                                 annotation.start.y - box.height / 2};
+    AnnotationText::draw(painter, space.textOrigin(origin), number,
+                         {size, QColor(255, 255, 255), false});
+}
+
+void drawRedaction(QPainter& painter, const Space& space, const Geometry::Rect& rect,
+                   const BaseImage& base)
+{
+    if (!(rect.width > smallestRedaction && rect.height > smallestRedaction))
+        return;
+    const AnnotationPixelation::Blocks blocks =
+        AnnotationPixelation::pixelated(base, rect, redactionBlock);
+    if (blocks.pixels.isNull())
+        return;
+    const double scaleX = base.pixelsPerPointX();
+    const double scaleY = base.pixelsPerPointY();
+    const QRectF place = space(
+        Geometry::Rect{blocks.offset.x() / scaleX,
+                       base.size.height - (blocks.offset.y() + blocks.pixels.height()) / scaleY,
+                       blocks.pixels.width() / scaleX, blocks.pixels.height() / scaleY});
+    // Edges are hard, those of the blocks and those of the whole.
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform, false);
+    painter.drawImage(place, blocks.pixels);
+}
+
+/// The smallest rectangle that holds all points, of which there is one at least.
+Geometry::Rect hull(const QList<Geometry::Point>& points)
+{
+    Geometry::Point least = points.front();
+    Geometry::Point most = least;
+    for (const Geometry::Point& point : points) {
+        least = {std::min(least.x, point.x), std::min(least.y, point.y)};
+        most = {std::max(most.x, point.x), std::max(most.y, point.y)};
+    }
+    return Geometry::Rect::spanning(least, most);
+}
+
+/// A new image with the picture's pixels; a copy of the old one would have its texts and its colour
+/// space too. Null when there is not memory enough.
+QImage copyOfPixels(const BaseImage& base)
+{
+    if (base.pixels.isNull()) {
+        QImage empty(static_cast<int>(base.size.width), static_cast<int>(base.size.height),
+                     QImage::Format_ARGB32_Premultiplied);
+        empty.fill(Qt::transparent);
+        return empty;
+    }
+    const QImage source = base.pixels.hasAlphaChannel()
+                              ? base.pixels.convertToFormat(QImage::Format_ARGB32_Premultiplied)
+                              : base.pixels.convertToFormat(QImage::Format_RGB32);
+    QImage copy(source.size(), source.format());
+    for (int y = 0; y < copy.height(); ++y)
+        std::copy_n(source.constScanLine(y), qsizetype{4} * copy.width(), copy.scanLine(y));
+    return copy;
+}
+
+} // namespace
+
+namespace AnnotationRenderer {
+
+void draw(QPainter& painter, const Geometry::Flip& flip, const Annotation& annotation,
+          const BaseImage& base)
+{
+    const Space space(flip);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    switch (annotation.kind) {
+    case AnnotationKind::arrow:
+        drawArrow(painter, space, annotation);
+        break;
+    case AnnotationKind::line:
+        stroke(painter, polyline({annotation.start, annotation.end}, space), annotation.color(),
+               lineWidth(annotation));
+        break;
+    case AnnotationKind::rect:
+        stroke(painter, roundedRectangle(space(annotation.rect())), annotation.color(),
+               lineWidth(annotation));
+        break;
+    case AnnotationKind::ellipse:
+        stroke(painter, ellipse(space(annotation.rect())), annotation.color(),
+               lineWidth(annotation));
+        break;
+    case AnnotationKind::freehand:
+        drawStroke(painter, space, annotation, annotation.color(), lineWidth(annotation));
+        break;
+    case AnnotationKind::highlight:
+        drawHighlight(painter, space, annotation);
+        break;
+    case AnnotationKind::text:
+        drawLabel(painter, space, annotation);
+        break;
+    case AnnotationKind::counter:
+        drawCounter(painter, space, annotation);
+        break;
+    case AnnotationKind::redact:
+        drawRedaction(painter, space, annotation.rect(), base);
+        break;
+    }
+    painter.restore();
+}
+
+Geometry::Rect bounds(const Annotation& annotation)
+{
+    const double margin = std::max(annotation.lineWidth, 8.0);
+    switch (annotation.kind) {
+    case AnnotationKind::arrow:
+    case AnnotationKind::line:
+    case AnnotationKind::rect:
+    case AnnotationKind::ellipse:
+    case AnnotationKind::redact:
+        return annotation.rect().grown(margin);
+    case AnnotationKind::freehand:
+    case AnnotationKind::highlight:
+        if (!annotation.path || annotation.path->isEmpty())
+            return {};
+        return hull(*annotation.path).grown(2 * margin);
+    case AnnotationKind::text: {
+        const Geometry::Size size =
+            AnnotationText::measure(annotation.text.value_or(QString()), labelSize(annotation));
+        return Geometry::Rect{annotation.start.x, annotation.start.y, size.width, size.height}
+            .grown(textMargin);
+    }
+    case AnnotationKind::counter:
+        return Geometry::Rect{annotation.start.x, annotation.start.y, 0, 0}.grown(
+            counterRadius(annotation.lineWidth) + counterMargin);
+    }
+    Q_UNREACHABLE();
+}
+
+QImage flattened(const BaseImage& base, const QList<Annotation>& annotations)
+{
+    QImage result = copyOfPixels(base);
+    QPainter painter;
+    if (result.isNull() || !painter.begin(&result))
+        return {};
+    painter.scale(result.width() / base.size.width, result.height() / base.size.height);
+    const Geometry::Flip flip({0, 0, base.size.width, base.size.height});
+    for (const Annotation& annotation : annotations)
+        draw(painter, flip, annotation, base);
+    return result;
+}
+
+std::optional<QByteArray> flattenedPng(const BaseImage& base, const QList<Annotation>& annotations)
+{
+    QImage image = flattened(base, annotations);
+    if (image.isNull())
+        return {};
+    constexpr double pointsPerMetre = 72 / 0.0254;
+    image.setDotsPerMeterX(
+        static_cast<int>(std::lround(image.width() / base.size.width * pointsPerMetre)));
+    image.setDotsPerMeterY(
+        static_cast<int>(std::lround(image.height() / base.size.height * pointsPerMetre)));
+    QByteArray png;
+    QBuffer buffer(&png);
+    if (!buffer.open(QIODevice::WriteOnly) || !QImageWriter(&buffer, "png").write(image))
+        return {};
+    return png;
+}
+
+} // namespace AnnotationRenderer

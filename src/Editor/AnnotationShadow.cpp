@@ -1,0 +1,120 @@
+#include "Editor/AnnotationShadow.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace {
+
+constexpr double offset = 1;        // points, downwards
+constexpr double blurDeviation = 1; // points: half of the blur's radius
+constexpr double opacity = 0.45;
+constexpr double overhang = 0.5; // of the box's height: accents and slants that leave the box
+constexpr double reachedDeviations = 3;
+
+/// The weights of a blur from its middle on; all together, with those of the other side, make 1.
+std::vector<float> gaussian(double deviation)
+{
+    const auto reach = static_cast<std::size_t>(std::ceil(deviation * reachedDeviations));
+    std::vector<float> weights(reach + 1);
+    float sum = 0;
+    for (std::size_t i = 0; i <= reach; ++i) {
+        const double distance = static_cast<double>(i) / std::max(deviation, 1e-3);
+        weights[i] = static_cast<float>(std::exp(-distance * distance / 2));
+        sum += i == 0 ? weights[i] : 2 * weights[i];
+    }
+    for (float& weight : weights)
+        weight /= sum;
+    return weights;
+}
+
+/// Blurs `count` rows of `length` values, and writes them as columns.
+void blurAndTurn(const std::vector<float>& from, std::vector<float>& to, int length, int count,
+                 const std::vector<float>& weights)
+{
+    const int reach = static_cast<int>(weights.size()) - 1;
+    std::vector<float> padded(static_cast<std::size_t>(length + 2 * reach));
+    for (int row = 0; row < count; ++row) {
+        std::copy_n(from.begin() + std::ptrdiff_t{row} * length, length, padded.begin() + reach);
+        for (int i = 0; i < length; ++i) {
+            const float* const middle = padded.data() + i + reach;
+            float sum = weights[0] * *middle;
+            for (int distance = 1; distance <= reach; ++distance)
+                sum += weights[static_cast<std::size_t>(distance)] *
+                       (middle[-distance] + middle[distance]);
+            to[static_cast<std::size_t>(i) * static_cast<std::size_t>(count) +
+               static_cast<std::size_t>(row)] = sum;
+        }
+    }
+}
+
+/// Blurs the alpha of an Alpha8 image.
+void blur(QImage& mask, double deviation)
+{
+    const std::vector<float> weights = gaussian(deviation);
+    const int width = mask.width();
+    const int height = mask.height();
+    std::vector<float> values(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    std::vector<float> turned(values.size());
+    for (int y = 0; y < height; ++y)
+        std::copy_n(mask.constScanLine(y), width, values.begin() + std::ptrdiff_t{y} * width);
+    blurAndTurn(values, turned, width, height, weights);
+    blurAndTurn(turned, values, height, width, weights);
+    for (int y = 0; y < height; ++y) {
+        std::transform(values.begin() + std::ptrdiff_t{y} * width,
+                       values.begin() + std::ptrdiff_t{y + 1} * width, mask.scanLine(y),
+                       [](float value) { return static_cast<uchar>(std::lround(value)); });
+    }
+}
+
+/// What of the device a painter can reach, in the device's pixels.
+QRect reachable(const QPainter& painter)
+{
+    const QPaintDevice& device = *painter.device();
+    const double ratio = device.devicePixelRatio();
+    return QRectF(0, 0, device.width() * ratio, device.height() * ratio).toAlignedRect();
+}
+
+} // namespace
+
+namespace AnnotationShadow {
+
+void draw(QPainter& painter, const QRectF& box,
+          const std::function<void(QPainter& mask)>& drawShape)
+{
+    // In the device's pixels, so that the shadow is as fine as the text.
+    const QTransform toDevice = painter.deviceTransform();
+    const double scale = std::sqrt(std::abs(toDevice.determinant()));
+    const double margin = box.height() * overhang + reachedDeviations * blurDeviation;
+    const int reach = static_cast<int>(std::ceil(reachedDeviations * blurDeviation * scale)) + 1;
+    const QRectF wanted =
+        toDevice.mapRect(box.adjusted(-margin, -margin, margin, margin).translated(0, offset));
+    const QRectF visible = QRectF(reachable(painter).adjusted(-reach, -reach, reach, reach));
+    const QRect area = wanted.intersected(visible).toAlignedRect();
+    if (area.isEmpty())
+        return;
+    QImage shadow(area.size(), QImage::Format_ARGB32_Premultiplied);
+    if (shadow.isNull())
+        return;
+    shadow.fill(Qt::transparent);
+    {
+        QPainter mask(&shadow);
+        mask.setWorldTransform(QTransform::fromTranslate(0, offset) * toDevice *
+                               QTransform::fromTranslate(-area.left(), -area.top()));
+        drawShape(mask);
+    }
+    shadow.convertTo(QImage::Format_Alpha8);
+    blur(shadow, blurDeviation * scale);
+
+    painter.save();
+    painter.setWorldTransform(toDevice.inverted(), true);
+    painter.setOpacity(painter.opacity() * opacity);
+    // An image of alpha alone is black.
+    painter.drawImage(area.topLeft(), shadow.convertToFormat(QImage::Format_ARGB32_Premultiplied));
+    painter.restore();
+}
+
+} // namespace AnnotationShadow

@@ -1,0 +1,100 @@
+#include "Editor/AnnotationText.h"
+
+#include "Editor/AnnotationShadow.h"
+
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QStringList>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+/// Text is laid out at this size, in whole pixels as Qt's fonts have them, and drawn by a scaled
+/// painter. So a line has the same proportions at every size and on every screen.
+constexpr int layoutSize = 100;
+
+QFont layoutFont()
+{
+    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    font.setPixelSize(layoutSize);
+    font.setWeight(QFont::Bold);
+    font.setHintingPreference(QFont::PreferNoHinting);
+    // Colour fringes are made for one screen's pixels; the text goes into files too.
+    font.setStyleStrategy(QFont::NoSubpixelAntialias);
+    return font;
+}
+
+QStringList linesOf(QString text)
+{
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    for (const char16_t lineEnd : {u'\r', u'\v', u'\f', u'\u0085', u'\u2028', u'\u2029'})
+        text.replace(QChar(lineEnd), QLatin1Char('\n'));
+    return text.split(QLatin1Char('\n'));
+}
+
+/// At the layout size.
+struct Layout {
+    QFont font;
+    QStringList lines;
+    double width = 0;
+    double lineHeight = 0;
+    double ascent = 0;
+
+    explicit Layout(const QString& text)
+        : font(layoutFont())
+        , lines(linesOf(text))
+    {
+        const QFontMetricsF metrics(font);
+        for (const QString& line : lines)
+            width = std::max(width, metrics.horizontalAdvance(line));
+        lineHeight = metrics.height();
+        ascent = metrics.ascent();
+    }
+
+    double height() const { return lineHeight * static_cast<double>(lines.size()); }
+};
+
+} // namespace
+
+namespace AnnotationText {
+
+Geometry::Size measure(const QString& text, double size)
+{
+    const Layout layout(text);
+    const double scale = std::max(size, 0.0) / layoutSize;
+    return {layout.width * scale, layout.height() * scale};
+}
+
+void draw(QPainter& painter, Geometry::TopLeftPoint origin, const QString& text, const Style& style)
+{
+    if (text.isEmpty() || !(style.size > 0))
+        return;
+    const Layout layout(text);
+    const double scale = style.size / layoutSize;
+    const double top = origin.y - layout.height() * scale;
+    const auto drawIn = [&](QPainter& target, const QColor& color) {
+        target.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+        target.translate(origin.x, top);
+        target.scale(scale, scale);
+        target.setFont(layout.font);
+        target.setPen(color);
+        double baseline = layout.ascent;
+        for (const QString& line : layout.lines) {
+            target.drawText(QPointF(0, baseline), line);
+            baseline += layout.lineHeight;
+        }
+    };
+    if (style.hasShadow) {
+        const QRectF box(origin.x, top, layout.width * scale, layout.height() * scale);
+        AnnotationShadow::draw(painter, box,
+                               [&](QPainter& mask) { drawIn(mask, QColor(0, 0, 0)); });
+    }
+    painter.save();
+    drawIn(painter, style.color);
+    painter.restore();
+}
+
+} // namespace AnnotationText
