@@ -125,6 +125,7 @@ double ChipView::copiedBadgeOpacity() const
 void ChipView::setupOverlay()
 {
     m_overlay = new PassThroughOverlay(cornerRadius, this);
+    m_overlay->setAccessibleName(QStringLiteral("Actions"));
     m_overlay->setGeometry(rect());
     m_overlayFade = new Fade(*m_overlay, 0);
 
