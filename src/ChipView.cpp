@@ -313,6 +313,7 @@ void ChipView::dragFile(QPointF press)
     drag->setMimeData(mime.release());
     drag->setPixmap(dragPicture());
     drag->setHotSpot(press.toPoint());
+    Platform::prepareDrag();
     // Nothing comes after: by then this view may be gone. The chip stays whatever the answer is.
     drag->exec(Qt::CopyAction, Qt::CopyAction);
 }
