@@ -143,8 +143,8 @@ void Legs::chips(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
             if (const auto pressed = tamrik.pressCaptureKey(); !pressed)
                 return pressed;
             const auto newest = newestChip(tamrik);
-            const QPoint from(pixels(300 + 20 * i), pixels(40 + 10 * i));
-            if (const auto dragged = input.drag(from, from + QPoint(pixels(60 * i), pixels(150)));
+            const QPoint from = manager->window.geometry.topLeft() - QPoint(20, 40);
+            if (const auto dragged = input.drag(from, from + QPoint(130 * i, 180 + 40 * i));
                 !dragged)
                 return dragged;
             if (const auto added = waitUntil(QStringLiteral("one more chip"),
