@@ -91,13 +91,13 @@ Pixels colourful(std::uint32_t colours)
                  [&](std::uint32_t x, std::uint32_t y) { return (y * 40 + x) % colours * 54321; });
 }
 
-std::string encode(const Pixels& pixels, double dotsPerInch = 72)
+std::string encode(const Pixels& pixels, double dotsPerInch = 72, unsigned workers = 1)
 {
     const Png::Source source{pixels.width, pixels.height, [&](std::uint32_t y, std::uint8_t* rgb) {
                                  const std::size_t rowBytes = std::size_t{3} * pixels.width;
                                  std::memcpy(rgb, pixels.rgb.data() + rowBytes * y, rowBytes);
                              }};
-    const std::vector<std::uint8_t> file = Png::encode(source, dotsPerInch);
+    const std::vector<std::uint8_t> file = Png::encode(source, dotsPerInch, workers);
     return {file.begin(), file.end()};
 }
 

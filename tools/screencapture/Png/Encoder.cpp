@@ -1,20 +1,19 @@
 #include "Encoder.h"
 
+#include "Buffer.h"
 #include "Chunks.h"
+#include "Deflate.h"
 #include "IndexedRows.h"
 #include "RowFilter.h"
+#include "Workers.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
-#include <memory>
-#include <new>
 #include <span>
 
 #include <libdeflate.h>
-#include <sys/mman.h>
 
 namespace Png {
 
@@ -37,53 +36,6 @@ constexpr std::size_t largestData = 256 << 10; // content of one IDAT chunk, in 
 constexpr std::uint32_t sampleBands = 8;
 constexpr std::uint32_t sampleBandRows = 4;
 
-struct FreeCompressor {
-    void operator()(libdeflate_compressor* compressor) const
-    {
-        libdeflate_free_compressor(compressor);
-    }
-};
-using Compressor = std::unique_ptr<libdeflate_compressor, FreeCompressor>;
-
-Compressor compressorOf(int level)
-{
-    Compressor compressor(libdeflate_alloc_compressor(level));
-    if (!compressor)
-        throw std::bad_alloc();
-    return compressor;
-}
-
-/// Memory that nobody sets to zero first, in large pages where the system has them: of a large
-/// screen both take milliseconds otherwise. Throws std::bad_alloc.
-class Buffer {
-public:
-    explicit Buffer(std::size_t size)
-        : m_size(size)
-    {
-        const std::size_t alignment = size < largePage ? alignof(std::max_align_t) : largePage;
-        const std::size_t padded = (size + alignment - 1) / alignment * alignment;
-        m_bytes.reset(static_cast<std::uint8_t*>(std::aligned_alloc(alignment, padded)));
-        if (!m_bytes)
-            throw std::bad_alloc();
-        if (alignment == largePage) // a wish: no harm when it is not granted
-            madvise(m_bytes.get(), padded, MADV_HUGEPAGE);
-    }
-
-    std::uint8_t* data() { return m_bytes.get(); }
-    std::size_t size() const { return m_size; }
-    std::span<const std::uint8_t> first(std::size_t count) const { return {m_bytes.get(), count}; }
-
-private:
-    static constexpr std::size_t largePage = 2 << 20;
-
-    struct Free {
-        void operator()(std::uint8_t* bytes) const { std::free(bytes); }
-    };
-
-    std::unique_ptr<std::uint8_t[], Free> m_bytes;
-    std::size_t m_size;
-};
-
 std::size_t rowBytes(const Source& source)
 {
     return pixelBytes * source.width;
@@ -105,6 +57,21 @@ std::uint8_t* filterRows(const Source& source, Filtering filtering, std::uint32_
         out += 1 + rowBytes(source);
     }
     return out;
+}
+
+/// All rows, in as many bands as there are workers.
+Buffer filteredRows(const Source& source, Filtering filtering, unsigned workers)
+{
+    Buffer filtered((1 + rowBytes(source)) * source.height);
+    const auto bandStart = [&](unsigned band) {
+        return static_cast<std::uint32_t>(std::uint64_t{source.height} * band / workers);
+    };
+    inParallel(workers, [&](unsigned band) {
+        const std::uint32_t first = bandStart(band);
+        filterRows(source, filtering, first, bandStart(band + 1),
+                   filtered.data() + (1 + rowBytes(source)) * first);
+    });
+    return filtered;
 }
 
 /// Some rows of a picture, before and after: how many bytes they are.
@@ -172,36 +139,33 @@ void appendDensity(Chunks& chunks, double dotsPerInch)
     chunks.append("pHYs", density);
 }
 
-void appendData(Chunks& chunks, std::span<const std::uint8_t> rows,
-                libdeflate_compressor* compressor)
+void appendData(Chunks& chunks, std::span<const std::uint8_t> deflated)
 {
-    Buffer deflated(libdeflate_zlib_compress_bound(compressor, rows.size()));
-    const std::size_t length = libdeflate_zlib_compress(compressor, rows.data(), rows.size(),
-                                                        deflated.data(), deflated.size());
-    chunks.reserve(length + length / 1024 + 2048);
-    for (std::size_t done = 0; done < length; done += largestData) {
-        const std::size_t count = std::min(largestData, length - done);
-        chunks.append("IDAT", deflated.first(length).subspan(done, count));
+    chunks.reserve(deflated.size() + deflated.size() / 1024 + 2048);
+    while (!deflated.empty()) {
+        const std::size_t count = std::min(largestData, deflated.size());
+        chunks.append("IDAT", deflated.first(count));
+        deflated = deflated.subspan(count);
     }
 }
 
 } // namespace
 
-std::vector<std::uint8_t> encode(const Source& source, double dotsPerInch)
+std::vector<std::uint8_t> encode(const Source& source, double dotsPerInch, unsigned workers)
 {
     Chunks chunks;
     if (const auto picture = indexed(source)) {
         appendHeader(chunks, source, ColourType::Palette);
         appendDensity(chunks, dotsPerInch);
         chunks.append("PLTE", picture->palette);
-        appendData(chunks, {picture->rows.get(), picture->size}, compressorOf(thorough).get());
+        appendData(chunks,
+                   zlibStream({picture->rows.get(), picture->size}, thorough, workers).bytes());
     } else {
         const Plan plan = planFor(source);
-        Buffer filtered((1 + rowBytes(source)) * source.height);
-        filterRows(source, plan.filtering, 0, source.height, filtered.data());
+        const Buffer filtered = filteredRows(source, plan.filtering, workers);
         appendHeader(chunks, source, ColourType::Rgb);
         appendDensity(chunks, dotsPerInch);
-        appendData(chunks, filtered.first(filtered.size()), compressorOf(plan.level).get());
+        appendData(chunks, zlibStream(filtered.bytes(), plan.level, workers).bytes());
     }
     chunks.append("IEND", {});
     return chunks.take();
