@@ -145,6 +145,23 @@ TEST(Encoder, LargerPicturesReadBack)
     }
 }
 
+TEST(Encoder, AnyNumberOfWorkersMakesTheSamePicture)
+{
+    for (const Painter painter : painters) {
+        for (const Pixels& pixels :
+             {painter(641, 479), painter(7, 1), painter(1, 3), painter(1, 1)}) {
+            const PngImage one = readPng(encode(pixels, 72, 1));
+            for (const unsigned workers : {2U, 3U, 4U}) {
+                SCOPED_TRACE(workers);
+                const PngImage several = readPng(encode(pixels, 72, workers));
+                EXPECT_TRUE(several.rgb == pixels.rgb) << "other pixels";
+                EXPECT_EQ(several.filterTypes, one.filterTypes);
+                EXPECT_EQ(several.colourType, one.colourType);
+            }
+        }
+    }
+}
+
 TEST(Encoder, UpTo256ColoursGoIntoAPalette)
 {
     for (const std::uint32_t colours : {1U, 2U, 3U, 16U, 255U, 256U, 257U, 258U, 1000U}) {
