@@ -98,7 +98,7 @@ LAYERS = {
 # Libraries that only some layers may know, by how their headers are called.
 LIBRARIES = {
     "xcb": ["xcb/*", "X11/*", "xkbcommon/*"],
-    "png": ["libdeflate.h", "png.h", "zlib.h"],
+    "png": ["libdeflate.h", "png.h"],
 }
 
 OS_MACRO = re.compile(

@@ -37,7 +37,7 @@ std::vector<std::uint8_t> encoded(const X11::RootImage& image, double scale)
     const Png::Source source{
         image.width(), image.height(),
         [&](std::uint32_t y, std::uint8_t* rgb) { reader.read(image.row(y), image.width(), rgb); }};
-    return Png::encode(source, pointsAnInch * scale, Png::workersFor(source.width, source.height));
+    return Png::encode(source, pointsAnInch * scale, Png::processors());
 }
 
 } // namespace

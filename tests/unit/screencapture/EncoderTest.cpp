@@ -145,21 +145,33 @@ TEST(Encoder, LargerPicturesReadBack)
     }
 }
 
-TEST(Encoder, AnyNumberOfWorkersMakesTheSamePicture)
+TEST(Encoder, SeveralWorkersMakeTheSamePicture)
 {
-    for (const Painter painter : painters) {
-        for (const Pixels& pixels :
-             {painter(641, 479), painter(7, 1), painter(1, 3), painter(1, 1)}) {
-            const PngImage one = readPng(encode(pixels, 72, 1));
-            for (const unsigned workers : {2U, 3U, 4U}) {
-                SCOPED_TRACE(workers);
-                const PngImage several = readPng(encode(pixels, 72, workers));
-                EXPECT_TRUE(several.rgb == pixels.rgb) << "other pixels";
-                EXPECT_EQ(several.filterTypes, one.filterTypes);
-                EXPECT_EQ(several.colourType, one.colourType);
-            }
-        }
+    // At least four bands of 1 MiB, or of a longer row, so that the work is shared out.
+    for (const Pixels& pixels :
+         {gradient(1000, 1398), noise(1000, 1398), gradient(400'000, 5), text(2100, 2000)})
+    {
+        SCOPED_TRACE(testing::Message() << pixels.width << 'x' << pixels.height);
+        const std::string byOne = encode(pixels, 72, 1);
+        const std::string byTwo = encode(pixels, 72, 2);
+        EXPECT_TRUE(byOne != byTwo) << "the work was not shared out";
+        for (const unsigned workers : {3U, 8U})
+            EXPECT_TRUE(encode(pixels, 72, workers) == byTwo) << workers << " workers";
+        const PngImage one = readPng(byOne);
+        const PngImage two = readPng(byTwo);
+        EXPECT_TRUE(one.rgb == pixels.rgb) << "other pixels";
+        EXPECT_TRUE(two.rgb == pixels.rgb) << "other pixels";
+        EXPECT_EQ(two.filterTypes, one.filterTypes);
+        EXPECT_EQ(two.colourType, one.colourType);
+        EXPECT_LT(byTwo.size(), byOne.size() + byOne.size() / 200 + 5000);
     }
+}
+
+TEST(Encoder, ASmallPictureIsNotSharedOut)
+{
+    for (const Pixels& pixels :
+         {flat(1, 1), gradient(640, 480), gradient(1000, 1397), gradient(700'000, 3)})
+        EXPECT_TRUE(encode(pixels, 72, 8) == encode(pixels, 72, 1)) << pixels.width;
 }
 
 TEST(Encoder, UpTo256ColoursGoIntoAPalette)

@@ -89,12 +89,11 @@ TEST(Workers, WhatOneThrowsArrivesWhenAllHaveEnded)
     }
 }
 
-TEST(Workers, AreAsManyAsThereAreProcessorsForALargePicture)
+TEST(Workers, ProcessorsAreThoseThatTheProcessMayUse)
 {
     cpu_set_t before;
     ASSERT_EQ(sched_getaffinity(0, sizeof before, &before), 0);
-    const unsigned all = Png::workersFor(3840, 2160);
-    EXPECT_EQ(all, static_cast<unsigned>(std::min(CPU_COUNT(&before), 4)));
+    EXPECT_EQ(Png::processors(), static_cast<unsigned>(std::min(CPU_COUNT(&before), 8)));
 
     cpu_set_t one;
     CPU_ZERO(&one);
@@ -103,14 +102,8 @@ TEST(Workers, AreAsManyAsThereAreProcessorsForALargePicture)
             CPU_SET(cpu, &one);
     }
     ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
-    EXPECT_EQ(Png::workersFor(3840, 2160), 1U);
+    EXPECT_EQ(Png::processors(), 1U);
     ASSERT_EQ(sched_setaffinity(0, sizeof before, &before), 0);
-}
-
-TEST(Workers, IsOneForASmallPicture)
-{
-    EXPECT_EQ(Png::workersFor(1, 1), 1U);
-    EXPECT_EQ(Png::workersFor(640, 480), 1U);
 }
 
 } // namespace

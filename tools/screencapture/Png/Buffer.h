@@ -11,6 +11,7 @@ namespace Png {
 /// screen both take milliseconds otherwise.
 class Buffer {
 public:
+    Buffer() = default; // of no bytes
     /// Throws std::bad_alloc.
     explicit Buffer(std::size_t size);
 
@@ -18,8 +19,8 @@ public:
     std::size_t size() const { return m_size; }
     std::span<const std::uint8_t> bytes() const { return {m_bytes.get(), m_size}; }
 
-    /// Forgets what comes after the first `size` bytes, which keep their place.
-    void shrink(std::size_t size) { m_size = size; }
+    /// To at most the size it was made with. The bytes stay where and what they are.
+    void resize(std::size_t size) { m_size = size; }
 
 private:
     struct Free {
@@ -27,7 +28,7 @@ private:
     };
 
     std::unique_ptr<std::uint8_t[], Free> m_bytes;
-    std::size_t m_size;
+    std::size_t m_size = 0;
 };
 
 } // namespace Png

@@ -1,14 +1,14 @@
 #include "Deflate.h"
 
+#include "Adler32.h"
+#include "Chunks.h"
 #include "LastBlock.h"
 #include "Workers.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <cstring>
 #include <new>
-#include <vector>
 
 #include <libdeflate.h>
 
@@ -16,74 +16,39 @@ namespace Png {
 
 namespace {
 
-/// How much longer a part takes of which the last block has to be found than one that stays as it
-/// is.
-constexpr double findingCost = 1.5;
+// A window of 32 KiB, no dictionary; a multiple of 31.
+constexpr std::array<std::uint8_t, 2> header{0x78, 0x01};
+constexpr std::size_t checksumBytes = 4;
 
-constexpr std::size_t headerSize = 2;
-constexpr std::size_t checksumSize = 4;
-constexpr std::size_t mostOpening = 5; // bytes that opening a stream may add
-
-/// Makes a deflate stream of `size` bytes one that another can follow: it ends at a whole byte, and
-/// has no last block. There is room for mostOpening bytes after it. Returns its new size, or 0 when
-/// that is not possible.
-std::size_t openEnd(std::uint8_t* stream, std::size_t size)
+/// Writes a stored block (RFC 1951, section 3.2.4) that is not the last one, from the byte on that
+/// follows its three bits of header. Returns its end.
+std::uint8_t* putStored(std::uint8_t* out, std::span<const std::uint8_t> data)
 {
-    const auto last = lastBlockOf({stream, size});
-    if (!last)
-        return 0;
-    stream[last->start / 8] &= static_cast<std::uint8_t>(~(1U << last->start % 8));
-    // An empty stored block (RFC 1951, section 3.2.4): three zero bits, zeros up to the next byte,
-    // its length and the length's complement.
-    constexpr std::size_t blockHeader = 3; // bits
-    const std::size_t wholeBytes = (last->end + blockHeader + 7) / 8;
-    std::uint8_t* out = stream + size;
-    while (out < stream + wholeBytes)
-        *out++ = 0;
-    constexpr std::array<std::uint8_t, 4> length{0x00, 0x00, 0xff, 0xff};
-    out = std::copy(length.begin(), length.end(), out);
-    return static_cast<std::size_t>(out - stream);
-}
-
-/// A part of the data, and the place in the whole stream's buffer for what comes of it.
-struct Part {
-    std::span<const std::uint8_t> data;
-    std::size_t at = 0;
-    std::size_t room = 0;
-    std::size_t size = 0;
-};
-
-std::vector<Part> partsOf(std::span<const std::uint8_t> data, unsigned count)
-{
-    const double shares = (count - 1) + findingCost;
-    const auto share = static_cast<std::size_t>(static_cast<double>(data.size()) / shares);
-    std::vector<Part> parts(count);
-    std::size_t at = headerSize;
-    for (Part& part : parts) {
-        const bool isLast = &part == &parts.back();
-        part.data = data.first(isLast ? data.size() : share);
-        part.at = at;
-        part.room = libdeflate_deflate_compress_bound(nullptr, part.data.size());
-        at += part.room + mostOpening;
-        data = data.subspan(part.data.size());
+    const auto length = static_cast<std::uint16_t>(data.size());
+    for (const unsigned number : {unsigned{length}, ~unsigned{length}}) {
+        *out++ = static_cast<std::uint8_t>(number);
+        *out++ = static_cast<std::uint8_t>(number >> 8);
     }
-    return parts;
+    return std::copy(data.begin(), data.end(), out);
 }
 
-void putChecksum(std::uint8_t* bytes, std::span<const std::uint8_t> data)
+std::uint8_t* putAllStored(std::uint8_t* out, std::span<const std::uint8_t> data)
 {
-    const std::uint32_t sum = libdeflate_adler32(1, data.data(), data.size());
-    for (int shift = 24; shift >= 0; shift -= 8)
-        *bytes++ = static_cast<std::uint8_t>(sum >> shift);
+    constexpr std::size_t largestBlock = 0xffff;
+    while (!data.empty()) {
+        const std::size_t size = std::min(largestBlock, data.size());
+        *out++ = 0;
+        out = putStored(out, data.first(size));
+        data = data.subspan(size);
+    }
+    return out;
 }
 
-Buffer inOne(std::span<const std::uint8_t> data, int level)
+/// Room for what comes of a part, with what may stand before and after it.
+Buffer roomFor(libdeflate_compressor* compressor, std::size_t bytes)
 {
-    const Compressor compressor = compressorOf(level);
-    Buffer stream(libdeflate_zlib_compress_bound(compressor.get(), data.size()));
-    stream.shrink(libdeflate_zlib_compress(compressor.get(), data.data(), data.size(),
-                                           stream.data(), stream.size()));
-    return stream;
+    return Buffer(header.size() + libdeflate_deflate_compress_bound(compressor, bytes) +
+                  std::max(openEndBytes, checksumBytes));
 }
 
 } // namespace
@@ -101,38 +66,53 @@ Compressor compressorOf(int level)
     return compressor;
 }
 
-Buffer zlibStream(std::span<const std::uint8_t> data, int level, unsigned workers)
+std::size_t openEnd(std::span<std::uint8_t> room, std::size_t size,
+                    std::span<const std::uint8_t> data)
 {
-    if (workers < 2)
-        return inOne(data, level);
+    std::uint8_t* const stream = room.data();
+    const auto last = lastBlockOf(room.first(size));
+    if (!last)
+        return static_cast<std::size_t>(putAllStored(stream, data) - stream);
+    stream[last->start / 8] &= static_cast<std::uint8_t>(~(1U << last->start % 8));
+    // A stored block of nothing: three zero bits, zeros up to the next byte, and its length.
+    constexpr std::size_t blockHeader = 3; // bits
+    std::uint8_t* const end = stream + (last->end + blockHeader + 7) / 8;
+    std::fill(stream + (last->end + 7) / 8, end, std::uint8_t{0});
+    return static_cast<std::size_t>(putStored(end, {}) - stream);
+}
 
-    std::vector<Part> parts = partsOf(data, workers);
-    Buffer stream(parts.back().at + parts.back().room + checksumSize);
-    std::atomic<bool> isJoinable = true;
-    inParallel(workers, [&](unsigned number) {
-        Part& part = parts[number];
-        std::uint8_t* const out = stream.data() + part.at;
-        part.size = libdeflate_deflate_compress(compressorOf(level).get(), part.data.data(),
-                                                part.data.size(), out, part.room);
-        if (&part == &parts.back())
-            return;
-        part.size = openEnd(out, part.size);
-        if (part.size == 0)
-            isJoinable = false;
-    });
-    if (!isJoinable)
-        return inOne(data, level);
+std::vector<Buffer> zlibStream(const PartedData& data, int level, unsigned workers)
+{
+    std::vector<Buffer> pieces(data.count);
+    std::vector<Adler32> checksums(data.count);
+    std::atomic<std::size_t> next = 0;
+    const auto deflateParts = [&](unsigned) {
+        const Compressor compressor = compressorOf(level);
+        Buffer scratch(data.largest);
+        for (std::size_t part = next++; part < data.count; part = next++) {
+            const std::span<const std::uint8_t> bytes = data.bytesOf(part, scratch.data());
+            checksums[part] = Adler32(bytes);
+            Buffer piece = roomFor(compressor.get(), bytes.size());
+            const std::size_t start = part == 0 ? header.size() : 0;
+            const std::span<std::uint8_t> room(piece.data() + start, piece.size() - start);
+            std::size_t size = libdeflate_deflate_compress(compressor.get(), bytes.data(),
+                                                           bytes.size(), room.data(), room.size());
+            if (part + 1 < data.count)
+                size = openEnd(room, size, bytes);
+            piece.resize(start + size);
+            pieces[part] = std::move(piece);
+        }
+    };
+    inParallel(static_cast<unsigned>(std::min<std::size_t>(workers, data.count)), deflateParts);
 
-    stream.data()[0] = 0x78; // deflate, a window of 32 KiB
-    stream.data()[1] = 0x01; // no dictionary; makes the two a multiple of 31
-    std::size_t size = headerSize;
-    for (const Part& part : parts) {
-        std::memmove(stream.data() + size, stream.data() + part.at, part.size);
-        size += part.size;
-    }
-    putChecksum(stream.data() + size, data);
-    stream.shrink(size + checksumSize);
-    return stream;
+    std::copy(header.begin(), header.end(), pieces.front().data());
+    Adler32 checksum;
+    for (const Adler32& each : checksums)
+        checksum.append(each);
+    Buffer& last = pieces.back();
+    putNumber(last.data() + last.size(), checksum.value());
+    last.resize(last.size() + checksumBytes);
+    return pieces;
 }
 
 } // namespace Png

@@ -1,11 +1,11 @@
 #include "Encoder.h"
 
+#include "Bands.h"
 #include "Buffer.h"
 #include "Chunks.h"
 #include "Deflate.h"
 #include "IndexedRows.h"
 #include "RowFilter.h"
-#include "Workers.h"
 
 #include <algorithm>
 #include <array>
@@ -59,19 +59,28 @@ std::uint8_t* filterRows(const Source& source, Filtering filtering, std::uint32_
     return out;
 }
 
-/// All rows, in as many bands as there are workers.
-Buffer filteredRows(const Source& source, Filtering filtering, unsigned workers)
+PartedData filteredRows(const Source& source, Filtering filtering, unsigned workers)
 {
-    Buffer filtered((1 + rowBytes(source)) * source.height);
-    const auto bandStart = [&](unsigned band) {
-        return static_cast<std::uint32_t>(std::uint64_t{source.height} * band / workers);
+    const std::size_t lineBytes = 1 + rowBytes(source);
+    const Bands bands(source.height, lineBytes, workers);
+    const auto filter = [&source, filtering, bands](std::size_t band, std::uint8_t* scratch) {
+        const std::uint8_t* const end =
+            filterRows(source, filtering, bands.start(band), bands.start(band + 1), scratch);
+        return std::span<const std::uint8_t>(scratch, end);
     };
-    inParallel(workers, [&](unsigned band) {
-        const std::uint32_t first = bandStart(band);
-        filterRows(source, filtering, first, bandStart(band + 1),
-                   filtered.data() + (1 + rowBytes(source)) * first);
-    });
-    return filtered;
+    return {bands.count(), bands.mostRows() * lineBytes, filter};
+}
+
+PartedData rowsOf(const IndexedRows& picture, const Source& source, unsigned workers)
+{
+    const std::size_t lineBytes = std::size_t{1} + source.width;
+    const Bands bands(source.height, lineBytes, workers);
+    const auto select = [&picture, lineBytes, bands](std::size_t band, std::uint8_t*) {
+        const std::uint8_t* const rows = picture.rows.get();
+        return std::span(rows + lineBytes * bands.start(band),
+                         rows + lineBytes * bands.start(band + 1));
+    };
+    return {bands.count(), bands.mostRows() * lineBytes, select};
 }
 
 /// Some rows of a picture, before and after: how many bytes they are.
@@ -139,13 +148,19 @@ void appendDensity(Chunks& chunks, double dotsPerInch)
     chunks.append("pHYs", density);
 }
 
-void appendData(Chunks& chunks, std::span<const std::uint8_t> deflated)
+void appendData(Chunks& chunks, const std::vector<Buffer>& pieces)
 {
-    chunks.reserve(deflated.size() + deflated.size() / 1024 + 2048);
-    while (!deflated.empty()) {
-        const std::size_t count = std::min(largestData, deflated.size());
-        chunks.append("IDAT", deflated.first(count));
-        deflated = deflated.subspan(count);
+    std::size_t size = 0;
+    for (const Buffer& piece : pieces)
+        size += piece.size() + piece.size() / 1024 + 64; // with room for the chunks' own bytes
+    chunks.reserve(size);
+    for (const Buffer& piece : pieces) {
+        std::span<const std::uint8_t> rest = piece.bytes();
+        while (!rest.empty()) {
+            const std::size_t count = std::min(largestData, rest.size());
+            chunks.append("IDAT", rest.first(count));
+            rest = rest.subspan(count);
+        }
     }
 }
 
@@ -158,14 +173,13 @@ std::vector<std::uint8_t> encode(const Source& source, double dotsPerInch, unsig
         appendHeader(chunks, source, ColourType::Palette);
         appendDensity(chunks, dotsPerInch);
         chunks.append("PLTE", picture->palette);
-        appendData(chunks,
-                   zlibStream({picture->rows.get(), picture->size}, thorough, workers).bytes());
+        appendData(chunks, zlibStream(rowsOf(*picture, source, workers), thorough, workers));
     } else {
         const Plan plan = planFor(source);
-        const Buffer filtered = filteredRows(source, plan.filtering, workers);
         appendHeader(chunks, source, ColourType::Rgb);
         appendDensity(chunks, dotsPerInch);
-        appendData(chunks, zlibStream(filtered.bytes(), plan.level, workers).bytes());
+        appendData(chunks,
+                   zlibStream(filteredRows(source, plan.filtering, workers), plan.level, workers));
     }
     chunks.append("IEND", {});
     return chunks.take();

@@ -16,8 +16,9 @@ struct Source {
 };
 
 /// The picture as a PNG file: 8-bit RGB, not interlaced, with its density in pHYs (pixels per
-/// metre, rounded). On `workers` threads, at least one, which affects the file's bytes but not what
-/// they mean. Throws std::bad_alloc when there is not memory enough.
+/// metre, rounded). On `workers` threads at most. All numbers of them from two on make the same
+/// file, and one makes one that means the same. Throws std::bad_alloc when there is not memory
+/// enough.
 std::vector<std::uint8_t> encode(const Source& source, double dotsPerInch, unsigned workers);
 
 } // namespace Png

@@ -14,9 +14,8 @@ struct LastBlock {
     std::size_t end;
 };
 
-/// Reads a stream without header (RFC 1951) to its end, which takes about half as long as it took
-/// to deflate it. Absent when the stream is broken, too long for zlib to take at once (4 GiB), or
-/// there is not memory enough.
+/// Steps through a stream without header (RFC 1951) to its end, which takes about a sixth of the
+/// time that it took to deflate it. Absent when the stream is broken.
 std::optional<LastBlock> lastBlockOf(std::span<const std::uint8_t> stream);
 
 } // namespace Png

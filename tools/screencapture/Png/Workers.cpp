@@ -12,18 +12,7 @@ namespace Png {
 namespace {
 
 /// More would gain little: reading the screen and writing the file stay with one.
-constexpr int mostWorkers = 4;
-
-/// Pixels below which starting threads is not worth its while.
-constexpr std::uint64_t largePicture = 1'000'000;
-
-int processors()
-{
-    cpu_set_t allowed;
-    CPU_ZERO(&allowed);
-    // Fails on a machine of more processors than the set has room for.
-    return sched_getaffinity(0, sizeof allowed, &allowed) == 0 ? CPU_COUNT(&allowed) : mostWorkers;
-}
+constexpr int mostWorkers = 8;
 
 std::future<void> begin(const std::function<void(unsigned)>& work, unsigned part)
 {
@@ -36,11 +25,14 @@ std::future<void> begin(const std::function<void(unsigned)>& work, unsigned part
 
 } // namespace
 
-unsigned workersFor(std::uint32_t width, std::uint32_t height)
+unsigned processors()
 {
-    if (std::uint64_t{width} * height < largePicture)
-        return 1;
-    return static_cast<unsigned>(std::clamp(processors(), 1, mostWorkers));
+    cpu_set_t allowed;
+    CPU_ZERO(&allowed);
+    // Fails on a machine of more processors than the set has room for.
+    const bool isKnown = sched_getaffinity(0, sizeof allowed, &allowed) == 0;
+    return static_cast<unsigned>(
+        std::clamp(isKnown ? CPU_COUNT(&allowed) : mostWorkers, 1, mostWorkers));
 }
 
 void inParallel(unsigned parts, const std::function<void(unsigned part)>& work)
