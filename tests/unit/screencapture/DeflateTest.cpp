@@ -119,11 +119,11 @@ TEST(Deflate, EveryStreamInflatesToTheData)
 {
     for (const Maker maker : makers) {
         for (const std::size_t size :
-             {0, 1, 2, 3, 4, 5, 10, 100, 1000, 65535, 65536, 65537, 300'001, 900'000})
+             {0U, 1U, 2U, 3U, 4U, 5U, 10U, 100U, 1000U, 65535U, 65536U, 65537U, 300'001U, 900'000U})
         {
             const Bytes data = maker(size);
             for (const int level : {1, 4}) {
-                for (const std::size_t parts : {1, 2, 3, 10}) {
+                for (const std::size_t parts : {1U, 2U, 3U, 10U}) {
                     SCOPED_TRACE(testing::Message()
                                  << size << " bytes, level " << level << ", " << parts << " parts");
                     const Bytes stream = deflated(data, parts, level, 2);
@@ -189,7 +189,7 @@ TEST(Deflate, PartsCostLittle)
 
 TEST(Deflate, APartWhoseStreamIsBrokenIsStored)
 {
-    for (const std::size_t size : {0, 1, 65535, 65536, 200'000}) {
+    for (const std::size_t size : {0U, 1U, 65535U, 65536U, 200'000U}) {
         const Bytes data = noise(size);
         Bytes room(size + 100, 0xff); // no stream at all
         std::size_t end = Png::openEnd(room, std::min<std::size_t>(size, 50), data);
@@ -216,12 +216,18 @@ TEST(Adler32, IsPutTogetherFromParts)
     for (const Bytes& data : {Bytes(300'000, 0), Bytes(300'000, 0xff), noise(300'000)}) {
         const std::span all(data);
         const uLong whole = adler32(1, data.data(), static_cast<uInt>(data.size()));
-        for (const std::size_t cut : {0, 1, 65520, 65521, 65522, 299'999, 300'000}) {
+        for (const std::size_t cut : {0U, 1U, 65520U, 65521U, 65522U, 299'999U, 300'000U}) {
             Png::Adler32 sum;
             sum.append(Png::Adler32(all.first(cut / 2)));
             sum.append(Png::Adler32(all.subspan(cut / 2, cut - cut / 2)));
             sum.append(Png::Adler32(all.subspan(cut)));
             EXPECT_EQ(sum.value(), whole) << cut;
+
+            Png::Adler32 rest(all.subspan(cut / 2, cut - cut / 2));
+            rest.append(Png::Adler32(all.subspan(cut)));
+            Png::Adler32 other(all.first(cut / 2));
+            other.append(rest);
+            EXPECT_EQ(other.value(), whole) << cut;
         }
     }
 }
@@ -239,7 +245,7 @@ Bytes storedBlocks(std::size_t count)
 
 TEST(LastBlock, IsFound)
 {
-    for (const std::size_t count : {1, 2, 3, 1000}) {
+    for (const std::size_t count : {1U, 2U, 3U, 1000U}) {
         const Bytes stream = storedBlocks(count);
         const auto last = Png::lastBlockOf(stream);
         ASSERT_TRUE(last) << count;
@@ -261,7 +267,8 @@ TEST(LastBlock, IsAbsentFromABrokenStream)
     Bytes cut = storedBlocks(3);
     cut.pop_back();
     EXPECT_FALSE(Png::lastBlockOf(cut));
-    EXPECT_FALSE(Png::lastBlockOf(Bytes{0x07})); // a type of block that does not exist
+    EXPECT_FALSE(Png::lastBlockOf(Bytes{0x07}));       // a type of block that does not exist
+    EXPECT_FALSE(Png::lastBlockOf(Bytes{0x02, 0x0c})); // its last byte, of zeros, is missing
     EXPECT_FALSE(Png::lastBlockOf({}));
 }
 
@@ -323,7 +330,7 @@ TEST(LastBlock, IsFoundWhereZlibFindsIt)
     std::vector<Maker> all(std::begin(makers), std::end(makers));
     all.push_back(rarer);
     for (const Maker maker : all) {
-        for (const std::size_t size : {0, 1, 2, 300, 20'000, 400'000}) {
+        for (const std::size_t size : {0U, 1U, 2U, 300U, 20'000U, 400'000U}) {
             const Bytes data = maker(size);
             for (const int level : {0, 1, 6}) {
                 for (const int strategy : {Z_DEFAULT_STRATEGY, Z_HUFFMAN_ONLY, Z_RLE, Z_FIXED}) {
