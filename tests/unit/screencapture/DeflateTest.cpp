@@ -10,6 +10,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <iterator>
 #include <new>
 #include <optional>
@@ -154,6 +155,22 @@ TEST(Deflate, PartsAreMadeAtTheSameTime)
         return std::span<const std::uint8_t>(data).subspan(part * 1000, 1000);
     };
     EXPECT_EQ(Png::zlibStream({2, 1000, bytesOf}, 4, 2).size(), 2U);
+}
+
+TEST(Deflate, OnePartStartsNoThread)
+{
+    const auto threads = [] {
+        const std::filesystem::directory_iterator tasks("/proc/self/task");
+        return std::distance(begin(tasks), end(tasks));
+    };
+    const auto before = threads();
+    auto meanwhile = before;
+    const auto bytesOf = [&](std::size_t, std::uint8_t*) {
+        meanwhile = threads();
+        return std::span<const std::uint8_t>();
+    };
+    Png::zlibStream({1, 0, bytesOf}, 4, 8);
+    EXPECT_EQ(meanwhile, before);
 }
 
 TEST(Deflate, WhatMakingAPartThrowsArrives)

@@ -138,7 +138,7 @@ private:
 };
 
 /// Of bytes as they are (RFC 1951, section 3.2.4).
-bool skipStored(BitReader& in, std::size_t streamSize)
+bool skipStored(BitReader& in)
 {
     in.moveTo((in.position() + 7) / 8);
     if (!in.refill())
@@ -146,7 +146,7 @@ bool skipStored(BitReader& in, std::size_t streamSize)
     const std::size_t length = in.take(16);
     const std::size_t complement = in.take(16);
     const std::size_t end = in.position() / 8 + length;
-    if (length + complement != 0xffff || end > streamSize)
+    if (length + complement != 0xffff)
         return false;
     in.moveTo(end);
     return true;
@@ -164,7 +164,7 @@ std::optional<LastBlock> lastBlockOf(std::span<const std::uint8_t> stream)
         bool isSkipped = false;
         switch (in.take(2)) {
         case 0:
-            isSkipped = skipStored(in, stream.size());
+            isSkipped = skipStored(in);
             break;
         case 1:
             isSkipped = codes.setFixed() && codes.skipSymbols(in);
