@@ -284,8 +284,12 @@ TEST(LastBlock, IsAbsentFromABrokenStream)
     Bytes cut = storedBlocks(3);
     cut.pop_back();
     EXPECT_FALSE(Png::lastBlockOf(cut));
-    EXPECT_FALSE(Png::lastBlockOf(Bytes{0x07}));       // a type of block that does not exist
-    EXPECT_FALSE(Png::lastBlockOf(Bytes{0x02, 0x0c})); // its last byte, of zeros, is missing
+    Bytes contradictory = storedBlocks(1);
+    contradictory[3] ^= 1; // of the length's complement
+    EXPECT_FALSE(Png::lastBlockOf(contradictory));
+    EXPECT_FALSE(Png::lastBlockOf(Bytes{0x1b, 0x03, 0x00})); // fixed codes, and a symbol too many
+    EXPECT_FALSE(Png::lastBlockOf(Bytes{0x07}));             // a type of block that does not exist
+    EXPECT_FALSE(Png::lastBlockOf(Bytes{0x02, 0x0c}));       // its last byte, of zeros, is missing
     EXPECT_FALSE(Png::lastBlockOf({}));
 }
 
