@@ -1,5 +1,6 @@
 #include "AppDelegate.h"
 #include "ChipThumbnail.h"
+#include "Editor/EditorWindowController.h"
 #include "Platform/Application.h"
 #include "Platform/Defaults.h"
 #include "Preferences.h"
@@ -17,6 +18,28 @@ namespace {
 int exitStatus(Platform::SingleInstance::Role role)
 {
     return role == Platform::SingleInstance::Role::HandedOver ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+std::shared_ptr<Subsystems::Editor> makeImageEditor(const QUrl& image)
+{
+    // It may end from within one of its own events.
+    const std::shared_ptr<EditorWindowController> controller(
+        EditorWindowController::open(image, Clock::system()).release(),
+        [](EditorWindowController* closed) {
+            if (closed)
+                closed->deleteLater();
+        });
+    if (!controller)
+        return nullptr;
+    auto editor = std::make_shared<Subsystems::Editor>();
+    editor->fileURL = image;
+    editor->makeKeyAndOrderFront = [controller] { controller->makeKeyAndOrderFront(); };
+    // The editor's owner drops it meanwhile.
+    controller->onClose = [handle = std::weak_ptr(editor)](EditorWindowController*) {
+        if (const auto closed = handle.lock(); closed && closed->onClose)
+            closed->onClose(closed.get());
+    };
+    return editor;
 }
 
 } // namespace
@@ -41,6 +64,7 @@ int main(int argc, char** argv)
     Preferences preferences(Platform::openDefaults());
     Subsystems subsystems;
     subsystems.loadChipContent = ChipThumbnail::load;
+    subsystems.editors.makeImageEditor = makeImageEditor;
     AppDelegate delegate(preferences, Clock::system(), std::move(subsystems));
     QTimer::singleShot(0, &delegate, [&] { delegate.applicationDidFinishLaunching(instance); });
     return QApplication::exec();

@@ -48,6 +48,10 @@ void setOpacity(QWidget& window, double opacity);
 /// Shows `window` on top of its level, whether or not the program is active.
 void orderFrontRegardless(QWidget& window);
 
+/// Shows an ordinary window above the others and gives it the keyboard, since the user has just
+/// asked for it.
+void bringToFront(QWidget& window);
+
 /// Gives the keyboard to `window`, which is shown, until it is ordered out or another window gets
 /// it. The window of another program that has the focus keeps it.
 void makeKey(QWidget& window);

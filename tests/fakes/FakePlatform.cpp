@@ -2,6 +2,7 @@
 
 #include "Platform/Backdrop.h"
 #include "Platform/CapturePermission.h"
+#include "Platform/Colors.h"
 #include "Platform/Compositing.h"
 #include "Platform/LoginItem.h"
 #include "Platform/Menus.h"
@@ -186,6 +187,27 @@ void setBody(QWidget& window, QRect body, double)
     FakePlatform::current().bodies[&window] = body;
 }
 
+QColor controlAccentColor()
+{
+    return {0x0A, 0x84, 0xFF};
+}
+
+QColor separatorColor()
+{
+    return {0x40, 0x41, 0x42};
+}
+
+QColor underPageColor()
+{
+    return {0x1E, 0x20, 0x24};
+}
+
+void bringToFront(QWidget& window)
+{
+    FakePlatform::current().front.emplace_back(&window);
+    window.show();
+}
+
 void setOpacity(QWidget& window, double opacity)
 {
     FakePlatform::current().opacities[&window].push_back(opacity);
@@ -195,6 +217,8 @@ void writePasteboard(const PasteboardItem& item)
 {
     FakePlatform::current().pasteboard.push_back(item);
 }
+
+void prepareDrag() {}
 
 std::vector<Screen> screens()
 {

@@ -30,7 +30,7 @@ class Layer:
 
 MODEL_AND_BELOW = ["base", "support", "model"]
 SERVICES_AND_BELOW = MODEL_AND_BELOW + ["platform", "media", "services"]
-EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection", "chips"]
+EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection", "chips", "editor"]
 
 LAYERS = {
     # What the capture tool shares with the program: it starts without Qt.
@@ -74,7 +74,8 @@ LAYERS = {
     "model": Layer(
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
          "src/ChipPlacement.*", "src/ChipContent.*", "src/CaptureKind.*", "src/RecordingTypes.*",
-         "src/Editor/Annotation*", "src/Editor/BaseImage.*", "src/Editor/Sidecar*"],
+         "src/Editor/Annotation*", "src/Editor/BaseImage.*", "src/Editor/Sidecar*",
+         "src/Editor/CanvasModel.*", "src/Editor/EditorLayout.*", "src/Editor/UndoHistory.*"],
         ["base", "support"],
         ["Core", "Gui"]),
     "services": Layer(
@@ -95,6 +96,10 @@ LAYERS = {
         ["Core", "Gui", "Widgets"]),
     "chips": Layer(
         ["src/ChipManager.*", "src/ChipPanel.*", "src/ChipView.*", "src/PassThroughOverlay.*"],
+        SERVICES_AND_BELOW + ["kit"],
+        ["Core", "Gui", "Widgets"]),
+    "editor": Layer(
+        ["src/Editor/*"],
         SERVICES_AND_BELOW + ["kit"],
         ["Core", "Gui", "Widgets"]),
     "app": Layer(

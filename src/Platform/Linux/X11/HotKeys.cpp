@@ -1,5 +1,6 @@
 #include "Platform/HotKeys.h"
 
+#include "Platform/Linux/X11/EventTimes.h"
 #include "Platform/Linux/X11/KeyCodes.h"
 #include "Platform/Linux/X11/ModifierMap.h"
 #include "Platform/Linux/X11/QtConnection.h"
@@ -168,6 +169,7 @@ private:
                 continue;
             const bool repeated =
                 event.detail == m_releasedKey && event.time - m_releaseTime <= repeatGap;
+            X11::noteTime(event.time);
             if (!repeated && handler) {
                 const auto identifier = registration.identifier;
                 handler(identifier); // may change m_registrations
@@ -181,6 +183,7 @@ private:
     {
         if (event.event != X11::qtScreen().root)
             return false;
+        X11::noteTime(event.time);
         m_releasedKey = event.detail;
         m_releaseTime = event.time;
         return false;

@@ -2,6 +2,7 @@
 
 #include "Platform/Linux/NativeScreen.h"
 #include "Platform/Linux/QtGeometry.h"
+#include "Platform/Linux/X11/EventTimes.h"
 #include "Platform/Linux/X11/KeyboardGrab.h"
 #include "Platform/Linux/X11/QtConnection.h"
 
@@ -103,6 +104,15 @@ void Platform::orderFrontRegardless(QWidget& window)
         if (!isTopmost(window) && panel->isVisible())
             panel->raise();
     }
+}
+
+void Platform::bringToFront(QWidget& window)
+{
+    X11::stateNewestTime();
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    window.activateWindow();
 }
 
 void Platform::makeKey(QWidget& window)

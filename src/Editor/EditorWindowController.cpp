@@ -1,0 +1,241 @@
+#include "Editor/EditorWindowController.h"
+
+#include "Editor/AnnotationRenderer.h"
+#include "Editor/CanvasView.h"
+#include "Editor/EditorLayout.h"
+#include "Editor/EditorToolbar.h"
+#include "Editor/EditorWindow.h"
+#include "Editor/Sidecar.h"
+#include "Editor/ZoomView.h"
+#include "Media/Picture.h"
+#include "Platform/Pasteboard.h"
+#include "Platform/Screens.h"
+#include "Platform/WindowTraits.h"
+#include "Support/Log.h"
+
+#include <QFileInfo>
+#include <QPointer>
+#include <QSaveFile>
+#include <QShortcut>
+#include <QTimer>
+#include <QVBoxLayout>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto flashTime = 1400ms;
+constexpr Geometry::Rect assumedScreen = {0, 0, 1440, 900};
+
+Geometry::Rect mainVisibleFrame()
+{
+    const auto screens = Platform::screens();
+    return screens.empty() ? assumedScreen : screens.front().visibleFrame;
+}
+
+std::optional<BaseImage> loadImage(const QString& path)
+{
+    const auto info = Picture::info(path);
+    if (!info)
+        return std::nullopt;
+    auto pixels = Picture::load(path);
+    if (!pixels)
+        return std::nullopt;
+    return BaseImage::ofDensity(std::move(*pixels), info->density);
+}
+
+PossibleFailure write(const QByteArray& bytes, const QString& path)
+{
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+        return std::nullopt;
+    return Failure{file.errorString().toStdString()};
+}
+
+} // namespace
+
+std::unique_ptr<EditorWindowController> EditorWindowController::open(const QUrl& image, Clock clock)
+{
+    const QString path = image.toLocalFile();
+    auto picture = loadImage(path);
+    if (!picture)
+        return nullptr;
+    auto* canvas = new CanvasView(std::move(*picture), Sidecar::load(path));
+    return std::unique_ptr<EditorWindowController>(
+        new EditorWindowController(image, std::move(clock), canvas));
+}
+
+EditorWindowController::EditorWindowController(const QUrl& image, Clock clock, CanvasView* canvas)
+    : m_imageURL(image)
+    , m_clock(std::move(clock))
+    , m_window(std::make_unique<EditorWindow>())
+    , m_canvas(canvas)
+{
+    const Geometry::Rect visible = mainVisibleFrame();
+    const Geometry::Size picture = m_canvas->image().size;
+    const double magnification = EditorLayout::initialMagnification(picture, visible.size());
+    const Geometry::Size content = EditorLayout::contentSize(picture, magnification);
+
+    m_window->setObjectName(QStringLiteral("EditorWindow"));
+    m_window->setWindowTitle(fileName());
+    m_window->setWindowFilePath(m_imageURL.toLocalFile());
+    m_window->setMinimumSize(static_cast<int>(EditorLayout::smallestWindow.width),
+                             static_cast<int>(EditorLayout::smallestWindow.height));
+    m_window->willClose = [this] { windowWillClose(); };
+    buildUI(magnification);
+    Platform::setFrame(*m_window, {visible.x + (visible.width - content.width) / 2,
+                                   visible.y + (visible.height - content.height) / 2, content.width,
+                                   content.height});
+
+    m_canvas->model().onChange = [this] { saveSidecar(); };
+    connectToolbar();
+    addShortcuts();
+}
+
+EditorWindowController::~EditorWindowController()
+{
+    m_canvas->model().onChange = {};
+    m_window->willClose = {};
+    m_window->hide();
+    m_window.release()->deleteLater();
+}
+
+QWidget& EditorWindowController::window()
+{
+    return *m_window;
+}
+
+QString EditorWindowController::fileName() const
+{
+    return QFileInfo(m_imageURL.toLocalFile()).fileName();
+}
+
+void EditorWindowController::buildUI(double initialMagnification)
+{
+    m_toolbar = new EditorToolbar;
+    m_toolbar->setFixedHeight(static_cast<int>(EditorLayout::toolbarHeight));
+    m_zoomView = new ZoomView(m_canvas);
+    auto* column = new QVBoxLayout(m_window.get());
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(m_toolbar);
+    column->addWidget(m_zoomView);
+    m_toolbar->selectTool(m_canvas->model().tool());
+    m_toolbar->highlightColor(m_canvas->model().colorHex());
+    m_canvas->setZoom(initialMagnification);
+    // Once the window has been laid out.
+    QTimer::singleShot(0, this, [this, initialMagnification] {
+        m_zoomView->setMagnification(initialMagnification);
+        m_canvas->setFocus();
+    });
+}
+
+void EditorWindowController::connectToolbar()
+{
+    CanvasModel& model = m_canvas->model();
+    connect(m_toolbar, &EditorToolbar::toolClicked, this, [this, &model](EditorTool tool) {
+        m_canvas->commitActiveTextField();
+        model.setTool(tool);
+        m_canvas->toolChanged();
+        m_toolbar->selectTool(tool);
+        m_canvas->setFocus();
+    });
+    connect(m_toolbar, &EditorToolbar::colorClicked, this, [this, &model](const QString& hex) {
+        model.setColorHex(hex);
+        m_toolbar->highlightColor(hex);
+    });
+    connect(m_toolbar, &EditorToolbar::strokeChanged, this,
+            [&model](double width) { model.setStrokeWidth(width); });
+    connect(m_toolbar, &EditorToolbar::undoClicked, this, [&model] { model.undo(); });
+    connect(m_toolbar, &EditorToolbar::redoClicked, this, [&model] { model.redo(); });
+    connect(m_toolbar, &EditorToolbar::clearClicked, this, [&model] { model.clear(); });
+    connect(m_toolbar, &EditorToolbar::copyClicked, this, &EditorWindowController::copyFlattened);
+    connect(m_toolbar, &EditorToolbar::exportClicked, this,
+            &EditorWindowController::exportFlattened);
+    connect(m_window.get(), &EditorWindow::returnPressed, this,
+            &EditorWindowController::copyFlattened);
+}
+
+void EditorWindowController::addShortcuts()
+{
+    CanvasModel& model = m_canvas->model();
+    const std::pair<QKeyCombination, std::function<void()>> commands[] = {
+        {Qt::CTRL | Qt::Key_Z, [&model] { model.undo(); }},
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_Z, [&model] { model.redo(); }},
+        {Qt::CTRL | Qt::Key_C, [this] { copyFlattened(); }},
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_C, [this] { copyFlattened(); }},
+        {Qt::CTRL | Qt::Key_S, [this] { exportFlattened(); }},
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_S, [this] { exportFlattened(); }},
+        {Qt::CTRL | Qt::Key_W, [this] { m_window->close(); }},
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_W, [this] { m_window->close(); }},
+        {Qt::CTRL | Qt::Key_Plus, [this] { m_zoomView->zoomIn(); }},
+        {Qt::CTRL | Qt::Key_Equal, [this] { m_zoomView->zoomIn(); }},
+        {Qt::CTRL | Qt::Key_Minus, [this] { m_zoomView->zoomOut(); }},
+        {Qt::CTRL | Qt::Key_0, [this] { m_zoomView->setMagnification(1); }},
+    };
+    for (const auto& [keys, command] : commands) {
+        auto* shortcut = new QShortcut(QKeySequence(keys), m_window.get());
+        connect(shortcut, &QShortcut::activated, this, command);
+        // While a label is typed these keys are its field's.
+        connect(m_canvas, &CanvasView::typingChanged, shortcut,
+                [shortcut](bool isTyping) { shortcut->setEnabled(!isTyping); });
+    }
+}
+
+void EditorWindowController::makeKeyAndOrderFront()
+{
+    Platform::bringToFront(*m_window);
+}
+
+void EditorWindowController::saveSidecar() const
+{
+    Sidecar::save(m_canvas->model().annotations(), m_imageURL.toLocalFile());
+}
+
+void EditorWindowController::copyFlattened()
+{
+    m_canvas->commitActiveTextField();
+    const auto png =
+        AnnotationRenderer::flattenedPng(m_canvas->image(), m_canvas->model().annotations());
+    if (!png)
+        return;
+    // The pixels alone: the file shows what redactions hide.
+    Platform::writePasteboard({.png = *png, .fileURL = std::nullopt});
+    flashTitle(QStringLiteral("Copied ✓"));
+}
+
+void EditorWindowController::exportFlattened()
+{
+    m_canvas->commitActiveTextField();
+    const auto png =
+        AnnotationRenderer::flattenedPng(m_canvas->image(), m_canvas->model().annotations());
+    if (!png)
+        return;
+    const QFileInfo image(m_imageURL.toLocalFile());
+    const QString name = image.completeBaseName() + QStringLiteral(" annotated.png");
+    if (const PossibleFailure failure = write(*png, image.path() + u'/' + name)) {
+        flashTitle(QStringLiteral("Export failed"));
+        Log::line(QStringLiteral("export failed: ") + QString::fromStdString(failure->message));
+        return;
+    }
+    flashTitle(QStringLiteral("Exported ✓ ") + name);
+}
+
+void EditorWindowController::flashTitle(const QString& message)
+{
+    m_window->setWindowTitle(message);
+    m_clock.after(flashTime, [self = QPointer(this)] {
+        if (self)
+            self->m_window->setWindowTitle(self->fileName());
+    });
+}
+
+void EditorWindowController::windowWillClose()
+{
+    if (std::exchange(m_isClosed, true))
+        return;
+    m_canvas->commitActiveTextField();
+    saveSidecar();
+    if (onClose)
+        onClose(this);
+}

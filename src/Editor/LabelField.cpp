@@ -1,0 +1,74 @@
+#include "Editor/LabelField.h"
+
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <QPainter>
+
+#include <cmath>
+
+LabelField::LabelField(QWidget* parent)
+    : QLineEdit(parent)
+{
+    setObjectName(QStringLiteral("LabelField"));
+    setAccessibleName(QStringLiteral("Label text"));
+    setPlaceholderText(QStringLiteral("Text…"));
+    setFrame(false);
+    setTextMargins(0, 0, 0, 0);
+    setAutoFillBackground(false);
+}
+
+void LabelField::setLook(const QColor& color, double size)
+{
+    QFont font;
+    font.setPixelSize(std::max(1, static_cast<int>(std::lround(size))));
+    font.setBold(true);
+    setFont(font);
+    QPalette look = palette();
+    look.setColor(QPalette::Base, Qt::transparent); // painted below
+    look.setColor(QPalette::Text, color);
+    QColor faint = color;
+    faint.setAlphaF(0.55F);
+    look.setColor(QPalette::PlaceholderText, faint);
+    setPalette(look);
+}
+
+void LabelField::paintEvent(QPaintEvent* event)
+{
+    QColor dark(Qt::black);
+    dark.setAlphaF(0.25F);
+    QPainter(this).fillRect(rect(), dark);
+    QLineEdit::paintEvent(event);
+}
+
+void LabelField::focusOutEvent(QFocusEvent* event)
+{
+    QLineEdit::focusOutEvent(event);
+    switch (event->reason()) {
+    case Qt::ActiveWindowFocusReason:
+    case Qt::PopupFocusReason:
+    case Qt::MenuBarFocusReason:
+        return;
+    case Qt::MouseFocusReason:
+    case Qt::TabFocusReason:
+    case Qt::BacktabFocusReason:
+    case Qt::ShortcutFocusReason:
+    case Qt::OtherFocusReason:
+    case Qt::NoFocusReason:
+        Q_EMIT ended();
+        return;
+    }
+}
+
+void LabelField::keyPressEvent(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Escape: // what was typed is not lost: it can be undone
+        event->accept();
+        Q_EMIT ended();
+        return;
+    default: // all other keys
+        QLineEdit::keyPressEvent(event);
+    }
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QLineEdit>
+
+/// The field in which a label is typed, right where it will stand.
+class LabelField : public QLineEdit {
+    Q_OBJECT
+
+public:
+    explicit LabelField(QWidget* parent);
+
+    /// The text's colour and its size in points of the screen.
+    void setLook(const QColor& color, double size);
+
+Q_SIGNALS:
+    /// The user is done: by Return, Escape, or by going elsewhere in the window. Going to another
+    /// window or to a menu is not the end of it.
+    void ended();
+
+protected:
+    void focusOutEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+};
