@@ -125,6 +125,7 @@ double ChipView::copiedBadgeOpacity() const
 void ChipView::setupOverlay()
 {
     m_overlay = new PassThroughOverlay(cornerRadius, this);
+    m_overlay->setAccessibleName(QStringLiteral("Actions"));
     m_overlay->setGeometry(rect());
     m_overlayFade = new Fade(*m_overlay, 0);
 
@@ -312,6 +313,7 @@ void ChipView::dragFile(QPointF press)
     drag->setMimeData(mime.release());
     drag->setPixmap(dragPicture());
     drag->setHotSpot(press.toPoint());
+    Platform::prepareDrag();
     // Nothing comes after: by then this view may be gone. The chip stays whatever the answer is.
     drag->exec(Qt::CopyAction, Qt::CopyAction);
 }

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+#include <utility>
 
 /// How long a file may keep its reader busy.
 struct FrameReaderLimits {
@@ -17,6 +18,15 @@ struct FrameReaderLimits {
     std::chrono::milliseconds time{20'000};
     /// Ends either as a failure too. A cancelled reader stays so.
     Cancellation cancellation;
+};
+
+/// What a FrameReader reads through; its members are as the reader's.
+class FrameSource {
+public:
+    virtual ~FrameSource() = default;
+    virtual QSize size() const = 0;
+    virtual std::optional<double> duration() const = 0;
+    virtual Result<QImage> frameAt(double seconds, QSize box) = 0;
 };
 
 /// The pictures of a video file (MOV, MP4, Matroska, WebM; the content decides, not the name).
@@ -28,24 +38,25 @@ public:
     /// is no video in a regular file.
     static Result<FrameReader> open(const QString& path, const FrameReaderLimits& limits = {});
 
-    FrameReader(FrameReader&&) noexcept;
-    FrameReader& operator=(FrameReader&&) noexcept;
-    ~FrameReader();
-
     /// Upright, with square pixels, of the first frame.
-    QSize size() const;
+    QSize size() const { return m_source->size(); }
 
     /// In seconds; absent when the file does not say.
-    std::optional<double> duration() const;
+    std::optional<double> duration() const { return m_source->duration(); }
 
     /// The frame that shows at `seconds` of the file's time: the last one that is due by then, to
     /// the microsecond; the first before it, the last past the end. Upright, with square pixels,
     /// scaled down to fit into `box` (pixels; whole without one), RGB32. Times that grow are read
     /// on from where the last one was, times with a key frame between are sought.
-    Result<QImage> frameAt(double seconds, QSize box = {});
+    Result<QImage> frameAt(double seconds, QSize box = {})
+    {
+        return m_source->frameAt(seconds, box);
+    }
 
 private:
-    class Video;
-    explicit FrameReader(std::unique_ptr<Video> video);
-    std::unique_ptr<Video> m_video;
+    explicit FrameReader(std::unique_ptr<FrameSource> source)
+        : m_source(std::move(source))
+    {
+    }
+    std::unique_ptr<FrameSource> m_source;
 };

@@ -18,4 +18,7 @@ struct PasteboardItem {
 /// Replaces what is on the general pasteboard.
 void writePasteboard(const PasteboardItem& item);
 
+/// To be called right before something is dragged to another program.
+void prepareDrag();
+
 } // namespace Platform

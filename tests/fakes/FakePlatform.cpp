@@ -196,6 +196,8 @@ void writePasteboard(const PasteboardItem& item)
     FakePlatform::current().pasteboard.push_back(item);
 }
 
+void prepareDrag() {}
+
 std::vector<Screen> screens()
 {
     return FakePlatform::current().screens;

@@ -36,9 +36,10 @@ void Legs::statusMenu(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
             return chosen;
         if (const auto open = tamrik.awaitOverlay(); !open)
             return open;
+        const auto before = static_cast<int>(tamrik.captures().size());
         if (const auto dragged = input.drag({1200, 300}, {1500, 500}); !dragged)
             return dragged;
-        const auto path = tamrik.awaitCapture(2);
+        const auto path = tamrik.awaitCapture(before + 1);
         return path ? Outcome<void>() : path.failure();
     });
     tour.step(QStringLiteral("The left button opens it as well"),
@@ -47,12 +48,19 @@ void Legs::statusMenu(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
         // Up wraps to the end: Quit, Launch at Login, Thumbnail Position.
         return keys(input, {"Up", "Up", "Up", "Right"});
     });
-    tour.step(QStringLiteral("Choosing one stores it"), [&]() -> Outcome<void> {
+    tour.step(QStringLiteral("Choosing one moves the stack there"), [&]() -> Outcome<void> {
         if (const auto chosen = keys(input, {"Up", "Up", "Return"}); !chosen)
             return chosen;
-        return waitUntil(QStringLiteral("the stored position"), [&] {
+        const double scale = desktop.options().scale;
+        const int right = desktop.options().size.width() - qRound(24 * scale);
+        return waitUntil(QStringLiteral("the stack at the top right"), [&] {
+            const auto chips = tamrik.chips();
             return tamrik.preferences().value(QStringLiteral("chipPosition")) ==
-                   QStringLiteral("topRight");
+                       QStringLiteral("topRight") &&
+                   !chips.isEmpty() &&
+                   std::all_of(chips.begin(), chips.end(), [&](const Window& chip) {
+                       return Tamrik::chipIn(chip, scale).right() + 1 == right;
+                   });
         });
     });
     tour.step(QStringLiteral("Quit ends the program without a word"), [&]() -> Outcome<void> {

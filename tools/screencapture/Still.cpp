@@ -2,6 +2,7 @@
 
 #include "NewFile.h"
 #include "Png/Encoder.h"
+#include "Png/Workers.h"
 
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/RootImage.h"
@@ -36,7 +37,7 @@ std::vector<std::uint8_t> encoded(const X11::RootImage& image, double scale)
     const Png::Source source{
         image.width(), image.height(),
         [&](std::uint32_t y, std::uint8_t* rgb) { reader.read(image.row(y), image.width(), rgb); }};
-    return Png::encode(source, pointsAnInch * scale);
+    return Png::encode(source, pointsAnInch * scale, Png::processors());
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "Platform/Application.h"
 
 #include "Platform/Linux/X11/Connection.h"
+#include "Platform/Linux/X11/EventTimes.h"
 
 #include <QGuiApplication>
 
@@ -26,6 +27,7 @@ PossibleFailure Platform::prepareApplication()
 void Platform::becomeAccessory()
 {
     QGuiApplication::setQuitOnLastWindowClosed(false);
+    X11::watchEventTimes();
 }
 
 void Platform::activateIgnoringOthers()

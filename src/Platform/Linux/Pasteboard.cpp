@@ -1,5 +1,7 @@
 #include "Platform/Pasteboard.h"
 
+#include "Platform/Linux/X11/EventTimes.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
@@ -18,5 +20,11 @@ void Platform::writePasteboard(const PasteboardItem& item)
                       "copy\n" + item.fileURL->toEncoded());
         data->setData(QStringLiteral("application/x-kde-cutselection"), "0");
     }
+    X11::mendTime();
     QGuiApplication::clipboard()->setMimeData(data.release()); // the clipboard owns it
+}
+
+void Platform::prepareDrag()
+{
+    X11::mendTime(); // the drag is announced with it
 }

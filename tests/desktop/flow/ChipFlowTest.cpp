@@ -39,8 +39,7 @@ protected:
     /// The chip without its shadow, in pixels of the desktop.
     QRect body(const Window& chip, double chipScale = 0) const
     {
-        const int margin = pixels(Tamrik::chipMargin, chipScale);
-        return chip.geometry.adjusted(margin, margin, -margin, -margin);
+        return Tamrik::chipIn(chip, chipScale > 0 ? chipScale : scale());
     }
 
     /// Takes a picture and waits for the chips that there are then; its path.
@@ -215,6 +214,14 @@ TEST_P(ChipOnDesktop, ADragCopiesTheFileIntoAFileManager)
     EXPECT_EQ(contents(*path), bytes);
     EXPECT_EQ(windows().focused(), focused);
     EXPECT_EQ(tamrik->chips().size(), 1);
+    // The program can still copy: what it was asked with did not confuse it.
+    const Clipboard clipboard(*desktop);
+    ASSERT_TRUE(succeeded(clipboard.write(QStringLiteral("UTF8_STRING"), "another program's")));
+    ASSERT_TRUE(succeeded(input().click(copyButton(*place))));
+    EXPECT_TRUE(succeeded(waitUntil(QStringLiteral("the picture on the clipboard"), [&] {
+        const auto png = clipboard.read(QStringLiteral("image/png"));
+        return png && *png == bytes;
+    })));
     // It works a second time: nothing is left over from the first.
     ASSERT_TRUE(QFile::remove(copy));
     ASSERT_TRUE(succeeded(
@@ -377,9 +384,7 @@ TEST_F(ChipAndCompositors, AChipFollowsThoseThatComeAndGo)
     ASSERT_TRUE(succeeded(tamrik->pressCaptureKey()));
     ASSERT_TRUE(succeeded(dragOut(area())));
     ASSERT_TRUE(succeeded(tamrik->awaitChips(1)));
-    const QRect window = tamrik->chips().front().geometry;
-    const QRect body = window.adjusted(Tamrik::chipMargin, Tamrik::chipMargin, -Tamrik::chipMargin,
-                                       -Tamrik::chipMargin);
+    const QRect body = Tamrik::chipIn(tamrik->chips().front(), 1);
     const QPoint below(body.center().x(), body.bottom() + 4);
     const QPoint corner = body.topLeft() + QPoint(1, 1);
     // Nothing but the round chip: the background is all around it.

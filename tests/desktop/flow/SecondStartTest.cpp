@@ -226,7 +226,8 @@ TEST_F(SecondStart, ByAKeyOfTheWindowManager)
     QByteArray text = file.readAll();
     file.close();
     const QString binding = QStringLiteral("<keybind key=\"A-F12\"><action name=\"Execute\">"
-                                           "<command>%1</command></action></keybind></keyboard>")
+                                           "<command>&quot;%1&quot;</command></action></keybind>"
+                                           "</keyboard>")
                                 .arg(program());
     text.replace("</keyboard>", binding.toUtf8());
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));

@@ -8,6 +8,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <cmath>
+
 #include <xcb/res.h>
 #include <xcb/xcb.h>
 
@@ -103,6 +105,13 @@ QList<Window> Tamrik::chips() const
         return window.pid == m_app->pid() && window.isViewable && window.isOverrideRedirect &&
                window.isTopLevel && window.title == QLatin1String("Tamrik Chip");
     });
+}
+
+QRect Tamrik::chipIn(const Window& window, double scale)
+{
+    constexpr double shadow = 18; // points on every side
+    const auto margin = static_cast<int>(std::lround(shadow * scale));
+    return window.geometry.adjusted(margin, margin, -margin, -margin);
 }
 
 Outcome<void> Tamrik::awaitChips(int count) const

@@ -36,13 +36,14 @@ public:
     Desktop::Outcome<void> pressRecordKey() const;
 
     /// The chips that are on the screen, from the bottom of the stacking order to the top. A chip's
-    /// window is larger than the chip by `chipMargin` points on every side.
+    /// window is larger than the chip.
     QList<Desktop::Window> chips() const;
+    /// The chip alone, in pixels of the desktop; `scale` is its screen's.
+    static QRect chipIn(const Desktop::Window& window, double scale);
     Desktop::Outcome<void> awaitChips(int count) const;
     /// Waits for a chip, and takes all that there are off the screen: behind the program's back,
     /// so that they are in no later picture of it.
     Desktop::Outcome<void> putChipsAway() const;
-    static constexpr int chipMargin = 18;
 
     /// The open menus of the program itself.
     QList<Desktop::Window> menus() const;

@@ -91,13 +91,13 @@ Pixels colourful(std::uint32_t colours)
                  [&](std::uint32_t x, std::uint32_t y) { return (y * 40 + x) % colours * 54321; });
 }
 
-std::string encode(const Pixels& pixels, double dotsPerInch = 72)
+std::string encode(const Pixels& pixels, double dotsPerInch = 72, unsigned workers = 1)
 {
     const Png::Source source{pixels.width, pixels.height, [&](std::uint32_t y, std::uint8_t* rgb) {
                                  const std::size_t rowBytes = std::size_t{3} * pixels.width;
                                  std::memcpy(rgb, pixels.rgb.data() + rowBytes * y, rowBytes);
                              }};
-    const std::vector<std::uint8_t> file = Png::encode(source, dotsPerInch);
+    const std::vector<std::uint8_t> file = Png::encode(source, dotsPerInch, workers);
     return {file.begin(), file.end()};
 }
 
@@ -143,6 +143,35 @@ TEST(Encoder, LargerPicturesReadBack)
         expectReadsBack(painter(63, 33));
         expectReadsBack(painter(64, 1023));
     }
+}
+
+TEST(Encoder, SeveralWorkersMakeTheSamePicture)
+{
+    // At least four bands of 1 MiB, or of a longer row, so that the work is shared out.
+    for (const Pixels& pixels :
+         {gradient(1000, 1398), noise(1000, 1398), gradient(400'000, 5), text(2100, 2000)})
+    {
+        SCOPED_TRACE(testing::Message() << pixels.width << 'x' << pixels.height);
+        const std::string byOne = encode(pixels, 72, 1);
+        const std::string byTwo = encode(pixels, 72, 2);
+        EXPECT_TRUE(byOne != byTwo) << "the work was not shared out";
+        for (const unsigned workers : {3U, 8U})
+            EXPECT_TRUE(encode(pixels, 72, workers) == byTwo) << workers << " workers";
+        const PngImage one = readPng(byOne);
+        const PngImage two = readPng(byTwo);
+        EXPECT_TRUE(one.rgb == pixels.rgb) << "other pixels";
+        EXPECT_TRUE(two.rgb == pixels.rgb) << "other pixels";
+        EXPECT_EQ(two.filterTypes, one.filterTypes);
+        EXPECT_EQ(two.colourType, one.colourType);
+        EXPECT_LT(byTwo.size(), byOne.size() + byOne.size() / 200 + 5000);
+    }
+}
+
+TEST(Encoder, ASmallPictureIsNotSharedOut)
+{
+    for (const Pixels& pixels :
+         {flat(1, 1), gradient(640, 480), gradient(1000, 1397), gradient(700'000, 3)})
+        EXPECT_TRUE(encode(pixels, 72, 8) == encode(pixels, 72, 1)) << pixels.width;
 }
 
 TEST(Encoder, UpTo256ColoursGoIntoAPalette)

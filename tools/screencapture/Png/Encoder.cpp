@@ -1,6 +1,9 @@
 #include "Encoder.h"
 
+#include "Bands.h"
+#include "Buffer.h"
 #include "Chunks.h"
+#include "Deflate.h"
 #include "IndexedRows.h"
 #include "RowFilter.h"
 
@@ -8,13 +11,9 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
-#include <memory>
-#include <new>
 #include <span>
 
 #include <libdeflate.h>
-#include <sys/mman.h>
 
 namespace Png {
 
@@ -37,53 +36,6 @@ constexpr std::size_t largestData = 256 << 10; // content of one IDAT chunk, in 
 constexpr std::uint32_t sampleBands = 8;
 constexpr std::uint32_t sampleBandRows = 4;
 
-struct FreeCompressor {
-    void operator()(libdeflate_compressor* compressor) const
-    {
-        libdeflate_free_compressor(compressor);
-    }
-};
-using Compressor = std::unique_ptr<libdeflate_compressor, FreeCompressor>;
-
-Compressor compressorOf(int level)
-{
-    Compressor compressor(libdeflate_alloc_compressor(level));
-    if (!compressor)
-        throw std::bad_alloc();
-    return compressor;
-}
-
-/// Memory that nobody sets to zero first, in large pages where the system has them: of a large
-/// screen both take milliseconds otherwise. Throws std::bad_alloc.
-class Buffer {
-public:
-    explicit Buffer(std::size_t size)
-        : m_size(size)
-    {
-        const std::size_t alignment = size < largePage ? alignof(std::max_align_t) : largePage;
-        const std::size_t padded = (size + alignment - 1) / alignment * alignment;
-        m_bytes.reset(static_cast<std::uint8_t*>(std::aligned_alloc(alignment, padded)));
-        if (!m_bytes)
-            throw std::bad_alloc();
-        if (alignment == largePage) // a wish: no harm when it is not granted
-            madvise(m_bytes.get(), padded, MADV_HUGEPAGE);
-    }
-
-    std::uint8_t* data() { return m_bytes.get(); }
-    std::size_t size() const { return m_size; }
-    std::span<const std::uint8_t> first(std::size_t count) const { return {m_bytes.get(), count}; }
-
-private:
-    static constexpr std::size_t largePage = 2 << 20;
-
-    struct Free {
-        void operator()(std::uint8_t* bytes) const { std::free(bytes); }
-    };
-
-    std::unique_ptr<std::uint8_t[], Free> m_bytes;
-    std::size_t m_size;
-};
-
 std::size_t rowBytes(const Source& source)
 {
     return pixelBytes * source.width;
@@ -105,6 +57,30 @@ std::uint8_t* filterRows(const Source& source, Filtering filtering, std::uint32_
         out += 1 + rowBytes(source);
     }
     return out;
+}
+
+PartedData filteredRows(const Source& source, Filtering filtering, unsigned workers)
+{
+    const std::size_t lineBytes = 1 + rowBytes(source);
+    const Bands bands(source.height, lineBytes, workers);
+    const auto filter = [&source, filtering, bands](std::size_t band, std::uint8_t* scratch) {
+        const std::uint8_t* const end =
+            filterRows(source, filtering, bands.start(band), bands.start(band + 1), scratch);
+        return std::span<const std::uint8_t>(scratch, end);
+    };
+    return {bands.count(), bands.mostRows() * lineBytes, filter};
+}
+
+PartedData rowsOf(const IndexedRows& picture, const Source& source, unsigned workers)
+{
+    const std::size_t lineBytes = std::size_t{1} + source.width;
+    const Bands bands(source.height, lineBytes, workers);
+    const auto select = [&picture, lineBytes, bands](std::size_t band, std::uint8_t*) {
+        const std::uint8_t* const rows = picture.rows.get();
+        return std::span(rows + lineBytes * bands.start(band),
+                         rows + lineBytes * bands.start(band + 1));
+    };
+    return {bands.count(), bands.mostRows() * lineBytes, select};
 }
 
 /// Some rows of a picture, before and after: how many bytes they are.
@@ -172,36 +148,38 @@ void appendDensity(Chunks& chunks, double dotsPerInch)
     chunks.append("pHYs", density);
 }
 
-void appendData(Chunks& chunks, std::span<const std::uint8_t> rows,
-                libdeflate_compressor* compressor)
+void appendData(Chunks& chunks, const std::vector<Buffer>& pieces)
 {
-    Buffer deflated(libdeflate_zlib_compress_bound(compressor, rows.size()));
-    const std::size_t length = libdeflate_zlib_compress(compressor, rows.data(), rows.size(),
-                                                        deflated.data(), deflated.size());
-    chunks.reserve(length + length / 1024 + 2048);
-    for (std::size_t done = 0; done < length; done += largestData) {
-        const std::size_t count = std::min(largestData, length - done);
-        chunks.append("IDAT", deflated.first(length).subspan(done, count));
+    std::size_t size = 0;
+    for (const Buffer& piece : pieces)
+        size += piece.size() + piece.size() / 1024 + 64; // with room for the chunks' own bytes
+    chunks.reserve(size);
+    for (const Buffer& piece : pieces) {
+        std::span<const std::uint8_t> rest = piece.bytes();
+        while (!rest.empty()) {
+            const std::size_t count = std::min(largestData, rest.size());
+            chunks.append("IDAT", rest.first(count));
+            rest = rest.subspan(count);
+        }
     }
 }
 
 } // namespace
 
-std::vector<std::uint8_t> encode(const Source& source, double dotsPerInch)
+std::vector<std::uint8_t> encode(const Source& source, double dotsPerInch, unsigned workers)
 {
     Chunks chunks;
     if (const auto picture = indexed(source)) {
         appendHeader(chunks, source, ColourType::Palette);
         appendDensity(chunks, dotsPerInch);
         chunks.append("PLTE", picture->palette);
-        appendData(chunks, {picture->rows.get(), picture->size}, compressorOf(thorough).get());
+        appendData(chunks, zlibStream(rowsOf(*picture, source, workers), thorough, workers));
     } else {
         const Plan plan = planFor(source);
-        Buffer filtered((1 + rowBytes(source)) * source.height);
-        filterRows(source, plan.filtering, 0, source.height, filtered.data());
         appendHeader(chunks, source, ColourType::Rgb);
         appendDensity(chunks, dotsPerInch);
-        appendData(chunks, filtered.first(filtered.size()), compressorOf(plan.level).get());
+        appendData(chunks,
+                   zlibStream(filteredRows(source, plan.filtering, workers), plan.level, workers));
     }
     chunks.append("IEND", {});
     return chunks.take();

@@ -18,6 +18,14 @@ QNativeInterface::QX11Application* x11Application()
     return qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
 }
 
+X11::Reply<xcb_query_extension_reply_t> queryExtension(const char* name)
+{
+    const auto cookie = xcb_query_extension(X11::qtConnection(),
+                                            static_cast<std::uint16_t>(std::strlen(name)), name);
+    return X11::Reply<xcb_query_extension_reply_t>(
+        xcb_query_extension_reply(X11::qtConnection(), cookie, nullptr));
+}
+
 } // namespace
 
 xcb_connection_t* X11::qtConnection()
@@ -57,11 +65,14 @@ xcb_atom_t X11::atom(const char* name)
 
 std::uint8_t X11::firstEventOf(const char* extension)
 {
-    const auto cookie = xcb_query_extension(
-        qtConnection(), static_cast<std::uint16_t>(std::strlen(extension)), extension);
-    const Reply<xcb_query_extension_reply_t> reply(
-        xcb_query_extension_reply(qtConnection(), cookie, nullptr));
+    const auto reply = queryExtension(extension);
     return reply && reply->present ? reply->first_event : std::uint8_t{0};
+}
+
+std::uint8_t X11::opcodeOf(const char* extension)
+{
+    const auto reply = queryExtension(extension);
+    return reply && reply->present ? reply->major_opcode : std::uint8_t{0};
 }
 
 std::vector<std::uint32_t> X11::property32(xcb_window_t window, const char* name)

@@ -25,6 +25,9 @@ xcb_atom_t atom(const char* name);
 /// The number of the first kind of event of a protocol extension; 0 when the server lacks it.
 std::uint8_t firstEventOf(const char* extension);
 
+/// The number that stands in front of a protocol extension's events; 0 when the server lacks it.
+std::uint8_t opcodeOf(const char* extension);
+
 /// A property of 32-bit values; empty when the window has none of that name and format.
 std::vector<std::uint32_t> property32(xcb_window_t window, const char* name);
 

@@ -1,8 +1,4 @@
-#include "Media/FrameReader.h"
-
-#include "Media/FFmpeg/FrameDecoder.h"
-#include "Media/FFmpeg/FrameImage.h"
-#include "Media/FFmpeg/VideoFile.h"
+#include "Media/FFmpeg/Video.h"
 
 #include <QFile>
 
@@ -35,35 +31,7 @@ std::optional<double> longestTrack(const AVFormatContext& file)
 
 } // namespace
 
-class FrameReader::Video {
-public:
-    explicit Video(const FrameReaderLimits& limits)
-        : m_patience(limits.time, limits.cancellation)
-    {
-    }
-
-    PossibleFailure open(const std::string& path);
-    QSize size() const { return m_size; }
-    std::optional<double> duration() const;
-    Result<QImage> frameAt(double seconds, QSize box);
-
-private:
-    void goTo(std::int64_t time);
-    bool mustSeek(std::int64_t time) const;
-    void seek(std::int64_t time);
-    bool isFirst(const AVFrame& frame) const { return frame.pts <= m_firstFrame; }
-
-    Patience m_patience;
-    std::unique_ptr<VideoFile> m_file;
-    std::unique_ptr<FrameDecoder> m_decoder;
-    std::optional<FrameImage> m_image;
-    QSize m_size;
-    std::int64_t m_firstFrame = 0; // its time, in the stream's ticks
-    Av::Frame m_shown;             // absent after a search that was not finished
-    Av::Frame m_next;              // the one after it, when it is known
-};
-
-PossibleFailure FrameReader::Video::open(const std::string& path)
+PossibleFailure Video::open(const std::string& path)
 {
     m_patience.begin();
     auto file = VideoFile::open(path, m_patience);
@@ -83,7 +51,7 @@ PossibleFailure FrameReader::Video::open(const std::string& path)
     return {};
 }
 
-std::optional<double> FrameReader::Video::duration() const
+std::optional<double> Video::duration() const
 {
     const AVFormatContext& file = m_file->context();
     if (const auto longest = longestTrack(file))
@@ -93,7 +61,7 @@ std::optional<double> FrameReader::Video::duration() const
     return {};
 }
 
-Result<QImage> FrameReader::Video::frameAt(double seconds, QSize box)
+Result<QImage> Video::frameAt(double seconds, QSize box)
 {
     m_patience.begin();
     goTo(ticksAt(seconds, m_decoder->stream().time_base));
@@ -104,7 +72,7 @@ Result<QImage> FrameReader::Video::frameAt(double seconds, QSize box)
     return m_image->render(*m_shown, box);
 }
 
-void FrameReader::Video::goTo(std::int64_t time)
+void Video::goTo(std::int64_t time)
 {
     if (mustSeek(time))
         seek(time);
@@ -117,7 +85,7 @@ void FrameReader::Video::goTo(std::int64_t time)
     }
 }
 
-bool FrameReader::Video::mustSeek(std::int64_t time) const
+bool Video::mustSeek(std::int64_t time) const
 {
     if (!m_shown)
         return true;
@@ -126,7 +94,7 @@ bool FrameReader::Video::mustSeek(std::int64_t time) const
     return (!m_next || m_next->pts <= time) && m_decoder->hasNewKeyFrame(time);
 }
 
-void FrameReader::Video::seek(std::int64_t time)
+void Video::seek(std::int64_t time)
 {
     // Containers look key frames up by decoding time, and frames that refer to what was before
     // their key frame are lost: where the first frame is too late, an earlier key frame is needed.
@@ -142,34 +110,11 @@ void FrameReader::Video::seek(std::int64_t time)
     }
 }
 
-Result<FrameReader> FrameReader::open(const QString& path, const FrameReaderLimits& limits)
+Result<std::unique_ptr<FrameSource>> Video::open(const QString& path,
+                                                 const FrameReaderLimits& limits)
 {
-    auto video = std::make_unique<Video>(limits);
+    std::unique_ptr<Video> video(new Video(limits));
     if (const PossibleFailure failure = video->open(QFile::encodeName(path).toStdString()))
         return *failure;
-    return FrameReader(std::move(video));
-}
-
-FrameReader::FrameReader(std::unique_ptr<Video> video)
-    : m_video(std::move(video))
-{
-}
-
-FrameReader::FrameReader(FrameReader&&) noexcept = default;
-FrameReader& FrameReader::operator=(FrameReader&&) noexcept = default;
-FrameReader::~FrameReader() = default;
-
-QSize FrameReader::size() const
-{
-    return m_video->size();
-}
-
-std::optional<double> FrameReader::duration() const
-{
-    return m_video->duration();
-}
-
-Result<QImage> FrameReader::frameAt(double seconds, QSize box)
-{
-    return m_video->frameAt(seconds, box);
+    return std::unique_ptr<FrameSource>(std::move(video));
 }

@@ -1,0 +1,13 @@
+#include "Media/MediaModule.h"
+
+#include "Media/FFmpeg/Video.h"
+
+#include <QtGlobal>
+
+extern "C" Q_DECL_EXPORT const MediaModule* tamrikMediaModule();
+
+const MediaModule* tamrikMediaModule()
+{
+    static const MediaModule module = {.openFrames = Video::open};
+    return &module;
+}

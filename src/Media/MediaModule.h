@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Media/FrameReader.h"
+
+/// The library that reads and writes video files. It brings a hundred others along, which cost a
+/// start tens of milliseconds and tens of megabytes: most runs of the program never need them, so
+/// it is loaded when a video is first touched, and stays then.
+struct MediaModule {
+    /// As FrameReader::open.
+    Result<std::unique_ptr<FrameSource>> (*openFrames)(const QString& path,
+                                                       const FrameReaderLimits& limits);
+
+    /// The module, loaded by the first call; null when it is missing. Any thread.
+    static const MediaModule* get();
+
+    /// The name of the function in the library that returns the module.
+    static constexpr const char* entry = "tamrikMediaModule";
+};

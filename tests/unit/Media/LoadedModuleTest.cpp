@@ -1,0 +1,13 @@
+#include "Media/MediaModule.h"
+
+#include <gtest/gtest.h>
+
+TEST(LoadedModule, IsFoundFromTheProgramAndWorks)
+{
+    const MediaModule* module = MediaModule::get();
+    ASSERT_TRUE(module);
+    EXPECT_EQ(MediaModule::get(), module);
+    const auto reader = FrameReader::open(QStringLiteral("/nothing/here.mp4"));
+    ASSERT_FALSE(reader);
+    EXPECT_NE(reader.failure().message.find("/nothing/here.mp4"), std::string::npos);
+}
