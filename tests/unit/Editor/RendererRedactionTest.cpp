@@ -2,6 +2,9 @@
 
 #include "unit/Editor/Shapes.h"
 
+#include <QPainter>
+#include <QSet>
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -173,5 +176,35 @@ TEST(Redaction, NothingShinesThroughWhereThePictureIsTranslucent)
     for (int y = 16; y < 43; ++y) {
         for (int x = 12; x < 48; ++x)
             ASSERT_EQ(image.pixel(x, y), image.pixel(x - (x - 12) % 9, y - (y - 16) % 9));
+    }
+}
+
+TEST(Redaction, KeepsHardEdgesUnderAZoom)
+{
+    const BaseImage base = noise({60, 50}, 1);
+    const QImage flat = redacted(base, {12, 7}, {48, 34});
+    QSet<QRgb> colors;
+    for (int y = 16; y < 43; ++y) {
+        for (int x = 12; x < 48; ++x)
+            colors.insert(flat.pixel(x, y));
+    }
+    EXPECT_EQ(colors.size(), 12);
+    for (const double zoom : {0.7, 1.7, 3.0}) {
+        QImage screen(180, 150, QImage::Format_RGB32);
+        screen.fill(Qt::white);
+        QPainter painter(&screen);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.scale(zoom, zoom);
+        AnnotationRenderer::draw(painter, Geometry::Flip({0, 0, 60, 50}),
+                                 markOf(Kind::redact, {12, 7}, {48, 34}, 4), base);
+        EXPECT_TRUE(painter.testRenderHint(QPainter::SmoothPixmapTransform));
+        painter.end();
+        QSet<QRgb> seen;
+        for (int y = 0; y < screen.height(); ++y) {
+            for (int x = 0; x < screen.width(); ++x)
+                seen.insert(screen.pixel(x, y));
+        }
+        seen.remove(qRgb(255, 255, 255));
+        EXPECT_EQ(seen, colors) << zoom;
     }
 }
