@@ -179,9 +179,9 @@ TEST_P(DrawnShape, LaterMarksAreAbove)
     EXPECT_EQ(colorAt(drawn({second, first}), density(), {50, 40}), QColor(0x0A, 0x84, 0xFF));
 }
 
-TEST_P(DrawnShape, AnyNumberEndsSoon)
+TEST_P(DrawnShape, NumbersOfAnySizeDoNoHarm)
 {
-    for (const double far : {1e5, 1e9, 1e19, 1e40, 1.7e308}) {
+    for (const double far : {1e6, 1e19, 1.7e308}) {
         for (int kind = 0; kind < 9; ++kind) {
             Annotation mark = markOf(static_cast<Kind>(kind), {-far, -far / 3}, {far, far}, far);
             mark.path = QList<Point>{mark.start, mark.end, {far, -far}};

@@ -11,14 +11,21 @@ namespace Shapes {
 
 namespace {
 
-double distanceToSegment(Point p, Point a, Point b)
+double squaredDistanceToSegment(Point p, Point a, Point b)
 {
     const double dx = b.x - a.x;
     const double dy = b.y - a.y;
     const double squared = dx * dx + dy * dy;
     const double along =
         squared > 0 ? std::clamp(((p.x - a.x) * dx + (p.y - a.y) * dy) / squared, 0.0, 1.0) : 0;
-    return std::hypot(p.x - a.x - along * dx, p.y - a.y - along * dy);
+    const double x = p.x - a.x - along * dx;
+    const double y = p.y - a.y - along * dy;
+    return x * x + y * y;
+}
+
+double distanceToSegment(Point p, Point a, Point b)
+{
+    return std::sqrt(squaredDistanceToSegment(p, a, b));
 }
 
 } // namespace
@@ -31,10 +38,10 @@ Distance capsule(Point from, Point to, double width)
 Distance chain(const QList<Point>& points, double width)
 {
     return [=](Point p) {
-        double least = 1e9;
+        double least = 1e18; // squared: this is called often
         for (qsizetype i = 0; i + 1 < points.size(); ++i)
-            least = std::min(least, distanceToSegment(p, points[i], points[i + 1]));
-        return least - width / 2;
+            least = std::min(least, squaredDistanceToSegment(p, points[i], points[i + 1]));
+        return std::sqrt(least) - width / 2;
     };
 }
 
@@ -72,7 +79,7 @@ Distance roundedOutline(const Geometry::Rect& rect, double radius, double width)
 Distance ellipseOutline(const Geometry::Rect& rect, double width)
 {
     QList<Point> points;
-    constexpr int count = 180;
+    constexpr int count = 120;
     for (int i = 0; i <= count; ++i) {
         const double angle = 2 * std::numbers::pi * i / count;
         points.append({rect.x + rect.width / 2 * (1 + std::cos(angle)),
