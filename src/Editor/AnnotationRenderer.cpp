@@ -22,9 +22,9 @@ constexpr double textMargin = 6;
 constexpr double counterMargin = 4;
 constexpr double counterTextSize = 1.1; // of the radius
 
-/// Of 100, which Qt turns into zlib's level 3: about half of the time that its own choice takes, a
-/// fifth for photographs, for files that are a tenth larger.
-constexpr int pngCompression = 34;
+/// Of 100, which Qt turns into zlib's level 2: about half of the time that its own choice takes, a
+/// sixth for photographs, for files that are a tenth larger.
+constexpr int pngCompression = 23;
 
 double arrowHeadLength(double width)
 {

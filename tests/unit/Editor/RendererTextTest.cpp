@@ -59,14 +59,14 @@ Ink inkOn(const QImage& image, double density, double leftOut = 0)
 }
 
 /// Black text without a shadow on white.
-Ink plainInk(const QString& text, double textSize, double density)
+Ink plainInk(const QString& text, double textSize, double density, double leftOut = 0)
 {
     QImage image = plainPicture(size, density, Qt::white).pixels;
     QPainter painter(&image);
     painter.scale(density, density);
     AnnotationText::drawOutlines(painter, {20, size.height - 25}, text, textSize, QColor(0, 0, 0));
     painter.end();
-    return inkOn(image, density);
+    return inkOn(image, density, leftOut);
 }
 
 class DrawnText : public testing::TestWithParam<double> {
@@ -145,6 +145,9 @@ TEST_P(DrawnText, StandsInItsBoxAboveAndToTheRightOfItsOrigin)
         EXPECT_GE(ink.box.minY(), 25 - 1);
         EXPECT_LE(ink.box.maxY(), 25 + box.height + 1);
         EXPECT_GT(ink.box.height, 0.8 * textSize);
+        const Ink outlines = plainInk(text, textSize, density(), 0.5);
+        EXPECT_NEAR(ink.box.minX(), outlines.box.minX(), 1.01 / density());
+        EXPECT_NEAR(ink.box.maxX(), outlines.box.maxX(), 1.01 / density());
         // A capital stands on the baseline, which is the font's descent above the box's edge.
         QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
         font.setBold(true);
