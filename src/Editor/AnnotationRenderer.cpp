@@ -217,6 +217,16 @@ void drawCounter(QPainter& painter, const Space& space, const Annotation& annota
                                  QColor(255, 255, 255));
 }
 
+/// An annotation's rectangle as far as it is to be drawn.
+Geometry::Rect reachableRect(const Annotation& annotation)
+{
+    const auto reachable = [](Geometry::Point p) {
+        return Geometry::Point{std::clamp(p.x, -farthest, farthest),
+                               std::clamp(p.y, -farthest, farthest)};
+    };
+    return Geometry::Rect::spanning(reachable(annotation.start), reachable(annotation.end));
+}
+
 void drawRedaction(QPainter& painter, const Space& space, const Geometry::Rect& rect,
                    const BaseImage& base)
 {
@@ -306,7 +316,7 @@ void draw(QPainter& painter, const Geometry::Flip& flip, const Annotation& annot
         drawCounter(painter, space, annotation);
         break;
     case AnnotationKind::redact:
-        drawRedaction(painter, space, annotation.rect(), base);
+        drawRedaction(painter, space, reachableRect(annotation), base);
         break;
     }
     painter.restore();

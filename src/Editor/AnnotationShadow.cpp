@@ -74,7 +74,7 @@ void makeShadow(QImage& image, double deviation)
     for (int y = 0; y < height; ++y) {
         std::transform(values.begin() + std::ptrdiff_t{y} * width,
                        values.begin() + std::ptrdiff_t{y + 1} * width, rowOf(image, y),
-                       [](float alpha) { return static_cast<QRgb>(alpha + 0.5F) << 24; });
+                       [](float alpha) { return static_cast<QRgb>(std::lround(alpha)) << 24; });
     }
 }
 

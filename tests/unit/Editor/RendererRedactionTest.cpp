@@ -141,6 +141,13 @@ TEST(Redaction, EndsWhereThePictureDoes)
     EXPECT_EQ(redacted({{}, {40, 30}}, {0, 0}, {20, 20}).size(), QSize(40, 30));
 }
 
+TEST(Redaction, HidesEverythingHoweverLargeItIs)
+{
+    const BaseImage base = noise({40, 30}, 2);
+    for (const double far : {1e4, 1e30, 1.7e308})
+        expectUnchangedOutside(redacted(base, {-far, -far}, {far, far}), base, QRect(0, 0, 40, 30));
+}
+
 TEST(Redaction, ShowsThePictureAndNotTheMarksBelow)
 {
     const BaseImage base = noise({60, 50}, 1);
