@@ -20,16 +20,19 @@ std::vector<Run> runsAlong(double start, double length, double blockSize, int ex
 {
     // Sizes are computed from points: what lies within this of an edge of a pixel is that edge.
     constexpr double tolerance = 1e-6;
-    const double first = std::max(std::floor(start + tolerance), 0.0);
-    const double end = std::min(std::ceil(start + length - tolerance), static_cast<double>(extent));
+    const auto extentInPixels = static_cast<double>(extent);
+    const int first =
+        static_cast<int>(std::clamp(std::floor(start + tolerance), 0.0, extentInPixels));
+    const int end =
+        static_cast<int>(std::clamp(std::ceil(start + length - tolerance), 0.0, extentInPixels));
     std::vector<Run> runs;
     double lastBlock = -1;
     const double largestBlock = std::max(std::ceil(length / blockSize - tolerance) - 1, 0.0);
-    for (double pixel = first; pixel < end; ++pixel) {
+    for (int pixel = first; pixel < end; ++pixel) {
         const double block =
             std::clamp(std::floor((pixel + 0.5 - start) / blockSize), 0.0, largestBlock);
         if (block != lastBlock)
-            runs.push_back({static_cast<int>(pixel), static_cast<int>(pixel)});
+            runs.push_back({pixel, pixel});
         ++runs.back().end;
         lastBlock = block;
     }

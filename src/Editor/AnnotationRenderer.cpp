@@ -3,8 +3,6 @@
 #include "Editor/AnnotationPixelation.h"
 #include "Editor/AnnotationText.h"
 
-#include <QBuffer>
-#include <QImageWriter>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -101,29 +99,53 @@ QPainterPath polyline(const QList<Geometry::Point>& points, const Space& space)
     return path;
 }
 
-/// Like QPainterPath's own, which has none without a width or a height.
-QPainterPath roundedRectangle(const QRectF& rect)
+/// A stroked rectangle with round corners. Qt would make a wide line around a tight corner of so
+/// few segments that the corner is seen to be cut off.
+void strokeRectangle(QPainter& painter, const QRectF& rect, const QColor& color, double width)
 {
-    QPainterPath path;
     const double radius = std::min({cornerRadius, rect.width() / 2, rect.height() / 2});
-    if (radius > 0) {
-        path.addRoundedRect(rect, radius, radius);
-    } else {
-        path.moveTo(rect.topLeft());
-        path.lineTo(rect.bottomRight());
+    const double half = width / 2;
+    const auto grownBy = [&](double distance) {
+        QPainterPath path;
+        const double corner = std::max(radius + distance, 0.0);
+        path.addRoundedRect(rect.adjusted(-distance, -distance, distance, distance), corner,
+                            corner);
+        return path;
+    };
+    if (width == 0) { // as thin as can be
+        stroke(painter, grownBy(0), color, width);
+        return;
     }
-    return path;
+    QPainterPath ring = grownBy(half); // filled by the odd-even rule
+    if (rect.width() > width && rect.height() > width)
+        ring.addPath(grownBy(-half));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawPath(ring);
 }
 
-QPainterPath ellipse(const QRectF& rect)
+/// A stroked ellipse. Qt's own strokes of curves may be a quarter of a point off.
+void strokeEllipse(QPainter& painter, const QRectF& rect, const QColor& color, double width)
 {
     QPainterPath path;
-    path.moveTo(rect.center()); // where it stands when it has no size
-    if (rect.width() > 0 || rect.height() > 0) {
-        path.clear();
+    if (rect.width() == 0 || rect.height() == 0) {
+        path.moveTo(rect.topLeft());
+        path.lineTo(rect.bottomRight());
+    } else {
         path.addEllipse(rect);
     }
-    return path;
+    if (path.elementCount() <= 2 || width == 0) {
+        stroke(painter, path, color, width);
+        return;
+    }
+    QPainterPathStroker stroker;
+    stroker.setWidth(width);
+    stroker.setCurveThreshold(0.01); // points
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    QPainterPath ring = stroker.createStroke(path);
+    ring.setFillRule(Qt::WindingFill);
+    painter.drawPath(ring);
 }
 
 void drawArrow(QPainter& painter, const Space& space, const Annotation& annotation)
@@ -168,9 +190,9 @@ void drawHighlight(QPainter& painter, const Space& space, const Annotation& anno
 
 void drawLabel(QPainter& painter, const Space& space, const Annotation& annotation)
 {
-    AnnotationText::draw(painter, space.textOrigin(annotation.start),
-                         annotation.text.value_or(QString()),
-                         {labelSize(annotation), annotation.color(), true});
+    AnnotationText::drawLabel(painter, space.textOrigin(annotation.start),
+                              annotation.text.value_or(QString()), labelSize(annotation),
+                              annotation.color());
 }
 
 void drawCounter(QPainter& painter, const Space& space, const Annotation& annotation)
@@ -185,8 +207,18 @@ void drawCounter(QPainter& painter, const Space& space, const Annotation& annota
     const Geometry::Size box = AnnotationText::measure(number, size);
     const Geometry::Point origin{annotation.start.x - box.width / 2,
                                  annotation.start.y - box.height / 2};
-    AnnotationText::draw(painter, space.textOrigin(origin), number,
-                         {size, QColor(255, 255, 255), false});
+    AnnotationText::drawOutlines(painter, space.textOrigin(origin), number, size,
+                                 QColor(255, 255, 255));
+}
+
+/// An annotation's rectangle as far as it is to be drawn.
+Geometry::Rect reachableRect(const Annotation& annotation)
+{
+    const auto reachable = [](Geometry::Point p) {
+        return Geometry::Point{std::clamp(p.x, -farthest, farthest),
+                               std::clamp(p.y, -farthest, farthest)};
+    };
+    return Geometry::Rect::spanning(reachable(annotation.start), reachable(annotation.end));
 }
 
 void drawRedaction(QPainter& painter, const Space& space, const Geometry::Rect& rect,
@@ -221,25 +253,6 @@ Geometry::Rect hull(const QList<Geometry::Point>& points)
     return Geometry::Rect::spanning(least, most);
 }
 
-/// A new image with the picture's pixels; a copy of the old one would have its texts and its colour
-/// space too. Null when there is not memory enough.
-QImage copyOfPixels(const BaseImage& base)
-{
-    if (base.pixels.isNull()) {
-        QImage empty(static_cast<int>(base.size.width), static_cast<int>(base.size.height),
-                     QImage::Format_ARGB32_Premultiplied);
-        empty.fill(Qt::transparent);
-        return empty;
-    }
-    const QImage source = base.pixels.hasAlphaChannel()
-                              ? base.pixels.convertToFormat(QImage::Format_ARGB32_Premultiplied)
-                              : base.pixels.convertToFormat(QImage::Format_RGB32);
-    QImage copy(source.size(), source.format());
-    for (int y = 0; y < copy.height(); ++y)
-        std::copy_n(source.constScanLine(y), qsizetype{4} * copy.width(), copy.scanLine(y));
-    return copy;
-}
-
 } // namespace
 
 namespace AnnotationRenderer {
@@ -259,12 +272,11 @@ void draw(QPainter& painter, const Geometry::Flip& flip, const Annotation& annot
                lineWidth(annotation));
         break;
     case AnnotationKind::rect:
-        stroke(painter, roundedRectangle(space(annotation.rect())), annotation.color(),
-               lineWidth(annotation));
+        strokeRectangle(painter, space(annotation.rect()), annotation.color(),
+                        lineWidth(annotation));
         break;
     case AnnotationKind::ellipse:
-        stroke(painter, ellipse(space(annotation.rect())), annotation.color(),
-               lineWidth(annotation));
+        strokeEllipse(painter, space(annotation.rect()), annotation.color(), lineWidth(annotation));
         break;
     case AnnotationKind::freehand:
         drawStroke(painter, space, annotation, annotation.color(), lineWidth(annotation));
@@ -279,7 +291,7 @@ void draw(QPainter& painter, const Geometry::Flip& flip, const Annotation& annot
         drawCounter(painter, space, annotation);
         break;
     case AnnotationKind::redact:
-        drawRedaction(painter, space, annotation.rect(), base);
+        drawRedaction(painter, space, reachableRect(annotation), base);
         break;
     }
     painter.restore();
@@ -311,36 +323,6 @@ Geometry::Rect bounds(const Annotation& annotation)
             counterRadius(annotation.lineWidth) + counterMargin);
     }
     Q_UNREACHABLE();
-}
-
-QImage flattened(const BaseImage& base, const QList<Annotation>& annotations)
-{
-    QImage result = copyOfPixels(base);
-    QPainter painter;
-    if (result.isNull() || !painter.begin(&result))
-        return {};
-    painter.scale(result.width() / base.size.width, result.height() / base.size.height);
-    const Geometry::Flip flip({0, 0, base.size.width, base.size.height});
-    for (const Annotation& annotation : annotations)
-        draw(painter, flip, annotation, base);
-    return result;
-}
-
-std::optional<QByteArray> flattenedPng(const BaseImage& base, const QList<Annotation>& annotations)
-{
-    QImage image = flattened(base, annotations);
-    if (image.isNull())
-        return {};
-    constexpr double pointsPerMetre = 72 / 0.0254;
-    image.setDotsPerMeterX(
-        static_cast<int>(std::lround(image.width() / base.size.width * pointsPerMetre)));
-    image.setDotsPerMeterY(
-        static_cast<int>(std::lround(image.height() / base.size.height * pointsPerMetre)));
-    QByteArray png;
-    QBuffer buffer(&png);
-    if (!buffer.open(QIODevice::WriteOnly) || !QImageWriter(&buffer, "png").write(image))
-        return {};
-    return png;
 }
 
 } // namespace AnnotationRenderer

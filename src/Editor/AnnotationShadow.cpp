@@ -51,22 +51,30 @@ void blurAndTurn(const std::vector<float>& from, std::vector<float>& to, int len
     }
 }
 
-/// Blurs the alpha of an Alpha8 image.
-void blur(QImage& mask, double deviation)
+QRgb* rowOf(QImage& image, int y)
+{
+    return reinterpret_cast<QRgb*>(image.scanLine(y)); // aligned: 32 bits a pixel
+}
+
+/// Makes a premultiplied image the shadow of what is on it: black, blurred.
+void makeShadow(QImage& image, double deviation)
 {
     const std::vector<float> weights = gaussian(deviation);
-    const int width = mask.width();
-    const int height = mask.height();
+    const int width = image.width();
+    const int height = image.height();
     std::vector<float> values(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     std::vector<float> turned(values.size());
-    for (int y = 0; y < height; ++y)
-        std::copy_n(mask.constScanLine(y), width, values.begin() + std::ptrdiff_t{y} * width);
+    for (int y = 0; y < height; ++y) {
+        const QRgb* const row = rowOf(image, y);
+        std::transform(row, row + width, values.begin() + std::ptrdiff_t{y} * width,
+                       [](QRgb pixel) { return static_cast<float>(qAlpha(pixel) * opacity); });
+    }
     blurAndTurn(values, turned, width, height, weights);
     blurAndTurn(turned, values, height, width, weights);
     for (int y = 0; y < height; ++y) {
         std::transform(values.begin() + std::ptrdiff_t{y} * width,
-                       values.begin() + std::ptrdiff_t{y + 1} * width, mask.scanLine(y),
-                       [](float value) { return static_cast<uchar>(std::lround(value)); });
+                       values.begin() + std::ptrdiff_t{y + 1} * width, rowOf(image, y),
+                       [](float alpha) { return static_cast<QRgb>(std::lround(alpha)) << 24; });
     }
 }
 
@@ -106,14 +114,11 @@ void draw(QPainter& painter, const QRectF& box,
                                QTransform::fromTranslate(-area.left(), -area.top()));
         drawShape(mask);
     }
-    shadow.convertTo(QImage::Format_Alpha8);
-    blur(shadow, blurDeviation * scale);
+    makeShadow(shadow, blurDeviation * scale);
 
     painter.save();
     painter.setWorldTransform(toDevice.inverted(), true);
-    painter.setOpacity(painter.opacity() * opacity);
-    // An image of alpha alone is black.
-    painter.drawImage(area.topLeft(), shadow.convertToFormat(QImage::Format_ARGB32_Premultiplied));
+    painter.drawImage(area.topLeft(), shadow);
     painter.restore();
 }
 

@@ -5,6 +5,7 @@
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QPainterPath>
 #include <QStringList>
 
 #include <algorithm>
@@ -55,6 +56,16 @@ struct Layout {
     }
 
     double height() const { return lineHeight * static_cast<double>(lines.size()); }
+
+    /// From the top.
+    double baseline(int line) const { return ascent + lineHeight * line; }
+
+    /// In points, of text of `size`.
+    QRectF box(Geometry::TopLeftPoint bottomLeft, double size) const
+    {
+        const double scale = size / layoutSize;
+        return {bottomLeft.x, bottomLeft.y - height() * scale, width * scale, height() * scale};
+    }
 };
 
 } // namespace
@@ -68,32 +79,41 @@ Geometry::Size measure(const QString& text, double size)
     return {layout.width * scale, layout.height() * scale};
 }
 
-void draw(QPainter& painter, Geometry::TopLeftPoint origin, const QString& text, const Style& style)
+void drawLabel(QPainter& painter, Geometry::TopLeftPoint origin, const QString& text, double size,
+               const QColor& color)
 {
-    if (text.isEmpty() || !(style.size > 0))
+    if (text.isEmpty() || !(size > 0))
         return;
     const Layout layout(text);
-    const double scale = style.size / layoutSize;
-    const double top = origin.y - layout.height() * scale;
-    const auto drawIn = [&](QPainter& target, const QColor& color) {
+    const QRectF box = layout.box(origin, size);
+    const auto drawIn = [&](QPainter& target, const QColor& textColor) {
         target.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
-        target.translate(origin.x, top);
-        target.scale(scale, scale);
+        target.translate(box.topLeft());
+        target.scale(size / layoutSize, size / layoutSize);
         target.setFont(layout.font);
-        target.setPen(color);
-        double baseline = layout.ascent;
-        for (const QString& line : layout.lines) {
-            target.drawText(QPointF(0, baseline), line);
-            baseline += layout.lineHeight;
-        }
+        target.setPen(textColor);
+        for (int line = 0; line < layout.lines.size(); ++line)
+            target.drawText(QPointF(0, layout.baseline(line)), layout.lines[line]);
     };
-    if (style.hasShadow) {
-        const QRectF box(origin.x, top, layout.width * scale, layout.height() * scale);
-        AnnotationShadow::draw(painter, box,
-                               [&](QPainter& mask) { drawIn(mask, QColor(0, 0, 0)); });
-    }
+    AnnotationShadow::draw(painter, box, [&](QPainter& mask) { drawIn(mask, QColor(0, 0, 0)); });
     painter.save();
-    drawIn(painter, style.color);
+    drawIn(painter, color);
+    painter.restore();
+}
+
+void drawOutlines(QPainter& painter, Geometry::TopLeftPoint origin, const QString& text,
+                  double size, const QColor& color)
+{
+    const Layout layout(text);
+    QPainterPath path;
+    for (int line = 0; line < layout.lines.size(); ++line)
+        path.addText(QPointF(0, layout.baseline(line)), layout.font, layout.lines[line]);
+    path.setFillRule(Qt::WindingFill);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(layout.box(origin, size).topLeft());
+    painter.scale(size / layoutSize, size / layoutSize);
+    painter.fillPath(path, color);
     painter.restore();
 }
 

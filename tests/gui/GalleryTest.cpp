@@ -46,10 +46,35 @@ TEST(Gallery, DrawsTheSheetAtAnyScale)
     EXPECT_EQ(sizes[1], sizes[0] * 2);
 }
 
+TEST(Gallery, DrawsTheAnnotationsAtAnyScale)
+{
+    const QTemporaryDir folder;
+    QList<QImage> sheets;
+    for (const char* scale : {"1", "2"}) {
+        const QString file = folder.filePath(QLatin1String{scale});
+        EXPECT_EQ(gallery({file, QLatin1String{scale}, QStringLiteral("annotations")}).code, 0);
+        sheets.append(QImage(file));
+    }
+    EXPECT_EQ(sheets[1].size(), sheets[0].size() * 2);
+    // Every colour that marks come in is somewhere.
+    for (const QRgb color :
+         {0xFFFF3B30, 0xFFFF9500, 0xFFFFCC00, 0xFF34C759, 0xFF0A84FF, 0xFFBF5AF2}) {
+        int count = 0;
+        for (int y = 0; y < sheets[0].height(); ++y) {
+            for (int x = 0; x < sheets[0].width(); ++x)
+                count += sheets[0].pixel(x, y) == color;
+        }
+        EXPECT_GT(count, 500) << QColor(color).name().toStdString();
+    }
+}
+
 TEST(Gallery, SaysHowItIsUsed)
 {
     for (const QStringList& arguments :
-         {QStringList{}, {QStringLiteral("a.png")}, {QStringLiteral("a.png"), QStringLiteral("0")}})
+         {QStringList{},
+          {QStringLiteral("a.png")},
+          {QStringLiteral("a.png"), QStringLiteral("0")},
+          {QStringLiteral("a.png"), QStringLiteral("1"), QStringLiteral("other")}})
     {
         const Ended ended = gallery(arguments);
         EXPECT_EQ(ended.code, 2);

@@ -128,8 +128,11 @@ Annotation counter(Point centre, std::int64_t number, const char* color, double 
 QList<Point> wave(Point start, double width, double height)
 {
     QList<Point> points;
-    for (double x = 0; x <= width; x += 2)
-        points.append({start.x + x, start.y + height * std::sin(x / width * 12.5)});
+    constexpr int count = 64;
+    for (int i = 0; i <= count; ++i) {
+        const double along = static_cast<double>(i) / count;
+        points.append({start.x + along * width, start.y + height * std::sin(along * 12.5)});
+    }
     return points;
 }
 

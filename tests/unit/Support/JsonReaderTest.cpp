@@ -127,6 +127,37 @@ TEST(JsonReader, RefusesWhatIsNot)
     EXPECT_FALSE(isJson(QByteArrayView("\"a\0b\"", 5)));
 }
 
+TEST(JsonReader, ReadsMembersAndElementsOnlyWhereTheyAreRightlyApart)
+{
+    const auto elements = [](QByteArrayView text) {
+        JsonReader reader(text);
+        int count = 0;
+        const bool isRead = reader.readArray([&] { return reader.readNumber() == ++count; });
+        return isRead && reader.isAtEnd() ? count : -1;
+    };
+    EXPECT_EQ(elements("[]"), 0);
+    EXPECT_EQ(elements(" [ 1 , 2,3 ] "), 3);
+    for (const char* text :
+         {"[1 2]", "[1,]", "[,1]", "[1,,2]", "[1", "[1,", "[", "[1}", "{1}", "1", ""})
+        EXPECT_EQ(elements(text), -1) << text;
+
+    const auto members = [](QByteArrayView text) {
+        JsonReader reader(text);
+        QString keys;
+        const bool isRead = reader.readObject([&](const QString& key) {
+            keys += key;
+            return reader.readNumber().has_value();
+        });
+        return isRead && reader.isAtEnd() ? keys : QStringLiteral("none");
+    };
+    EXPECT_EQ(members("{}"), QString());
+    EXPECT_EQ(members(R"( { "b" : 1 ,"a":2, "\u0063" :3 } )"), QStringLiteral("bac"));
+    for (const char* text : {R"({"a":1 "b":2})", R"({"a":1,})", R"({,"a":1})", R"({"a":1,,"b":2})",
+                             R"({"a" 1})", R"({"a"})", R"({"a":})", R"({a:1})", R"({1:1})",
+                             R"({"a":1)", R"({"a":1])", R"(["a":1])", ""})
+        EXPECT_EQ(members(text), QStringLiteral("none")) << text;
+}
+
 TEST(JsonReader, SkipsWhateverTheDepth)
 {
     constexpr int depth = 3'000'000;
