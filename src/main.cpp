@@ -40,7 +40,7 @@ int main(int argc, char** argv)
 
     Preferences preferences(Platform::openDefaults());
     Subsystems subsystems;
-    subsystems.loadChipContent = ChipThumbnail::load;
+    subsystems.loadChipContent = ChipThumbnail::loadInBackground;
     AppDelegate delegate(preferences, Clock::system(), std::move(subsystems));
     QTimer::singleShot(0, &delegate, [&] { delegate.applicationDidFinishLaunching(instance); });
     return QApplication::exec();
