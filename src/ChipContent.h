@@ -20,8 +20,10 @@ struct ChipContent {
     std::optional<QString> badge;
 };
 
-/// Reads what a chip shows of a file; absent when it cannot be shown.
-using LoadChipContent = std::function<std::optional<ChipContent>(const QUrl& file)>;
+/// Reads what a chip shows of a file, and hands it to `completion`, once and on any thread, during
+/// the call or after it; absent when the file cannot be shown.
+using LoadChipContent = std::function<void(
+    const QUrl& file, std::function<void(const std::optional<ChipContent>& content)> completion)>;
 
 /// The badge of a video that lasts so many seconds; absent when that is no finite number. Seconds
 /// are cut off, not rounded.

@@ -54,13 +54,35 @@ ChipManager::~ChipManager() = default;
 
 void ChipManager::add(const QUrl& file)
 {
-    auto made = ChipPanel::make(file, m_load, m_clock,
-                                Guarded::any<const QUrl&>(this, [this](const QUrl& edited) {
-                                    if (onEdit)
-                                        onEdit(edited);
-                                }));
-    if (!made)
+    if (!m_load)
         return;
+    const auto arrival = std::make_shared<Arrival>();
+    arrival->file = file;
+    m_arrivals.push_back(arrival);
+    using Content = std::optional<ChipContent>;
+    m_load(file, Guarded::once<const Content&>(
+                     this, [this, arrival](const Content& content) { loaded(*arrival, content); }));
+}
+
+void ChipManager::loaded(Arrival& arrival, const std::optional<ChipContent>& content)
+{
+    arrival.isLoaded = true;
+    arrival.content = content;
+    while (!m_arrivals.empty() && m_arrivals.front()->isLoaded) {
+        const auto next = m_arrivals.front();
+        m_arrivals.pop_front();
+        if (next->content)
+            show(next->file, *next->content);
+    }
+}
+
+void ChipManager::show(const QUrl& file, const ChipContent& content)
+{
+    auto made = std::make_unique<ChipPanel>(
+        file, content, m_clock, Guarded::any<const QUrl&>(this, [this](const QUrl& url) {
+            if (onEdit)
+                onEdit(url);
+        }));
     made->onClosed = [guard = QPointer(this)](const ChipPanel* panel) {
         if (guard)
             guard->closed(panel);

@@ -10,6 +10,7 @@
 #include <QPointer>
 #include <QScreen>
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -33,8 +34,9 @@ public:
     /// Asked for when the user wants to edit a chip's file.
     std::function<void(const QUrl& file)> onEdit;
 
-    /// Shows a chip for a finished capture on the screen that the pointer is on; does nothing when
-    /// the file cannot be shown.
+    /// Shows a chip for a finished capture, as soon as it is known what to show, on the screen that
+    /// the pointer is on then; none when the file cannot be shown. Chips come in the order of the
+    /// calls.
     void add(const QUrl& file);
 
     /// Moves every chip to where it belongs now.
@@ -49,6 +51,15 @@ public:
     const std::vector<std::unique_ptr<ChipPanel>>& panels() const { return m_panels; }
 
 private:
+    /// A capture that has no chip yet.
+    struct Arrival {
+        QUrl file;
+        bool isLoaded = false;
+        std::optional<ChipContent> content;
+    };
+
+    void loaded(Arrival& arrival, const std::optional<ChipContent>& content);
+    void show(const QUrl& file, const ChipContent& content);
     void closed(const ChipPanel* panel);
     void screensChanged();
     std::optional<Platform::Screen> stackScreen() const;
@@ -56,6 +67,8 @@ private:
     Preferences& m_preferences;
     Clock m_clock;
     LoadChipContent m_load;
+    /// In the order in which they were added.
+    std::deque<std::shared_ptr<Arrival>> m_arrivals;
     std::vector<std::unique_ptr<ChipPanel>> m_panels;
     /// Where the newest chip was added; null when that screen is gone.
     QPointer<QScreen> m_screen;

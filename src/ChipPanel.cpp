@@ -24,15 +24,6 @@ constexpr auto closingTime = 250ms;
 
 } // namespace
 
-std::unique_ptr<ChipPanel> ChipPanel::make(const QUrl& file, const LoadChipContent& load,
-                                           const Clock& clock, ChipView::OnEdit onEdit)
-{
-    const auto content = load ? load(file) : std::nullopt;
-    if (!content)
-        return nullptr;
-    return std::unique_ptr<ChipPanel>(new ChipPanel(file, *content, clock, std::move(onEdit)));
-}
-
 ChipPanel::ChipPanel(const QUrl& file, const ChipContent& content, const Clock& clock,
                      ChipView::OnEdit onEdit)
     : m_move(new QVariantAnimation(this))

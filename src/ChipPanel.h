@@ -21,9 +21,9 @@ class ChipPanel : public QWidget {
     Q_OBJECT
 
 public:
-    /// A panel that is not shown yet, or null when the file cannot be shown.
-    static std::unique_ptr<ChipPanel> make(const QUrl& file, const LoadChipContent& load,
-                                           const Clock& clock, ChipView::OnEdit onEdit);
+    /// The panel is not shown yet.
+    ChipPanel(const QUrl& file, const ChipContent& content, const Clock& clock,
+              ChipView::OnEdit onEdit);
     ~ChipPanel() override;
 
     /// Called once, when the panel closes by whatever road.
@@ -50,9 +50,6 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
-    ChipPanel(const QUrl& file, const ChipContent& content, const Clock& clock,
-              ChipView::OnEdit onEdit);
-
     void place(Geometry::Point origin);
     void updateBody();
 

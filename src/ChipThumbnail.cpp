@@ -5,6 +5,8 @@
 #include "Media/FrameReader.h"
 #include "Media/Picture.h"
 
+#include <QThreadPool>
+
 #include <cmath>
 
 using Geometry::Size;
@@ -67,4 +69,11 @@ std::optional<ChipContent> ChipThumbnail::load(const QUrl& file)
 {
     const QString path = file.toLocalFile();
     return captureKind(file) == CaptureKind::video ? ofVideo(path) : ofPicture(path);
+}
+
+void ChipThumbnail::loadInBackground(
+    const QUrl& file, std::function<void(const std::optional<ChipContent>& content)> completion)
+{
+    QThreadPool::globalInstance()->start(
+        [file, completion = std::move(completion)] { completion(load(file)); });
 }

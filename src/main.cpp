@@ -63,7 +63,7 @@ int main(int argc, char** argv)
 
     Preferences preferences(Platform::openDefaults());
     Subsystems subsystems;
-    subsystems.loadChipContent = ChipThumbnail::load;
+    subsystems.loadChipContent = ChipThumbnail::loadInBackground;
     subsystems.editors.makeImageEditor = makeImageEditor;
     AppDelegate delegate(preferences, Clock::system(), std::move(subsystems));
     QTimer::singleShot(0, &delegate, [&] { delegate.applicationDidFinishLaunching(instance); });

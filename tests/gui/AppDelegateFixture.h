@@ -72,10 +72,10 @@ protected:
         r.restart = note("restart");
         r.isPaused = [] { return true; };
         r.elapsed = [] { return 12.5; };
-        subsystems.loadChipContent = [](const QUrl&) {
+        subsystems.loadChipContent = [](const QUrl&, const auto& completion) {
             QImage picture(160, 90, QImage::Format_RGB32);
             picture.fill(Qt::blue);
-            return ChipContent{picture, {160, 90}, std::nullopt};
+            completion(ChipContent{picture, {160, 90}, std::nullopt});
         };
         subsystems.controls.make = [this](Geometry::Rect near, auto callbacks) {
             controlsNear = near;

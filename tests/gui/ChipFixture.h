@@ -37,8 +37,13 @@ protected:
 
     std::unique_ptr<ChipManager> makeManager()
     {
-        auto made = std::make_unique<ChipManager>(preferences, clock.clock(),
-                                                  [this](const QUrl&) { return content; });
+        auto made = std::make_unique<ChipManager>(
+            preferences, clock.clock(), [this](const QUrl& url, auto completion) {
+                if (holdsBack)
+                    heldBack[url.fileName()] = std::move(completion);
+                else
+                    completion(content);
+            });
         made->onEdit = [this](const QUrl& url) { edited.append(url); };
         return made;
     }
@@ -106,6 +111,9 @@ protected:
         folder.filePath(QStringLiteral("store.ini")), QSettings::IniFormat)};
     FakeClock clock;
     std::optional<ChipContent> content;
+    /// Whether files take their time to load.
+    bool holdsBack = false;
+    std::map<QString, std::function<void(const std::optional<ChipContent>&)>> heldBack;
     QList<QUrl> edited;
     std::unique_ptr<ChipManager> manager;
 };

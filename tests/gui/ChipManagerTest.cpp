@@ -34,6 +34,29 @@ TEST_F(ChipManagerTest, AFileThatCannotBeShownGetsNoChip)
     EXPECT_TRUE(manager->panels().empty());
 }
 
+TEST_F(ChipManagerTest, ChipsComeInTheOrderOfTheirCapturesHoweverLongEachTakes)
+{
+    holdsBack = true;
+    for (const char* name : {"1.png", "2.png", "3.png"})
+        manager->add(file(QString::fromLatin1(name)));
+    heldBack[QStringLiteral("3.png")](contentOf({200, 100}));
+    EXPECT_TRUE(manager->panels().empty());
+    heldBack[QStringLiteral("1.png")](contentOf({200, 100}));
+    EXPECT_EQ(names(), QStringList{QStringLiteral("1.png")});
+    heldBack[QStringLiteral("2.png")](std::nullopt); // cannot be shown, and holds nobody up
+    EXPECT_EQ(names().join(QLatin1Char(' ')), QStringLiteral("1.png 3.png"));
+}
+
+TEST_F(ChipManagerTest, WhatIsLoadedAfterTheManagerIsGoneIsDropped)
+{
+    holdsBack = true;
+    manager->add(file(QStringLiteral("1.png")));
+    manager.reset();
+    heldBack[QStringLiteral("1.png")](contentOf({200, 100}));
+    settle();
+    EXPECT_TRUE(FakePlatform::current().front.empty());
+}
+
 TEST_F(ChipManagerTest, OlderChipsMoveAwayFromTheEdgeSmoothly)
 {
     const ChipPanel& first = add(QStringLiteral("1.png"), {200, 90});

@@ -248,10 +248,8 @@ TEST_F(ChipViewTest, CommandDragMovesTheWholeStackAndKeepsItThere)
 
 TEST_F(ChipViewTest, AMoveOfTheStackOutlivesItsManager)
 {
-    ChipContent shown = contentOf({200, 100});
-    auto panel = ChipPanel::make(file(QStringLiteral("1.png")), [&](const QUrl&) { return shown; },
-                                 clock.clock(), {});
-    ASSERT_TRUE(panel);
+    auto panel = std::make_unique<ChipPanel>(file(QStringLiteral("1.png")), contentOf({200, 100}),
+                                             clock.clock(), ChipView::OnEdit());
     panel->view().setManager(manager.get());
     manager.reset();
     press(panel->view(), {50, 70}, Qt::ControlModifier);

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <future>
 
 #include <sys/stat.h>
 
@@ -141,4 +142,15 @@ TEST_F(ChipThumbnailTest, AVideoNamedAsAPictureIsNone)
     const std::string path = m_folder / "video.png";
     ASSERT_EQ(std::rename(video("a.mp4").c_str(), path.c_str()), 0);
     EXPECT_FALSE(load(path));
+}
+
+TEST_F(ChipThumbnailTest, InTheBackgroundItIsTheSame)
+{
+    std::promise<std::optional<ChipContent>> promise;
+    ChipThumbnail::loadInBackground(
+        QUrl::fromLocalFile(QString::fromStdString(picture(400, 200, 2))),
+        [&](const auto& content) { promise.set_value(content); });
+    const auto content = promise.get_future().get();
+    ASSERT_TRUE(content);
+    EXPECT_EQ(content->pictureSize, (Size{200, 100}));
 }

@@ -230,6 +230,24 @@ TEST_P(ChipOnDesktop, ADragCopiesTheFileIntoAFileManager)
         succeeded(waitUntil(QStringLiteral("the copy"), [&] { return contents(copy) == bytes; })));
 }
 
+TEST_P(ChipAboveAll, AnImageEditorOpensWhatIsDroppedOnIt)
+{
+    const auto path = capture(1);
+    ASSERT_TRUE(succeeded(path));
+    const auto place = restingChip();
+    ASSERT_TRUE(succeeded(place));
+    const auto editor = openImageEditor(*desktop);
+    ASSERT_TRUE(succeeded(editor));
+    const QRect window = editor->window.geometry;
+    ASSERT_TRUE(succeeded(input().drag(bareSpot(*place),
+                                       {window.center().x(), window.top() + window.height() / 3},
+                                       {12, std::chrono::milliseconds(30)})));
+    EXPECT_TRUE(
+        succeeded(windows().await(QStringLiteral("the editor's new title"),
+                                  [&](const Window& w) { return w.title.endsWith(*path); })));
+    EXPECT_TRUE(QFile::exists(*path));
+}
+
 TEST_P(ChipOnDesktop, ADragWithControlMovesTheStackToStay)
 {
     ASSERT_TRUE(succeeded(capture(1)));

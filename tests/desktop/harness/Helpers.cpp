@@ -40,4 +40,17 @@ Outcome<Helper> openFileManager(const VirtualDesktop& desktop, const QString& fo
                 QFileInfo(folder).fileName());
 }
 
+Outcome<Helper> openImageEditor(const VirtualDesktop& desktop)
+{
+    auto app = App::start(desktop, QStringLiteral("mtpaint"));
+    if (!app)
+        return app.failure();
+    const auto window = Windows(desktop).await(QStringLiteral("mtPaint"), [](const Window& w) {
+        return w.isViewable && w.title.endsWith(QLatin1String("Untitled"));
+    });
+    if (!window)
+        return window.failure();
+    return Helper{std::move(*app), *window};
+}
+
 } // namespace Desktop

@@ -18,4 +18,7 @@ Outcome<Helper> openTerminal(const VirtualDesktop& desktop, const QString& title
 /// Opens a file manager that shows a folder, whose name is the window's title.
 Outcome<Helper> openFileManager(const VirtualDesktop& desktop, const QString& folder);
 
+/// Opens an image editor without a picture; its window's title names the file that it edits.
+Outcome<Helper> openImageEditor(const VirtualDesktop& desktop);
+
 } // namespace Desktop
