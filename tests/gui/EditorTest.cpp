@@ -85,7 +85,12 @@ protected:
         settle();
     }
 
-    LabelField* field() { return canvas().findChild<LabelField*>(); }
+    /// Where a label is being typed.
+    LabelField* field()
+    {
+        settle(); // the last one goes a turn of the event loop later
+        return canvas().findChild<LabelField*>();
+    }
 
     ChromeButton* button(const char* tip)
     {
@@ -400,7 +405,7 @@ TEST_F(EditorTest, AFailedExportSaysSoAndLeavesALine)
     EXPECT_EQ(editor->window().windowTitle(), QStringLiteral("Export failed"));
     const QStringList lines = TestLog::takeLines();
     ASSERT_EQ(lines.size(), 1);
-    EXPECT_TRUE(lines[0].startsWith(QStringLiteral("Tamrik: export failed: ")))
+    EXPECT_TRUE(lines[0].startsWith(QStringLiteral("export failed: ")))
         << qPrintable(lines[0]);
 }
 
