@@ -40,7 +40,9 @@ Box cut(const PixelRect& changed, const PixelRect& area)
     const std::int64_t y = std::int64_t{changed.y} - area.y;
     Box box{std::max<std::int64_t>(x, 0), std::max<std::int64_t>(y, 0), x + changed.width,
             y + changed.height};
-    // Downwards and upwards to even; both are positive where it matters.
+    if (box.left >= area.width || box.top >= area.height || box.right <= 0 || box.bottom <= 0)
+        return {0, 0, 0, 0};
+    // To even ones outwards; all of them are positive by now.
     box.left -= box.left % 2;
     box.top -= box.top % 2;
     box.right = std::min<std::int64_t>(box.right + box.right % 2, area.width);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace {
 
@@ -15,6 +16,18 @@ std::size_t framesIn(double seconds)
 {
     return static_cast<std::size_t>(
         std::max<std::int64_t>(0, std::llround(seconds * SoundTimeline::rate)));
+}
+
+/// From what was said, chunk by chunk, about when the first of them was to be heard: of the later
+/// half the mean, without the quarter at either end.
+double settledStart(std::vector<double> said)
+{
+    said.erase(said.begin(), said.begin() + static_cast<std::ptrdiff_t>(said.size() / 2));
+    std::sort(said.begin(), said.end());
+    const auto quarter = static_cast<std::ptrdiff_t>(said.size() / 4);
+    const auto first = said.begin() + quarter;
+    const auto last = said.end() - quarter;
+    return std::accumulate(first, last, 0.0) / static_cast<double>(last - first);
 }
 
 } // namespace
@@ -39,11 +52,7 @@ void SoundTimeline::settle()
 {
     if (m_isSettled || m_heldBack.empty())
         return;
-    const auto later = m_starts.begin() + static_cast<std::ptrdiff_t>(m_starts.size() / 2);
-    const auto middle = later + (m_starts.end() - later) / 2;
-    std::nth_element(later, middle, m_starts.end());
-    const double start = *middle;
-
+    const double start = settledStart(std::move(m_starts));
     std::vector<float> sound = std::move(m_heldBack);
     m_heldBack.clear();
     m_starts.clear();
