@@ -2,6 +2,7 @@
 
 #include "Movie/Clock.h"
 #include "Movie/Filming.h"
+#include "Movie/SoundTrack.h"
 #include "Placing.h"
 
 #include <algorithm>
@@ -43,10 +44,10 @@ Result<int> recordMovie(const Arguments& arguments, const StopSignals& signals)
 
     const double start = Clock::now();
     const Alarm alarm;
-    std::promise<TrackKind> sound;
-    sound.set_value({});
+    SoundTrack sound(arguments.hasSound, start);
     Writing writing(std::move(*file), {encoder->parameters(), VideoEncoder::ticksASecond},
-                    sound.get_future(), alarm);
+                    sound.kind(), alarm);
+    sound.begin(writing);
     Encoding encoding(std::move(*encoder), writing, alarm);
     Overlay overlay((*source)->pointer(), {arguments.showsPointer, arguments.showsClicks},
                     placement->scale);
@@ -55,8 +56,9 @@ Result<int> recordMovie(const Arguments& arguments, const StopSignals& signals)
     PossibleFailure failure = filming.run();
     const double end = std::max(filming.time(), shortest);
     const PossibleFailure encodingFailure = encoding.finish();
+    const PossibleFailure soundFailure = sound.finish(end);
     const PossibleFailure writingFailure = writing.finish(ticks(end));
-    for (const PossibleFailure& other : {encodingFailure, writingFailure}) {
+    for (const PossibleFailure& other : {encodingFailure, soundFailure, writingFailure}) {
         if (!failure)
             failure = other;
     }
