@@ -84,6 +84,36 @@ TEST_F(MovieEnding, AParentThatIgnoresSignalsDoesNotMakeItDeaf)
     }
 }
 
+bool hasEnded(pid_t id)
+{
+    std::ifstream file("/proc/" + std::to_string(id) + "/stat");
+    std::string number;
+    std::string name;
+    char state = 0;
+    file >> number >> name >> state;
+    return state == 'Z';
+}
+
+TEST_F(MovieEnding, ASignalInTheMiddleOfBecomingTheMovieProgramIsNotLost)
+{
+    for (int round = 0; round < 10; ++round) {
+        Command command = Film::command(m_server, "0,0,400,300", m_file);
+        command.words.insert(command.words.begin(), {"sh", "-c", "trap '' INT; exec \"$@\"", "sh"});
+        ChildProcess tool(command);
+        const std::string program = "/proc/" + std::to_string(tool.id()) + "/exe";
+        std::error_code error;
+        while (fs::read_symlink(program, error).filename() != "screencapture-movie")
+            std::this_thread::yield();
+        tool.send(SIGINT);
+        const auto deadline = steady_clock::now() + 20s;
+        while (!hasEnded(tool.id()) && steady_clock::now() < deadline)
+            std::this_thread::sleep_for(1ms);
+        ASSERT_TRUE(hasEnded(tool.id())) << "films on";
+        EXPECT_EQ(tool.wait().signal, SIGINT);
+        EXPECT_TRUE(m_folder.names().empty());
+    }
+}
+
 TEST_F(MovieEnding, BeingKilledLosesASecondAtMost)
 {
     Recorder recorder(m_server, "0,0,400,300", m_file);
