@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <random>
+#include <thread>
 
 #include <sys/stat.h>
 
@@ -96,6 +97,8 @@ TEST(MoviePicture, ShowsTheScreenForAsLongAsItWasFilmed)
     recorder.awaitFile();
     const auto there = steady_clock::now();
     recorder.awaitGrowth();
+    // The end falls between two frames: the last one has to last until then.
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
     const auto asked = steady_clock::now();
     recorder.stop();
     const auto ended = steady_clock::now();
@@ -180,6 +183,36 @@ TEST(MoviePicture, FollowsWhatChangesInOrder)
         seen = count;
     }
     EXPECT_EQ(seen, static_cast<std::size_t>(changes));
+}
+
+TEST(MoviePicture, MotionFarApartIsFilmedAsItHappens)
+{
+    const XServer server("1280x960x24");
+    RootPainter painter(server.display());
+    const auto paint = [&](int i) {
+        painter.paintRectangle(10, 10, 40, 40, i % 2 == 0 ? 0xff0000 : 0xb00000);
+        painter.paintRectangle(1230, 910, 40, 40, i % 2 == 0 ? 0x0000ff : 0x0000b0);
+    };
+    paint(0);
+    const TemporaryFolder folder;
+    const std::string file = folder / "film.mov";
+    Recorder recorder(server, "0,0,1280,960", file);
+    recorder.awaitFile();
+    constexpr int changes = 40;
+    for (int i = 0; i < changes; ++i) {
+        paint(i);
+        std::this_thread::sleep_for(std::chrono::milliseconds(25));
+    }
+    recorder.stop();
+    const std::vector<PngImage> pictures = Film::pictures(file);
+    // Were it not told of changes, it would look every half second.
+    EXPECT_GT(pictures.size(), std::size_t{changes} / 4);
+    for (const PngImage& picture : pictures) {
+        const std::uint32_t red = picture.pixel(30, 30);
+        const std::uint32_t blue = picture.pixel(1250, 930);
+        EXPECT_TRUE(Film::isLike(red, 0xff0000) || Film::isLike(red, 0xb00000)) << red;
+        EXPECT_TRUE(Film::isLike(blue, 0x0000ff) || Film::isLike(blue, 0x0000b0)) << blue;
+    }
 }
 
 TEST(MoviePicture, EverySizeIsRoundedUpToAnEvenOneWithItsEdgeRepeated)

@@ -106,6 +106,9 @@ TEST_F(MovieSound, BecomesSilenceWhenTheMicrophoneGoesAway)
     m_sound.kill();
     recorder.awaitGrowth();
     recorder.awaitGrowth();
+    // The silence is on the disk in time, not only at the end.
+    EXPECT_GT(static_cast<double>(Film::sound(m_file).size()) / rate,
+              Film::read(m_file).duration - 1.5);
     recorder.stop();
 
     const Film::Facts facts = Film::read(m_file);

@@ -70,7 +70,7 @@ TEST(Conversion, IsWhatTheStandardSaysAndRepeatsOddEdges)
         Picture picture(width, height);
         EXPECT_EQ(picture.width(), (width + 1) / 2 * 2);
         EXPECT_EQ(picture.height(), (height + 1) / 2 * 2);
-        Conversion conversion(width, height);
+        Conversion conversion(width);
         EXPECT_TRUE(conversion.update(picture, {0, 0, width, height}, screen.data(),
                                       static_cast<std::size_t>(width)));
         expectPicture(picture, screen, width, height);
@@ -80,7 +80,7 @@ TEST(Conversion, IsWhatTheStandardSaysAndRepeatsOddEdges)
 TEST(Conversion, BlackAndWhiteAreTheEndsOfTheRange)
 {
     Picture picture(2, 2);
-    Conversion conversion(2, 2);
+    Conversion conversion(2);
     const std::uint32_t white[] = {0xffffff, 0xffffff, 0xffffff, 0xffffff};
     conversion.update(picture, {0, 0, 2, 2}, white, 2);
     EXPECT_EQ(picture.lumaRow(0)[0], 235);
@@ -97,7 +97,7 @@ TEST(Conversion, TouchesOnlyItsArea)
     constexpr int height = 15;
     auto screen = noise(width * height, 2);
     Picture picture(width, height);
-    Conversion conversion(width, height);
+    Conversion conversion(width);
     conversion.update(picture, {0, 0, width, height}, screen.data(), width);
     for (const PixelRect area :
          {PixelRect{4, 6, 8, 2}, {20, 0, 1, 15}, {0, 14, 21, 1}, {18, 12, 3, 3}}) {
@@ -121,7 +121,7 @@ TEST(Conversion, SaysWhetherAnythingChanged)
     for (std::uint32_t& pixel : screen)
         pixel &= 0x7f7f7f;
     Picture picture(width, height);
-    Conversion conversion(width, height);
+    Conversion conversion(width);
     const auto update = [&] {
         return conversion.update(picture, {0, 0, width, height}, screen.data(), width);
     };

@@ -13,8 +13,8 @@ using enum Picture::Colour;
 Picture pictureOf(const std::vector<std::uint32_t>& screen, int width, int height)
 {
     Picture picture(width, height);
-    Conversion(width, height)
-        .update(picture, {0, 0, width, height}, screen.data(), static_cast<std::size_t>(width));
+    Conversion(width).update(picture, {0, 0, width, height}, screen.data(),
+                             static_cast<std::size_t>(width));
     return picture;
 }
 

@@ -62,10 +62,8 @@ bool replace(std::uint8_t* there, const std::vector<std::uint8_t>& row, std::siz
 
 } // namespace
 
-Conversion::Conversion(int width, int height)
-    : m_width(width)
-    , m_height(height)
-    , m_upper(static_cast<std::size_t>(width) + 1)
+Conversion::Conversion(int width)
+    : m_upper(static_cast<std::size_t>(width) + 1)
     , m_lower(m_upper.size())
     , m_blue(m_upper.size() / 2)
     , m_red(m_upper.size() / 2)

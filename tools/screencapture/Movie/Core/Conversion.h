@@ -10,8 +10,8 @@
 /// Puts pixels of a screen into a picture of it.
 class Conversion {
 public:
-    /// The screen's size in pixels; the picture's sides are these, rounded up to even ones.
-    Conversion(int width, int height);
+    /// For a screen of that width in pixels.
+    explicit Conversion(int width);
 
     /// Brings `area` of the picture up to date and says whether that changed anything. `pixels` is
     /// its top left one, 0xRRGGBB in the lower 24 bits; rows are `stride` pixels apart.
@@ -25,8 +25,6 @@ private:
     bool updatePair(Picture& picture, const ScreenTable::PixelRect& area, int row,
                     const std::uint32_t* upper, const std::uint32_t* lower);
 
-    int m_width;
-    int m_height;
     // A pair of rows on its way into the picture, compared before it is copied.
     std::vector<std::uint8_t> m_upper;
     std::vector<std::uint8_t> m_lower;

@@ -28,7 +28,7 @@ ScreenSource::ScreenSource(const X11::Connection& connection, const PixelRect& a
     , m_reader(std::move(reader))
     , m_damage(DamageTracker::create(connection))
     , m_pointer(connection)
-    , m_conversion(area.width, area.height)
+    , m_conversion(area.width)
     , m_picture(area.width, area.height)
 {
 }
