@@ -9,7 +9,7 @@ import sys
 
 from desktops import ROOT, Failed
 
-NAMES = ["still", "overlay", "confirm", "idle"]
+NAMES = ["still", "movie", "overlay", "confirm", "idle"]
 
 
 class Report:

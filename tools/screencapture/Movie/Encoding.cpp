@@ -28,7 +28,7 @@ Encoding::~Encoding()
         m_thread.join();
 }
 
-void Encoding::add(const Picture& picture, double time, bool isKey)
+std::unique_ptr<Picture> Encoding::copyOf(const Picture& picture)
 {
     std::unique_ptr<Picture> copy;
     {
@@ -38,14 +38,18 @@ void Encoding::add(const Picture& picture, double time, bool isKey)
             m_spares.pop_back();
         }
     }
-    if (copy)
-        *copy = picture;
-    else
-        copy = std::make_unique<Picture>(picture);
+    if (!copy)
+        return std::make_unique<Picture>(picture);
+    *copy = picture;
+    return copy;
+}
+
+void Encoding::add(std::unique_ptr<Picture> picture, double time, bool isKey)
+{
     const std::int64_t ticks =
         std::max<std::int64_t>(std::llround(time * VideoEncoder::ticksASecond), m_lastTicks + 1);
     m_lastTicks = ticks;
-    m_queue.push({std::move(copy), ticks, isKey});
+    m_queue.push({std::move(picture), ticks, isKey});
 }
 
 std::vector<double> Encoding::takeEfforts()

@@ -23,8 +23,11 @@ public:
     /// Whether a picture would not have to wait.
     bool hasRoom() const { return m_queue.hasRoom(); }
 
+    /// A copy of a picture, to be drawn on and then added. They are used again and again.
+    std::unique_ptr<Picture> copyOf(const Picture& picture);
+
     /// `time` is in seconds since the movie's start.
-    void add(const Picture& picture, double time, bool isKey);
+    void add(std::unique_ptr<Picture> picture, double time, bool isKey);
 
     /// How many seconds each picture took that was encoded since the last call.
     std::vector<double> takeEfforts();

@@ -29,7 +29,6 @@ void waitFor(std::initializer_list<int> descriptors, double seconds)
 Filming::Filming(const Parts& parts, double start)
     : m_parts(parts)
     , m_start(start)
-    , m_composed(parts.source.width(), parts.source.height())
 {
 }
 
@@ -98,13 +97,9 @@ PossibleFailure Filming::lookAndSend(double now)
         return std::nullopt;
     }
     const bool isKey = m_pace.isKeyDue(now);
-    if (m_parts.overlay.isEmpty()) {
-        m_parts.encoding.add(m_parts.source.picture(), now, isKey);
-    } else {
-        m_composed = m_parts.source.picture();
-        m_parts.overlay.drawOn(m_composed);
-        m_parts.encoding.add(m_composed, now, isKey);
-    }
+    std::unique_ptr<Picture> picture = m_parts.encoding.copyOf(m_parts.source.picture());
+    m_parts.overlay.drawOn(*picture);
+    m_parts.encoding.add(std::move(picture), now, isKey);
     m_pace.tookFrame(now, isKey);
     return std::nullopt;
 }

@@ -42,5 +42,4 @@ private:
     Pace m_pace;
     double m_lastWhole = -1; // when all of the screen was looked at
     double m_lastPointer = 0;
-    Picture m_composed;
 };

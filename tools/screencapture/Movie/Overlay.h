@@ -29,8 +29,6 @@ public:
 
     void drawOn(Picture& picture) const;
 
-    bool isEmpty() const { return !m_shown.pointer && m_shown.rings.empty(); }
-
 private:
     struct Shown {
         std::optional<PointerTracker::Place> pointer; // its image's top left corner

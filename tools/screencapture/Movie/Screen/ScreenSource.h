@@ -15,10 +15,6 @@ public:
     static Result<std::unique_ptr<ScreenSource>> create(const X11::Connection& connection,
                                                         const ScreenTable::PixelRect& area);
 
-    /// Of the rectangle, in pixels.
-    int width() const { return m_area.width; }
-    int height() const { return m_area.height; }
-
     /// Readable when the server has something to say.
     int descriptor() const;
     /// Takes note of what the server has said. Fails when the server is gone.
