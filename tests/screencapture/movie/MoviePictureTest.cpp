@@ -272,6 +272,30 @@ TEST(MoviePicture, EveryScreenAndScaleKeepsNativePixels)
     EXPECT_TRUE(board.isIn(right.front(), 340, 60));
 }
 
+TEST(MoviePicture, WhatAShrinkingDesktopLeavesIsBlack)
+{
+    const XServer server("640x480x24");
+    RootPainter painter(server.display());
+    painter.paintRectangle(0, 0, 640, 480, 0x00ff00);
+    const TemporaryFolder folder;
+    const std::string file = folder / "film.mov";
+    Recorder recorder(server, "300,200,301,201", file, {"-C", "-k"});
+    recorder.awaitFile();
+    const std::string script = "xrandr --newmode small 10 400 410 420 430 300 310 320 330 && "
+                               "xrandr --addmode screen small && "
+                               "xrandr --output screen --mode small";
+    const Outcome shrunk = run({{"sh", "-c", script}, {{"DISPLAY", server.display()}}});
+    ASSERT_EQ(shrunk.status, 0) << shrunk.error;
+    painter.paintRectangle(0, 0, 400, 300, 0x00ff00);
+    recorder.awaitGrowth();
+    recorder.stop();
+    const std::vector<PngImage> pictures = Film::pictures(file);
+    EXPECT_TRUE(Film::isLike(pictures.front().pixel(280, 180), 0x00ff00));
+    EXPECT_TRUE(Film::isLike(pictures.back().pixel(280, 180), 0x000000));
+    EXPECT_TRUE(Film::isLike(pictures.back().pixel(90, 90), 0x00ff00));
+    EXPECT_EQ(pictures.back().width, 302U);
+}
+
 TEST(MoviePicture, WorksWithoutWhatAServerMayLack)
 {
     struct Lacking {
