@@ -6,8 +6,9 @@
 
 using ScreenTable::PixelRect;
 
-// The loops below become vector instructions; where the machine has wider ones they are used.
-#if defined(__x86_64__) && defined(__OPTIMIZE__)
+// The loops below become vector instructions; where the machine has wider ones they are used. The
+// choice is made before the thread sanitizer is ready for it.
+#if defined(__x86_64__) && defined(__OPTIMIZE__) && !defined(__SANITIZE_THREAD__)
 #define TAMRIK_WIDE_VECTORS __attribute__((target_clones("avx2", "default")))
 #else
 #define TAMRIK_WIDE_VECTORS
