@@ -30,8 +30,8 @@ class SharedImage {
 public:
     SharedImage(const Bench::Connection& connection, QSize size)
         : m_segment(xcb_generate_id(connection))
-        , m_image(attach(connection, size), size.width(), size.height(), size.width() * 4,
-                  QImage::Format_RGB32)
+        , m_image(attach(connection, size), size.width(), size.height(),
+                  qsizetype{4} * size.width(), QImage::Format_RGB32)
     {
     }
 

@@ -41,7 +41,8 @@ void SoundTimeline::add(std::span<const float> chunk, double time)
         place(chunk, time - givenUpTo());
         return;
     }
-    m_starts.push_back(time - static_cast<double>(m_heldBack.size() / channels) / rate);
+    const std::size_t heldFrames = m_heldBack.size() / channels;
+    m_starts.push_back(time - static_cast<double>(heldFrames) / rate);
     m_heldBack.insert(m_heldBack.end(), chunk.begin(), chunk.end());
     if (m_heldBack.size() / channels >= framesIn(keptBack))
         settle();

@@ -87,7 +87,9 @@ private:
         const int row = y - m_y;
         if (column < 0 || row < 0 || column >= m_sprite.width || row >= m_sprite.height)
             return 0;
-        return m_sprite.pixels[static_cast<std::size_t>(row * m_sprite.width + column)];
+        return m_sprite
+            .pixels[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_sprite.width) +
+                    static_cast<std::size_t>(column)];
     }
 
     Picture& m_picture;

@@ -51,8 +51,8 @@ Result<std::vector<Av::Packet>> SoundEncoder::encode(std::span<const float> bloc
     for (int channel = 0; channel < channels; ++channel) {
         void* const plane = m_frame->data[channel];
         auto* const samples = static_cast<float*>(plane);
-        for (int i = 0; i < blockFrames; ++i)
-            samples[i] = block[static_cast<std::size_t>(i * channels + channel)];
+        for (std::size_t i = 0; i < blockFrames; ++i)
+            samples[i] = block[i * channels + static_cast<std::size_t>(channel)];
     }
     // The encoder gives the first packet a time one block earlier: 0.
     m_frame->pts = (m_blocks - 1) * blockFrames;

@@ -55,6 +55,7 @@ std::vector<ScreenTable::PixelRect> DamageTracker::reply(unsigned question) cons
     std::vector<ScreenTable::PixelRect> changed;
     const xcb_rectangle_t* const rectangles = xcb_xfixes_fetch_region_rectangles(region.get());
     const int count = xcb_xfixes_fetch_region_rectangles_length(region.get());
+    changed.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         changed.push_back(
             {rectangles[i].x, rectangles[i].y, rectangles[i].width, rectangles[i].height});

@@ -12,8 +12,9 @@ using namespace std::chrono_literals;
 constexpr auto patience = 2s; // for a server that does not answer
 constexpr int passEvery = 50; // milliseconds
 constexpr int channels = 2;
-constexpr std::uint32_t chunkBytes = 10 * Microphone::rate / 1000 * channels * sizeof(float);
-constexpr double bytesASecond = Microphone::rate * channels * sizeof(float);
+constexpr std::uint32_t frameBytes = channels * sizeof(float);
+constexpr std::uint32_t chunkBytes = frameBytes * (Microphone::rate / 100);
+constexpr double bytesASecond = double{frameBytes} * Microphone::rate;
 constexpr double longestHeld = 0.3; // seconds; what claims more is not believed
 constexpr auto noLimit = static_cast<std::uint32_t>(-1);
 
