@@ -9,7 +9,7 @@ import sys
 
 from desktops import ROOT, Failed
 
-NAMES = ["still", "overlay", "confirm", "chips", "flatten", "idle"]
+NAMES = ["still", "movie", "overlay", "confirm", "chips", "flatten", "idle"]
 
 
 class Report:

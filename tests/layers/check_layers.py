@@ -41,8 +41,8 @@ LAYERS = {
         []),
     "x11": Layer(
         [f"src/Platform/Linux/X11/{name}.*" for name in (
-            "Connection", "DesktopScale", "Handles", "PixelFormat", "RootImage", "Screens",
-            "SharedSegment")],
+            "Connection", "DesktopScale", "Handles", "PixelFormat", "RootImage", "RootReader",
+            "RootWindow", "Screens", "SharedSegment")],
         ["base"],
         [],
         libraries=["xcb"],
@@ -111,6 +111,20 @@ LAYERS = {
         ["src/main.cpp"],
         EVERY_HEADER + ["app", "linux", "x11", "macos"],
         ["Core", "Gui", "Widgets"]),
+    # Movies: what can be wrong without a screen, then what speaks to each library, then the rest.
+    "movie core": Layer(["tools/screencapture/Movie/Core/*"], ["base"], []),
+    "movie screen": Layer(
+        ["tools/screencapture/Movie/Screen/*"], ["base", "x11", "movie core"], [],
+        libraries=["xcb"]),
+    "movie encode": Layer(
+        ["tools/screencapture/Movie/Encode/*"], ["base", "movie core"], [], libraries=["av"]),
+    "movie sound": Layer(
+        ["tools/screencapture/Movie/Sound/*"], ["base"], [], libraries=["pulse"]),
+    "movie": Layer(
+        ["tools/screencapture/Movie/*"],
+        ["base", "x11", "capture tool", "movie core", "movie screen", "movie encode",
+         "movie sound"],
+        []),
     "capture tool": Layer(
         ["tools/screencapture/*"], ["base", "x11"], [], libraries=["xcb", "png"]),
     "gallery": Layer(
@@ -122,6 +136,7 @@ LIBRARIES = {
     "xcb": ["xcb/*", "X11/*", "xkbcommon/*"],
     "png": ["libdeflate.h", "png.h"],
     "av": ["libav*/*", "libsw*/*"],
+    "pulse": ["pulse/*"],
 }
 
 OS_MACRO = re.compile(

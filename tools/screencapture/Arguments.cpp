@@ -64,7 +64,19 @@ private:
             letters.remove_prefix(1);
             switch (letter) {
             case 'x':
-                break; // no sound: there is never one
+                break; // no sound of a camera: there is never one
+            case 'v':
+                m_read.isMovie = true;
+                break;
+            case 'C':
+                m_read.showsPointer = true;
+                break;
+            case 'k':
+                m_read.showsClicks = true;
+                break;
+            case 'g':
+                m_read.hasSound = true;
+                break;
             case 't':
                 return readType(takeValue(letters));
             case 'R':
@@ -94,6 +106,7 @@ private:
             return Failure{"option -t wants a format"};
         if (*value != "png")
             return Failure{"unknown format " + quoted(*value) + "; there is only png"};
+        m_hasType = true;
         return std::nullopt;
     }
 
@@ -111,16 +124,25 @@ private:
 
     Result<Arguments> finished() const
     {
+        if (m_read.isMovie && m_hasType)
+            return Failure{"option -t is for stills: it does not go with -v"};
+        if (!m_read.isMovie && (m_read.showsPointer || m_read.showsClicks || m_read.hasSound))
+            return Failure{"options -C, -k and -g are for movies: they want -v"};
         if (!m_rectangle)
             return Failure{"option -R x,y,w,h is missing"};
         if (m_words.empty() || !*m_words.front())
             return Failure{"the name of the file is missing"};
         if (m_words.size() > 1)
             return Failure{"extra argument " + quoted(m_words[1])};
-        return Arguments{*m_rectangle, m_words.front()};
+        Arguments arguments = m_read;
+        arguments.rectangle = *m_rectangle;
+        arguments.file = m_words.front();
+        return arguments;
     }
 
     std::span<const char* const> m_words;
+    Arguments m_read;
+    bool m_hasType = false;
     std::optional<TopLeftRect> m_rectangle;
 };
 

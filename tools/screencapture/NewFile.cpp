@@ -138,9 +138,32 @@ PossibleFailure NewFile::write(std::span<const std::uint8_t> bytes)
             continue;
         if (written < 0)
             return cannotWrite(errno);
+        m_size += static_cast<std::uint64_t>(written);
         bytes = bytes.subspan(static_cast<std::size_t>(written));
     }
     return std::nullopt;
+}
+
+void NewFile::cutTo(std::uint64_t size)
+{
+    // Where it fails there is more than there should be, as there was before.
+    const off_t length = static_cast<off_t>(size);
+    if (ftruncate(m_file.get(), length) == 0 && lseek(m_file.get(), length, SEEK_SET) == length)
+        m_size = size;
+}
+
+PossibleFailure NewFile::sync()
+{
+    // EINVAL: the file system has nothing to say about it.
+    if (fdatasync(m_file.get()) != 0 && errno != EINVAL)
+        return cannotWrite(errno);
+    return std::nullopt;
+}
+
+bool NewFile::isRemoved() const
+{
+    struct stat status = {};
+    return fstat(m_file.get(), &status) == 0 && status.st_nlink == 0;
 }
 
 PossibleFailure NewFile::publish()

@@ -8,7 +8,8 @@
 #include <span>
 #include <string>
 
-/// A file that appears under its name complete or not at all, readable by its owner only.
+/// A file that appears under its name when it is published and not before, readable by its owner
+/// only.
 ///
 /// Until it is published it has no name (O_TMPFILE), so that nothing stays behind however the
 /// process ends; only to replace a file it gets a hidden one for the moment before. On file systems
@@ -34,8 +35,21 @@ public:
     PossibleFailure write(std::span<const std::uint8_t> bytes);
 
     /// Puts the file in its place; what stood there is replaced, a symbolic link itself and not
-    /// what it points at. Call it once, last.
+    /// what it points at. Call it once. A file that is meant to grow in its place may be written to
+    /// afterwards.
     PossibleFailure publish();
+
+    /// How much was written, in bytes.
+    std::uint64_t size() const { return m_size; }
+
+    /// Cuts off what is beyond that size.
+    void cutTo(std::uint64_t size);
+
+    /// Returns when what was written is on the disk and outlives a power cut.
+    PossibleFailure sync();
+
+    /// Whether nobody can find it any more: somebody has removed or replaced it.
+    bool isRemoved() const;
 
 private:
     NewFile(std::string path, std::string name, FileDescriptor folder);
@@ -51,5 +65,6 @@ private:
     std::string m_name; // within the folder
     FileDescriptor m_folder;
     FileDescriptor m_file;
+    std::uint64_t m_size = 0; // bytes written
     std::string m_hiddenName; // within the folder; empty while there is none
 };

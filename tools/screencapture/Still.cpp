@@ -1,35 +1,18 @@
 #include "Still.h"
 
 #include "NewFile.h"
+#include "Placing.h"
 #include "Png/Encoder.h"
 #include "Png/Workers.h"
 
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/RootImage.h"
-#include "Platform/Linux/X11/Screens.h"
-#include "Support/ScreenTable.h"
 
-#include <cstdlib>
 #include <vector>
 
 namespace {
 
 constexpr double pointsAnInch = 72; // of a picture, by convention
-
-using Screens = std::vector<ScreenTable::Screen>;
-
-/// The program's own table, or else the X server's answer.
-Result<Screens> screensFor(const X11::Connection& connection)
-{
-    const char* const text = std::getenv(ScreenTable::variable);
-    if (!text)
-        return X11::screens(connection);
-    std::optional<Screens> screens = ScreenTable::read(text);
-    if (!screens)
-        return Failure{std::string("the environment variable ") + ScreenTable::variable +
-                       " holds no table of screens"};
-    return std::move(*screens);
-}
 
 std::vector<std::uint8_t> encoded(const X11::RootImage& image, double scale)
 {
@@ -47,12 +30,9 @@ PossibleFailure takeStill(const Arguments& arguments)
     const Result<X11::Connection> connection = X11::Connection::open();
     if (!connection)
         return connection.failure();
-    const Result<Screens> screens = screensFor(*connection);
-    if (!screens)
-        return screens.failure();
-    const auto placement = ScreenTable::place(arguments.rectangle, *screens);
+    const Result<ScreenTable::Placement> placement = placed(arguments.rectangle, *connection);
     if (!placement)
-        return Failure{"the rectangle lies off the desktop"};
+        return placement.failure();
 
     const Result<std::unique_ptr<NewFile>> file = NewFile::create(arguments.file);
     if (!file)

@@ -1,35 +1,30 @@
 #include "Arguments.h"
+#include "MovieProgram.h"
+#include "Report.h"
 #include "Still.h"
 
 #include <algorithm>
 #include <csignal>
-#include <cstdio>
 #include <new>
 #include <span>
 
 namespace {
 
-constexpr int exitFailed = 1;
-constexpr int exitMisused = 2;
-
-/// The one place that speaks: one line, whatever a file's name or an argument holds.
-int report(const Failure& failure, int status)
+int run(int argc, char** argv)
 {
-    std::string line = failure.message;
-    std::replace_if(
-        line.begin(), line.end(),
-        [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }, '?');
-    std::fprintf(stderr, "screencapture: %s\n", line.c_str());
-    return status;
-}
-
-int run(std::span<const char* const> words)
-{
-    const Result<Arguments> arguments = parseArguments(words);
-    if (!arguments)
-        return report(arguments.failure(), exitMisused);
-    if (const PossibleFailure failure = takeStill(*arguments))
-        return report(*failure, exitFailed);
+    const std::span<const char* const> words(argv, static_cast<std::size_t>(argc));
+    const Result<Arguments> arguments =
+        parseArguments(words.subspan(std::min<std::size_t>(1, words.size())));
+    if (!arguments) {
+        report(arguments.failure());
+        return ExitStatus::misused;
+    }
+    const PossibleFailure failure =
+        arguments->isMovie ? becomeMovieProgram(argv) : takeStill(*arguments);
+    if (failure) {
+        report(*failure);
+        return ExitStatus::failed;
+    }
     return 0;
 }
 
@@ -42,9 +37,9 @@ int main(int argc, char** argv)
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     try {
-        const std::span<const char* const> words(argv, static_cast<std::size_t>(argc));
-        return run(words.subspan(std::min<std::size_t>(1, words.size())));
+        return run(argc, argv);
     } catch (const std::bad_alloc&) {
-        return report({"not enough memory"}, exitFailed);
+        report({"not enough memory"});
+        return ExitStatus::failed;
     }
 }

@@ -106,6 +106,35 @@ TEST(ParseArguments, OfTwoRectanglesTheLastCounts)
     EXPECT_EQ(arguments->rectangle, (TopLeftRect{5, 6, 7, 8}));
 }
 
+TEST(ParseArguments, MoviesHaveOptionsOfTheirOwn)
+{
+    const auto plain = parse({"-v", "-R", "0,0,1,1", "f"});
+    ASSERT_TRUE(plain);
+    EXPECT_TRUE(plain->isMovie);
+    EXPECT_FALSE(plain->showsPointer || plain->showsClicks || plain->hasSound);
+
+    const auto all = parse({"-v", "-x", "-C", "-R", "0,0,1,1", "-k", "-g", "f"});
+    ASSERT_TRUE(all);
+    EXPECT_TRUE(all->isMovie && all->showsPointer && all->showsClicks && all->hasSound);
+    EXPECT_EQ(all->file, "f");
+
+    const auto together = parse({"-gkxvR0,0,1,1", "f"});
+    ASSERT_TRUE(together);
+    EXPECT_TRUE(together->isMovie && together->showsClicks && together->hasSound);
+    EXPECT_FALSE(together->showsPointer);
+}
+
+TEST(ParseArguments, StillsAndMoviesDoNotMix)
+{
+    for (const char* const option : {"-C", "-k", "-g"})
+        EXPECT_FALSE(parse({option, "-R", "0,0,1,1", "f"})) << option;
+    EXPECT_FALSE(parse({"-v", "-t", "png", "-R", "0,0,1,1", "f"}));
+    EXPECT_FALSE(parse({"-t", "png", "-R", "0,0,1,1", "-v", "f"}));
+    const auto still = parse({"-x", "-t", "png", "-R", "0,0,1,1", "f"});
+    ASSERT_TRUE(still);
+    EXPECT_FALSE(still->isMovie);
+}
+
 TEST(ParseArguments, WhateverItAcceptsIsComplete)
 {
     const std::vector<std::string> pieces{"-x",    "-t",        "png", "-R", "0,0,10,10", "f.png",

@@ -51,6 +51,28 @@ TEST_P(NewFileOf, AppearsWhenItIsPublished)
     EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
+TEST_P(NewFileOf, GrowsInItsPlace)
+{
+    const std::string path = m_folder / "new";
+    auto file = create(path);
+    ASSERT_TRUE(file);
+    EXPECT_FALSE((*file)->write(bytesOf("first,")));
+    EXPECT_FALSE((*file)->publish());
+    EXPECT_FALSE((*file)->isRemoved());
+    EXPECT_EQ(contentOf(path), "first,");
+    EXPECT_FALSE((*file)->write(bytesOf("second,")));
+    EXPECT_FALSE((*file)->sync());
+    EXPECT_EQ((*file)->size(), 13U);
+    EXPECT_EQ(contentOf(path), "first,second,");
+    (*file)->cutTo(6);
+    EXPECT_EQ(contentOf(path), "first,");
+    EXPECT_FALSE((*file)->write(bytesOf("third")));
+    EXPECT_EQ(contentOf(path), "first,third");
+    EXPECT_EQ((*file)->size(), 11U);
+    fs::remove(path);
+    EXPECT_TRUE((*file)->isRemoved());
+}
+
 TEST_P(NewFileOf, ReplacesFilesAndLinksThemselves)
 {
     writeFile(m_folder / "victim", "precious");

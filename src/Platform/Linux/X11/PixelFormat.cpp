@@ -48,6 +48,12 @@ bool PixelFormat::isSupported() const
     return isWhole && isPadded && isOneRun(redMask) && isOneRun(greenMask) && isOneRun(blueMask);
 }
 
+bool PixelFormat::isPlain() const
+{
+    return bitsPerPixel == 32 && byteOrder == ByteOrder::LeastSignificantFirst &&
+           redMask == 0xff0000 && greenMask == 0x00ff00 && blueMask == 0x0000ff;
+}
+
 std::size_t PixelFormat::stride(std::size_t width) const
 {
     const auto pad = static_cast<std::size_t>(scanlinePad);
@@ -71,9 +77,7 @@ RgbReader::Channel::Channel(std::uint32_t mask_)
 RgbReader::RgbReader(const PixelFormat& format)
     : m_format(format)
     , m_bytesPerPixel(static_cast<std::size_t>(format.bitsPerPixel) / 8)
-    , m_isPlain(format.bitsPerPixel == 32 && format.byteOrder == ByteOrder::LeastSignificantFirst &&
-                format.redMask == 0xff0000 && format.greenMask == 0x00ff00 &&
-                format.blueMask == 0x0000ff)
+    , m_isPlain(format.isPlain())
     , m_channels{Channel(format.redMask), Channel(format.greenMask), Channel(format.blueMask)}
 {
 }

@@ -23,6 +23,10 @@ struct PixelFormat {
     /// each.
     bool isSupported() const;
 
+    /// Whether a pixel is a 32-bit number with red, green and blue in its lower 24 bits, from the
+    /// third byte down, least significant byte first: the common one.
+    bool isPlain() const;
+
     /// From one row to the next, in bytes.
     std::size_t stride(std::size_t width) const;
 };

@@ -1,0 +1,173 @@
+#include "screencapture/movie/Film.h"
+#include "support/RootPainter.h"
+#include "support/SoundServer.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <csignal>
+#include <filesystem>
+#include <thread>
+
+namespace {
+
+using Film::Recorder;
+
+constexpr double rate = 48000;
+
+/// The loudest of some stretch of sound; times in seconds, cut to what there is.
+float peak(const std::vector<float>& sound, double from, double until)
+{
+    const auto at = [&](double time) {
+        return static_cast<std::ptrdiff_t>(
+            std::clamp(time * rate, 0.0, static_cast<double>(sound.size())));
+    };
+    float loudest = 0;
+    for (std::ptrdiff_t i = at(from); i < at(until); ++i)
+        loudest = std::max(loudest, std::abs(sound[static_cast<std::size_t>(i)]));
+    return loudest;
+}
+
+/// When each of the tones begins.
+std::vector<double> onsets(const std::vector<float>& sound)
+{
+    std::vector<double> times;
+    double lastLoud = -1;
+    for (std::size_t i = 0; i < sound.size(); ++i) {
+        if (std::abs(sound[i]) < .1F)
+            continue;
+        const double time = static_cast<double>(i) / rate;
+        if (time - lastLoud > .1)
+            times.push_back(time);
+        lastLoud = time;
+    }
+    return times;
+}
+
+class MovieSound : public testing::Test {
+protected:
+    std::map<std::string, std::optional<std::string>> environment() const
+    {
+        return {{"PULSE_SERVER", m_sound.address()}, {"HOME", m_folder.path().string()}};
+    }
+
+    SoundServer m_sound;
+    XServer m_server{"320x240x24"};
+    TemporaryFolder m_folder;
+    std::string m_file = m_folder / "film.mov";
+};
+
+TEST_F(MovieSound, IsHeardWhenItsPictureIsSeen)
+{
+    RootPainter painter(m_server.display());
+    Recorder recorder(m_server, "0,0,320,240", m_file, {"-g"}, environment());
+    recorder.awaitFile();
+    SoundServer::Player player(m_sound);
+    player.playSilence(.9);
+    constexpr int flashes = 3;
+    for (int i = 0; i < flashes; ++i) {
+        painter.paintRectangle(0, 0, 320, 240, 0xffffff);
+        player.playTone(.2);
+        painter.paintRectangle(0, 0, 320, 240, 0);
+        player.playSilence(.3);
+    }
+    recorder.awaitGrowth();
+    recorder.stop();
+
+    const Film::Facts facts = Film::read(m_file);
+    EXPECT_EQ(facts.soundCodec, "aac");
+    const std::vector<PngImage> pictures = Film::pictures(m_file);
+    ASSERT_EQ(pictures.size(), facts.frames.size());
+    std::vector<double> seen;
+    for (std::size_t i = 1; i < pictures.size(); ++i) {
+        if (pictures[i].pixel(9, 9) > 0x808080 && pictures[i - 1].pixel(9, 9) <= 0x808080)
+            seen.push_back(facts.frames[i].time);
+    }
+    const std::vector<float> sound = Film::sound(m_file);
+    const std::vector<double> heard = onsets(sound);
+    ASSERT_EQ(seen.size(), static_cast<std::size_t>(flashes));
+    ASSERT_EQ(heard.size(), seen.size());
+    for (std::size_t i = 0; i < seen.size(); ++i)
+        EXPECT_NEAR(heard[i], seen[i] + .01, .06); // played with some delay
+    EXPECT_NEAR(static_cast<double>(sound.size()) / rate, facts.duration, .05);
+    EXPECT_LT(peak(sound, 0, heard.front() - .02), .05F);
+}
+
+TEST_F(MovieSound, BecomesSilenceWhenTheMicrophoneGoesAway)
+{
+    Recorder recorder(m_server, "0,0,320,240", m_file, {"-g"}, environment());
+    recorder.awaitFile();
+    {
+        SoundServer::Player player(m_sound);
+        player.playTone(1.3);
+    }
+    m_sound.kill();
+    recorder.awaitGrowth();
+    recorder.awaitGrowth();
+    // The silence is on the disk in time, not only at the end.
+    EXPECT_GT(static_cast<double>(Film::sound(m_file).size()) / rate,
+              Film::read(m_file).duration - 1.5);
+    recorder.stop();
+
+    const Film::Facts facts = Film::read(m_file);
+    const std::vector<float> sound = Film::sound(m_file);
+    EXPECT_NEAR(static_cast<double>(sound.size()) / rate, facts.duration, .05);
+    EXPECT_GT(peak(sound, 0, facts.duration / 2), .2F);
+    EXPECT_LT(peak(sound, facts.duration - 1, facts.duration), .01F);
+}
+
+TEST_F(MovieSound, IsThereOnlyWhenItIsWanted)
+{
+    Recorder recorder(m_server, "0,0,320,240", m_file, {}, environment());
+    recorder.awaitFile();
+    recorder.stop();
+    EXPECT_EQ(Film::read(m_file).soundCodec, "");
+}
+
+TEST_F(MovieSound, ASignalAtAnyMomentLeavesAMovieOrNothing)
+{
+    int filmed = 0;
+    for (auto delay = std::chrono::milliseconds(0); delay <= std::chrono::milliseconds(150);
+         delay += std::chrono::milliseconds(15))
+    {
+        SCOPED_TRACE(delay.count());
+        Recorder recorder(m_server, "0,0,320,240", m_file, {"-g"}, environment());
+        std::this_thread::sleep_for(delay);
+        recorder.send(SIGINT);
+        const Outcome outcome = recorder.wait();
+        EXPECT_EQ(outcome.error, "");
+        if (outcome.signal != 0) {
+            EXPECT_EQ(outcome.signal, SIGINT);
+            EXPECT_FALSE(std::filesystem::exists(m_file));
+            continue;
+        }
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_GT(Film::read(m_file).duration, 0);
+        ++filmed;
+        std::filesystem::remove(m_file);
+    }
+    EXPECT_GT(filmed, 0);
+}
+
+TEST(MovieWithoutMicrophone, HasNoSoundAndSaysSo)
+{
+    const XServer server("320x240x24");
+    const TemporaryFolder folder;
+    const std::string file = folder / "film.mov";
+    Recorder recorder(
+        server, "0,0,320,240", file, {"-g"},
+        {{"PULSE_SERVER", "unix:" + (folder / "nobody")}, {"HOME", folder.path().string()}});
+    recorder.awaitFile();
+    recorder.send(SIGINT);
+    const Outcome outcome = recorder.wait();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.error,
+              "screencapture: there is no microphone to record; the movie has no sound\n");
+    const Film::Facts facts = Film::read(file);
+    EXPECT_EQ(facts.soundCodec, "");
+    EXPECT_EQ(facts.codec, "h264");
+}
+
+} // namespace

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "support/ChildProcess.h"
+#include "support/TemporaryFolder.h"
+
+#include <memory>
+#include <string>
+
+/// A PulseAudio of its own whose microphone hears what is played on it; up when the constructor
+/// returns and gone with the object. No device of this machine, no server of this user is touched.
+class SoundServer {
+public:
+    /// Throws std::runtime_error when the server does not come up.
+    SoundServer();
+    ~SoundServer();
+
+    /// What PULSE_SERVER has to be.
+    std::string address() const;
+
+    /// Ends it at once, with its clients still there.
+    void kill();
+
+    /// Plays silence for some seconds, or a tone, and returns when that has been handed over.
+    class Player {
+    public:
+        explicit Player(const SoundServer& server);
+        ~Player();
+        Player(const Player&) = delete;
+        Player& operator=(const Player&) = delete;
+
+        void playSilence(double seconds) { play(seconds, 0); }
+        void playTone(double seconds) { play(seconds, 0.4F); }
+
+    private:
+        void play(double seconds, float loudness);
+
+        struct Stream;
+        std::unique_ptr<Stream> m_stream;
+    };
+
+private:
+    TemporaryFolder m_folder;
+    std::unique_ptr<ChildProcess> m_process;
+};

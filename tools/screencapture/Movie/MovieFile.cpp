@@ -1,0 +1,34 @@
+#include "Movie/MovieFile.h"
+
+MovieFile::MovieFile(std::string path, std::unique_ptr<NewFile> file)
+    : m_path(std::move(path))
+    , m_file(std::move(file))
+{
+}
+
+Result<MovieFile> MovieFile::create(const std::string& path)
+{
+    Result<std::unique_ptr<NewFile>> file = NewFile::create(path);
+    if (!file)
+        return file.failure();
+    return MovieFile(path, std::move(*file));
+}
+
+PossibleFailure MovieFile::append(std::span<const std::uint8_t> piece)
+{
+    const std::uint64_t before = m_file->size();
+    if (PossibleFailure failure = m_file->write(piece)) {
+        m_file->cutTo(before);
+        return failure;
+    }
+    if (PossibleFailure failure = m_file->sync())
+        return failure;
+    if (m_isPublished && m_file->isRemoved())
+        return Failure{"the file \"" + m_path + "\" was removed"};
+    if (!m_isPublished) {
+        if (PossibleFailure failure = m_file->publish())
+            return failure;
+        m_isPublished = true;
+    }
+    return std::nullopt;
+}
