@@ -405,8 +405,7 @@ TEST_F(EditorTest, AFailedExportSaysSoAndLeavesALine)
     EXPECT_EQ(editor->window().windowTitle(), QStringLiteral("Export failed"));
     const QStringList lines = TestLog::takeLines();
     ASSERT_EQ(lines.size(), 1);
-    EXPECT_TRUE(lines[0].startsWith(QStringLiteral("export failed: ")))
-        << qPrintable(lines[0]);
+    EXPECT_TRUE(lines[0].startsWith(QStringLiteral("export failed: "))) << qPrintable(lines[0]);
 }
 
 TEST_F(EditorTest, TheMagnificationHasItsLimitsAndKeepsTheMiddle)
