@@ -171,10 +171,21 @@ std::uint32_t Windows::active() const
 
 std::uint32_t Windows::focused() const
 {
-    xcb_connection_t* connection = m_desktop.server().connection();
-    const Reply<xcb_get_input_focus_reply_t> reply(
+    const Server& server = m_desktop.server();
+    xcb_connection_t* connection = server.connection();
+    const Reply<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-    return reply ? reply->focus : 0;
+    if (!focus || focus->focus == XCB_NONE || focus->focus == XCB_INPUT_FOCUS_POINTER_ROOT)
+        return focus ? focus->focus : 0;
+    std::uint32_t window = focus->focus;
+    while (window != server.root() && server.property(window, "WM_STATE").isEmpty()) {
+        const Reply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
+        if (!tree || tree->parent == server.root() || tree->parent == XCB_NONE)
+            break;
+        window = tree->parent;
+    }
+    return window;
 }
 
 Outcome<void> Windows::awaitActive(std::uint32_t window, std::chrono::milliseconds deadline) const

@@ -66,7 +66,9 @@ public:
 
     /// The window that the window manager says is active; 0 when none is.
     std::uint32_t active() const;
-    /// The window that gets the keys. 0 or 1 when none does.
+    /// The program's window that gets the keys, also when they go to a part of it: GTK, once the
+    /// window manager has given its window the focus, hands it on to an invisible child. 0 or 1
+    /// when none does.
     std::uint32_t focused() const;
     Outcome<void> awaitActive(std::uint32_t window,
                               std::chrono::milliseconds deadline = patience) const;
