@@ -78,12 +78,12 @@ void makeShadow(QImage& image, double deviation)
     }
 }
 
-/// What of the device a painter can reach, in the device's pixels.
-QRect reachable(const QPainter& painter)
+/// What a painter can reach, in the pixels that it draws on: a widget is a part of its window's.
+/// Rather too much than too little.
+QRectF reachable(const QPainter& painter)
 {
-    const QPaintDevice& device = *painter.device();
-    const double ratio = device.devicePixelRatio();
-    return QRectF(0, 0, device.width() * ratio, device.height() * ratio).toAlignedRect();
+    const QTransform toPixels = painter.worldTransform().inverted() * painter.deviceTransform();
+    return toPixels.mapRect(QRectF(0, 0, painter.device()->width(), painter.device()->height()));
 }
 
 } // namespace
@@ -100,7 +100,7 @@ void draw(QPainter& painter, const QRectF& box,
     const int reach = static_cast<int>(std::ceil(reachedDeviations * blurDeviation * scale)) + 1;
     const QRectF wanted =
         toDevice.mapRect(box.adjusted(-margin, -margin, margin, margin).translated(0, offset));
-    const QRectF visible = QRectF(reachable(painter).adjusted(-reach, -reach, reach, reach));
+    const QRectF visible = reachable(painter).adjusted(-reach, -reach, reach, reach);
     const QRect area = wanted.intersected(visible).toAlignedRect();
     if (area.isEmpty())
         return;

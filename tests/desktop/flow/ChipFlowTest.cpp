@@ -203,6 +203,9 @@ TEST_P(ChipOnDesktop, ADragCopiesTheFileIntoAFileManager)
     ASSERT_TRUE(QDir().mkpath(folder));
     const auto manager = openFileManager(*desktop, folder);
     ASSERT_TRUE(succeeded(manager));
+    if (desktop->options().windowManager != WindowManager::None) {
+        ASSERT_TRUE(succeeded(windows().awaitFocused(manager->window.id)));
+    }
     const std::uint32_t focused = windows().focused();
 
     ASSERT_TRUE(succeeded(
