@@ -21,40 +21,11 @@ QByteArray contents(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// The chips from the lowest on the screen to the highest, without their shadows.
-QList<QRect> places(const VirtualDesktop& desktop, const Tamrik& tamrik)
-{
-    QList<QRect> result;
-    for (const Window& window : tamrik.chips())
-        result += Tamrik::chipIn(window, desktop.options().scale);
-    std::sort(result.begin(), result.end(),
-              [](const QRect& a, const QRect& b) { return a.bottom() > b.bottom(); });
-    return result;
-}
-
 /// The window of the chip that came last, which is on top of the others; 0 when there is none.
 std::uint32_t newestChip(const Tamrik& tamrik)
 {
     const QList<Window> chips = tamrik.chips();
     return chips.isEmpty() ? 0 : chips.constLast().id;
-}
-
-/// The chips once there are `count` and they rest.
-Outcome<QList<QRect>> resting(const VirtualDesktop& desktop, const Tamrik& tamrik, int count)
-{
-    // An animation shows nothing at first, and moves on within a frame or two then.
-    constexpr auto restTime = std::chrono::milliseconds(150);
-    QList<QRect> before;
-    auto since = std::chrono::steady_clock::now();
-    return waitFor(QStringLiteral("%1 chips at rest").arg(count), [&]() -> Outcome<QList<QRect>> {
-        const QList<QRect> now = places(desktop, tamrik);
-        const auto instant = std::chrono::steady_clock::now();
-        if (std::exchange(before, now) != now)
-            since = instant;
-        if (instant - since >= restTime && now.size() == count)
-            return now;
-        return Failure{QStringLiteral("there are %1").arg(now.size())};
-    });
 }
 
 } // namespace
@@ -78,7 +49,7 @@ void Legs::chips(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
     tour.leg(QStringLiteral("Chips"));
     tour.step(QStringLiteral("The capture stands in a corner, above all windows"),
               [&]() -> Outcome<void> {
-                  const auto now = resting(desktop, tamrik, 1);
+                  const auto now = tamrik.awaitRestingChips(1);
                   if (!now)
                       return now.failure();
                   chip = now->front();
@@ -115,11 +86,8 @@ void Legs::chips(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
                   if (!opened)
                       return opened.failure();
                   manager = std::move(*opened);
-                  const QRect window = manager->window.geometry;
-                  const QPoint target(window.right() - window.width() / 8,
-                                      window.top() + window.height() * 2 / 5);
-                  if (const auto dragged =
-                          input.drag(bareSpot(chip), target, {12, std::chrono::milliseconds(30)});
+                  if (const auto dragged = input.drag(bareSpot(chip), folderView(*manager),
+                                                      {12, std::chrono::milliseconds(30)});
                       !dragged)
                       return dragged;
                   const QString copy = folder + u'/' + QFileInfo(capture).fileName();
@@ -151,13 +119,13 @@ void Legs::chips(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
                                              [&] { return newestChip(tamrik) != newest; });
                 !added)
                 return added;
-            if (const auto shown = resting(desktop, tamrik, std::min(i, 5)); !shown)
+            if (const auto shown = tamrik.awaitRestingChips(std::min(i, 5)); !shown)
                 return shown.failure();
         }
         return {};
     });
     tour.step(QStringLiteral("Ctrl and a drag move the stack, to stay"), [&]() -> Outcome<void> {
-        const auto before = resting(desktop, tamrik, 5);
+        const auto before = tamrik.awaitRestingChips(5);
         if (!before)
             return before.failure();
         const QPoint by(pixels(120), -pixels(12));
@@ -170,7 +138,7 @@ void Legs::chips(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
         if (!dragged)
             return dragged;
         return waitFor(QStringLiteral("the stack at its new place"), [&]() -> Outcome<void> {
-            const QList<QRect> now = places(desktop, tamrik);
+            const QList<QRect> now = tamrik.chipPlaces();
             const QVariant stored = tamrik.preferences().value(QStringLiteral("chipPosition"));
             if (now.size() == 5 && now.front().topLeft() == before->front().topLeft() + by &&
                 stored == QStringLiteral("custom"))
@@ -186,13 +154,13 @@ void Legs::chips(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
     });
     tour.step(QStringLiteral("The cross dismisses one, the others close up"),
               [&]() -> Outcome<void> {
-                  const auto before = resting(desktop, tamrik, 5);
+                  const auto before = tamrik.awaitRestingChips(5);
                   if (!before)
                       return before.failure();
                   const QPoint cross = before->at(2).topLeft() + QPoint(pixels(17), pixels(17));
                   if (const auto clicked = input.click(cross); !clicked)
                       return clicked;
-                  const auto after = resting(desktop, tamrik, 4);
+                  const auto after = tamrik.awaitRestingChips(4);
                   if (!after)
                       return after.failure();
                   return after->at(2).bottom() + 1 + pixels(12) == after->at(1).top()

@@ -10,6 +10,8 @@ namespace Legs {
 void screenshot(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 /// Begins with one chip.
 void chips(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
+/// Begins with chips; the newest one is of the newest capture.
+void editor(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 void adjusting(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 /// `program` is the path of what `tamrik` runs.
 void secondStart(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik,

@@ -125,7 +125,7 @@ void Legs::screenshot(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
         if (!opened)
             return opened.failure();
         manager = std::move(*opened);
-        if (const auto clicked = input.click(manager->window.geometry.center()); !clicked)
+        if (const auto clicked = input.click(folderView(*manager)); !clicked)
             return clicked;
         if (const auto active = Windows(desktop).awaitActive(manager->window.id); !active)
             return active;

@@ -51,6 +51,7 @@ int main(int argc, char** argv)
     if (tamrik) {
         Legs::screenshot(tour, **desktop, *tamrik);
         Legs::chips(tour, **desktop, *tamrik);
+        Legs::editor(tour, **desktop, *tamrik);
         Legs::adjusting(tour, **desktop, *tamrik);
         Legs::secondStart(tour, **desktop, *tamrik, program);
         Legs::statusMenu(tour, **desktop, *tamrik);

@@ -87,13 +87,6 @@ protected:
         return {chip.left() + chip.width() / 8, chip.bottom() - chip.height() / 4};
     }
 
-    /// A place in a file manager's folder that no chip at the lower left of the screen covers.
-    static QPoint folderView(const Helper& manager)
-    {
-        const QRect window = manager.window.geometry;
-        return {window.right() - window.width() / 8, window.top() + window.height() * 2 / 5};
-    }
-
     /// The child of the root window that gets the mouse at a point.
     std::uint32_t windowAt(QPoint point) const
     {

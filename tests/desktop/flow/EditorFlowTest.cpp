@@ -22,24 +22,6 @@ const QLatin1String kindKey("kind");
 
 const QColor red(0xFF, 0x3B, 0x30);
 
-/// Where marks are drawn by dragging, in points of the picture, and where each then shows its
-/// colour: next to the middle of its line, so that a caret or a corner does not matter.
-struct Dragged {
-    Tool tool;
-    const char* kind;
-    QPointF from;
-    QPointF to;
-    QPointF shows;
-};
-
-const Dragged draggedMarks[] = {
-    {Tool::Arrow, "arrow", {20, 190}, {100, 150}, {60, 170}},
-    {Tool::Line, "line", {120, 190}, {190, 150}, {155, 170}},
-    {Tool::Rect, "rect", {210, 190}, {270, 150}, {240, 190}},
-    {Tool::Ellipse, "ellipse", {285, 190}, {345, 150}, {315, 190}},
-    {Tool::Freehand, "freehand", {20, 130}, {100, 100}, {60, 115}},
-};
-
 class EditorFlow : public FlowTestOnDesktops {
 protected:
     /// Takes a picture of 360 x 210 points, a part of the terminal's window in it, and opens it.
@@ -89,38 +71,45 @@ protected:
     {
         const QImage plain(capture);
         int count = 0;
-        for (const Dragged& mark : draggedMarks) {
-            SCOPED_TRACE(mark.kind);
-            ASSERT_TRUE(succeeded(editor.choose(mark.tool)));
-            ASSERT_TRUE(succeeded(editor.drag(mark.from, mark.to)));
+        for (const auto& [tool, kind, from, to] : EditorOnDesktop::strokes()) {
+            SCOPED_TRACE(kind);
+            ASSERT_TRUE(succeeded(editor.choose(tool)));
+            ASSERT_TRUE(succeeded(editor.drag(from, to)));
             const auto now = editor.awaitMarks(++count);
             ASSERT_TRUE(succeeded(now));
-            EXPECT_EQ(now->constLast().value(kindKey).toString(), QLatin1String(mark.kind));
-            EXPECT_EQ(pointOf(now->constLast(), startKey), mark.from);
-            EXPECT_EQ(pointOf(now->constLast(), endKey), mark.to);
-            EXPECT_TRUE(succeeded(screen().awaitColor(editor.at(mark.shows), red)));
+            EXPECT_EQ(now->constLast().value(kindKey).toString(), QLatin1String(kind));
+            EXPECT_EQ(pointOf(now->constLast(), startKey), from);
+            EXPECT_EQ(pointOf(now->constLast(), endKey), to);
         }
-
+        // Lines show their colour in their middle, outlines at the middle of their top.
+        for (const QPointF place : {QPointF(60, 170), QPointF(155, 170), QPointF(240, 190),
+                                    QPointF(315, 190), QPointF(60, 115)})
+            EXPECT_TRUE(succeeded(screen().awaitColor(editor.at(place), red)));
         // A marker lets through what is below it: 0.45 of its colour, multiplied.
-        ASSERT_TRUE(succeeded(editor.choose(Tool::Highlight)));
-        ASSERT_TRUE(succeeded(editor.drag({120, 130}, {190, 100})));
-        ASSERT_TRUE(succeeded(editor.awaitMarks(++count)));
-        const QPoint marked = editor.at({155, 115});
-        const QColor below = plain.pixelColor(marked - editor.picture().topLeft());
         const auto multiplied = [](int paper, int ink) {
             return qRound(paper * (0.55 + 0.45 * ink / 255));
         };
+        const QPoint marked = editor.at({155, 115});
+        const QColor below = plain.pixelColor(marked - editor.picture().topLeft());
         EXPECT_TRUE(succeeded(screen().awaitColor(marked,
                                                   QColor(multiplied(below.red(), red.red()),
                                                          multiplied(below.green(), red.green()),
                                                          multiplied(below.blue(), red.blue())),
                                                   2)));
+        // The edge of the terminal's window is hidden: each block of 9 points is of one colour.
+        const QRect hidden(editor.at({25, 81}), editor.at({124, 18}) - QPoint(1, 1));
+        const int block = qRound(9 * scale());
+        EXPECT_FALSE(isOfBlocks(plain.copy(hidden.translated(-editor.picture().topLeft())), block));
+        EXPECT_TRUE(succeeded(waitUntil(QStringLiteral("blocks of one colour"), [&] {
+            const auto shown = screen().grab(hidden);
+            return shown && isOfBlocks(*shown, block);
+        })));
 
         // Return ends a label, and does nothing else.
         const Clipboard clipboard(*desktop);
         ASSERT_TRUE(succeeded(clipboard.write(QStringLiteral("UTF8_STRING"), "somebody else's")));
         ASSERT_TRUE(succeeded(editor.choose(Tool::Text)));
-        ASSERT_TRUE(succeeded(editor.click({205, 100})));
+        ASSERT_TRUE(succeeded(editor.click({206, 100})));
         ASSERT_TRUE(succeeded(input().type(QStringLiteral("Peak 9?"))));
         ASSERT_TRUE(succeeded(press("BackSpace")));
         ASSERT_TRUE(succeeded(press("Return")));
@@ -134,24 +123,11 @@ protected:
         EXPECT_EQ(*untouched, QByteArray("somebody else's"));
 
         ASSERT_TRUE(succeeded(editor.choose(Tool::Counter)));
-        ASSERT_TRUE(succeeded(editor.click({330, 115})));
+        ASSERT_TRUE(succeeded(editor.click({330, 116})));
         const auto withCounter = editor.awaitMarks(++count);
         ASSERT_TRUE(succeeded(withCounter));
         EXPECT_EQ(withCounter->constLast().value(QLatin1String("number")).toInt(), 1);
-        EXPECT_TRUE(succeeded(screen().awaitColor(editor.at({330, 124}), red)));
-
-        // The edge of the terminal's window is there, and then is not: each block of 9 points is
-        // of one colour.
-        const QRect hidden(editor.at({25, 81}), editor.at({124, 18}) - QPoint(1, 1));
-        EXPECT_FALSE(isOfBlocks(plain.copy(hidden.translated(-editor.picture().topLeft())),
-                                qRound(9 * scale())));
-        ASSERT_TRUE(succeeded(editor.choose(Tool::Redact)));
-        ASSERT_TRUE(succeeded(editor.drag({25, 81}, {124, 18})));
-        ASSERT_TRUE(succeeded(editor.awaitMarks(++count)));
-        ASSERT_TRUE(succeeded(waitUntil(QStringLiteral("blocks of one colour"), [&] {
-            const auto shown = screen().grab(hidden);
-            return shown && isOfBlocks(*shown, qRound(9 * scale()));
-        })));
+        EXPECT_TRUE(succeeded(screen().awaitColor(editor.at({330, 126}), red)));
     }
 
     static bool isOfBlocks(const QImage& picture, int block)
@@ -228,10 +204,10 @@ TEST_P(EditorFlow, EveryKindIsDrawnChangedTakenBackGivenAwayAndFoundAgain)
     ASSERT_TRUE(succeeded(again));
     EXPECT_TRUE(succeeded(awaitShown(*again, QImage(copy))));
     ASSERT_TRUE(succeeded(again->choose(Tool::Select)));
-    ASSERT_TRUE(succeeded(again->drag({330, 115}, {320, 60})));
+    ASSERT_TRUE(succeeded(again->drag({330, 116}, {320, 60})));
     EXPECT_TRUE(succeeded(waitUntil(QStringLiteral("the moved counter"), [&] {
         const auto now = again->marks();
-        return now.size() == 8 && pointOf(now.at(6), startKey) == QPointF(320, 60);
+        return now.size() == 8 && pointOf(now.constLast(), startKey) == QPointF(320, 60);
     })));
     EXPECT_TRUE(succeeded(screen().awaitColor(again->at({320, 69}), red)));
 

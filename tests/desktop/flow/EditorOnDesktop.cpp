@@ -54,6 +54,20 @@ EditorOnDesktop::EditorOnDesktop(const VirtualDesktop& desktop, QString path, st
                       picture);
 }
 
+const QList<EditorOnDesktop::Stroke>& EditorOnDesktop::strokes()
+{
+    static const QList<Stroke> all = {
+        {Tool::Arrow, "arrow", {20, 190}, {100, 150}},
+        {Tool::Line, "line", {120, 190}, {190, 150}},
+        {Tool::Rect, "rect", {210, 190}, {270, 150}},
+        {Tool::Ellipse, "ellipse", {285, 190}, {345, 150}},
+        {Tool::Freehand, "freehand", {20, 130}, {100, 100}},
+        {Tool::Highlight, "highlight", {120, 130}, {190, 100}},
+        {Tool::Redact, "redact", {25, 81}, {124, 18}},
+    };
+    return all;
+}
+
 QString EditorOnDesktop::title() const
 {
     for (const Window& window : Windows(m_desktop).all())

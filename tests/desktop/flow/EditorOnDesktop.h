@@ -33,6 +33,17 @@ public:
     static Desktop::Outcome<EditorOnDesktop> await(const Desktop::VirtualDesktop& desktop,
                                                    const QString& path);
 
+    /// A mark that is drawn by dragging, in points of the picture.
+    struct Stroke {
+        Tool tool;
+        const char* kind;
+        QPointF from;
+        QPointF to;
+    };
+    /// One of each such kind, apart from each other in a picture of 360 x 210 points. There is room
+    /// for a label at (206, 100) and for a counter at (330, 116).
+    static const QList<Stroke>& strokes();
+
     std::uint32_t id() const { return m_id; }
     QString title() const;
 

@@ -123,6 +123,34 @@ Outcome<void> Tamrik::awaitChips(int count) const
     });
 }
 
+QList<QRect> Tamrik::chipPlaces() const
+{
+    QList<QRect> places;
+    for (const Window& window : chips())
+        places += chipIn(window, m_desktop.options().scale);
+    std::sort(places.begin(), places.end(),
+              [](const QRect& a, const QRect& b) { return a.bottom() > b.bottom(); });
+    return places;
+}
+
+Outcome<QList<QRect>> Tamrik::awaitRestingChips(int count) const
+{
+    // An animation shows nothing at first, and moves on within a frame or two then.
+    constexpr auto restTime = std::chrono::milliseconds(150);
+    QList<QRect> before;
+    auto since = std::chrono::steady_clock::now();
+    const auto rests = [&]() -> Outcome<QList<QRect>> {
+        const QList<QRect> now = chipPlaces();
+        const auto instant = std::chrono::steady_clock::now();
+        if (std::exchange(before, now) != now)
+            since = instant;
+        if (instant - since >= restTime && now.size() == count)
+            return now;
+        return Desktop::Failure{QStringLiteral("there are %1").arg(now.size())};
+    };
+    return Desktop::waitFor(QStringLiteral("%1 chips at rest").arg(count), rests);
+}
+
 Outcome<void> Tamrik::putChipsAway() const
 {
     if (const auto any =

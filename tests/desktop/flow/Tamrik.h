@@ -41,6 +41,10 @@ public:
     /// The chip alone, in pixels of the desktop; `scale` is its screen's.
     static QRect chipIn(const Desktop::Window& window, double scale);
     Desktop::Outcome<void> awaitChips(int count) const;
+    /// The chips alone, from the lowest on a screen of the first one's scale to the highest.
+    QList<QRect> chipPlaces() const;
+    /// The same once there are `count` and they rest.
+    Desktop::Outcome<QList<QRect>> awaitRestingChips(int count) const;
     /// Waits for a chip, and takes all that there are off the screen: behind the program's back,
     /// so that they are in no later picture of it.
     Desktop::Outcome<void> putChipsAway() const;

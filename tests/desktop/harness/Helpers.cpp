@@ -40,6 +40,12 @@ Outcome<Helper> openFileManager(const VirtualDesktop& desktop, const QString& fo
                 QFileInfo(folder).fileName());
 }
 
+QPoint folderView(const Helper& fileManager)
+{
+    const QRect window = fileManager.window.geometry;
+    return {window.right() - window.width() / 8, window.top() + window.height() * 2 / 5};
+}
+
 Outcome<Helper> openImageEditor(const VirtualDesktop& desktop)
 {
     auto app = App::start(desktop, QStringLiteral("mtpaint"));

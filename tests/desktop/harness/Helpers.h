@@ -17,6 +17,8 @@ Outcome<Helper> openTerminal(const VirtualDesktop& desktop, const QString& title
 
 /// Opens a file manager that shows a folder, whose name is the window's title.
 Outcome<Helper> openFileManager(const VirtualDesktop& desktop, const QString& folder);
+/// A place in its folder that no chip at the lower left of the screen covers.
+QPoint folderView(const Helper& fileManager);
 
 /// Opens an image editor without a picture; its window's title names the file that it edits.
 Outcome<Helper> openImageEditor(const VirtualDesktop& desktop);
