@@ -26,14 +26,32 @@ if(TAMRIK_SANITIZE)
     target_link_options(tamrik_flags INTERFACE ${tamrik_sanitizers})
 endif()
 
+# tamrik_precompiled(NAME HEADERS <header>... LINK lib...)
+#
+# Headers that are costly to read, precompiled once for all targets that reuse them. Nothing may
+# depend on that: the presets core-only and clang go without.
+function(tamrik_precompiled name)
+    cmake_parse_arguments(ARG "" "" "HEADERS;LINK" ${ARGN})
+    add_library(${name} OBJECT ${PROJECT_SOURCE_DIR}/cmake/Precompiled.cpp)
+    target_link_libraries(${name} PRIVATE tamrik_flags ${ARG_LINK})
+    target_precompile_headers(${name} PRIVATE ${ARG_HEADERS})
+endfunction()
+
+# tamrik_use_precompiled(TARGET core|gui|widgets), or one of these with _test, or base_test
+function(tamrik_use_precompiled target kind)
+    if(TAMRIK_PCH)
+        target_precompile_headers(${target} REUSE_FROM tamrik_precompiled_${kind})
+    endif()
+endfunction()
+
 # tamrik_library(NAME [MOC] [OBJECT] HEADERS h... SOURCES c... [LINK lib...] [PRIVATE_LINK lib...]
-#                [PCH <header>...])
+#                [PCH core|gui|widgets])
 #
 # One layer of the program: a static library whose headers are found from src/ and must each
 # compile on their own (target all_verify_interface_header_sets). OBJECT makes it a set of object
 # files instead: for an implementation of the seam, which every layer above may call without naming it.
 function(tamrik_library name)
-    cmake_parse_arguments(ARG "MOC;OBJECT" "" "HEADERS;SOURCES;LINK;PRIVATE_LINK;PCH" ${ARGN})
+    cmake_parse_arguments(ARG "MOC;OBJECT" "PCH" "HEADERS;SOURCES;LINK;PRIVATE_LINK" ${ARGN})
     if(ARG_SOURCES)
         if(ARG_OBJECT)
             add_library(${name} OBJECT ${ARG_SOURCES})
@@ -55,8 +73,8 @@ function(tamrik_library name)
     if(ARG_MOC)
         set_target_properties(${name} PROPERTIES AUTOMOC ON)
     endif()
-    if(ARG_PCH AND TAMRIK_PCH)
-        target_precompile_headers(${name} PRIVATE ${ARG_PCH})
+    if(ARG_PCH)
+        tamrik_use_precompiled(${name} ${ARG_PCH})
     endif()
     set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
 endfunction()
