@@ -19,7 +19,7 @@ using Geometry::Size;
 namespace {
 
 /// Room for the shadow on every side, in points.
-constexpr int shadowMargin = 18;
+constexpr int shadowMargin = static_cast<int>(SoftShadow::reach);
 constexpr auto closingTime = 250ms;
 
 } // namespace
@@ -92,6 +92,14 @@ void ChipPanel::place(Point origin)
     m_frame.x = origin.x;
     m_frame.y = origin.y;
     Platform::setFrame(*this, m_frame.grown(shadowMargin));
+    // The scale of a screen can change under a window whose size in points stays as it is.
+    if (isVisible() && devicePixelRatioF() != m_bodyScale)
+        updateBody();
+}
+
+QRectF ChipPanel::body() const
+{
+    return m_view->body().translated(m_view->pos());
 }
 
 void ChipPanel::orderFrontRegardless()
@@ -118,7 +126,8 @@ void ChipPanel::closeEvent(QCloseEvent* event)
 
 void ChipPanel::updateBody()
 {
-    Platform::setBody(*this, m_view->geometry(), ChipView::cornerRadius);
+    m_bodyScale = devicePixelRatioF();
+    Platform::setBody(*this, body(), ChipView::cornerRadius);
 }
 
 void ChipPanel::showEvent(QShowEvent*)
@@ -140,7 +149,7 @@ void ChipPanel::paintEvent(QPaintEvent* event)
     // The view covers all but its round corners, and is what changes most.
     constexpr int cornerReach = 4;
     const QRect covered =
-        m_view->geometry().adjusted(cornerReach, cornerReach, -cornerReach, -cornerReach);
+        body().toRect().adjusted(cornerReach, cornerReach, -cornerReach, -cornerReach);
     painter.setClipRegion(event->region() - covered);
-    SoftShadow::paint(painter, m_view->geometry(), ChipView::cornerRadius);
+    SoftShadow::paint(painter, body(), ChipView::cornerRadius);
 }

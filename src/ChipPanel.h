@@ -51,10 +51,13 @@ protected:
 
 private:
     void place(Geometry::Point origin);
+    /// The chip in the window, in points.
+    QRectF body() const;
     void updateBody();
 
     ChipView* m_view; // a child
     Geometry::Rect m_frame;
+    double m_bodyScale = 0; // pixels a point when the platform was told of the body
     bool m_closeNotified = false;
     QVariantAnimation* m_move; // a child
     QVariantAnimation* m_fade; // a child

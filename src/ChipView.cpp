@@ -50,8 +50,9 @@ void paintBorder(QPainter& painter, const QRectF& box)
 /// That line above everything else on a chip.
 class ChipBorder : public QWidget {
 public:
-    explicit ChipBorder(QWidget* parent)
-        : QWidget(parent)
+    explicit ChipBorder(ChipView* view)
+        : QWidget(view)
+        , m_view(*view)
     {
         setAttribute(Qt::WA_TransparentForMouseEvents);
     }
@@ -60,8 +61,11 @@ protected:
     void paintEvent(QPaintEvent*) override
     {
         QPainter painter(this);
-        paintBorder(painter, rect());
+        paintBorder(painter, m_view.body());
     }
+
+private:
+    const ChipView& m_view; // its parent
 };
 
 /// A pill with a text in its middle, as much wider than the text as `padding` says on either side.
@@ -124,7 +128,7 @@ double ChipView::copiedBadgeOpacity() const
 
 void ChipView::setupOverlay()
 {
-    m_overlay = new PassThroughOverlay(cornerRadius, this);
+    m_overlay = new PassThroughOverlay([this] { return body(); }, cornerRadius, this);
     m_overlay->setAccessibleName(QStringLiteral("Actions"));
     m_overlay->setGeometry(rect());
     m_overlayFade = new Fade(*m_overlay, 0);
@@ -209,16 +213,18 @@ void ChipView::editClicked()
 
 // The picture
 
-QRectF ChipView::body(double scale) const
+QRectF ChipView::body() const
 {
+    const double scale = devicePixelRatioF();
     const auto whole = [scale](double points) { return std::round(points * scale) / scale; };
     const QSizeF size(whole(m_size.width), whole(m_size.height));
     return {QPointF(0, height() - size.height()), size};
 }
 
-void ChipView::paintPicture(QPainter& painter, double scale) const
+void ChipView::paintPicture(QPainter& painter)
 {
-    const QRectF box = body(scale);
+    const double scale = devicePixelRatioF();
+    const QRectF box = body();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(palette().window());
@@ -226,7 +232,9 @@ void ChipView::paintPicture(QPainter& painter, double scale) const
 
     // Filled with the picture as a pattern: clipping to round corners would leave steps.
     const QSize pixels = (box.size() * scale).toSize();
-    QBrush picture(m_thumbnail.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    if (m_scaled.size() != pixels)
+        m_scaled = m_thumbnail.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QBrush picture(m_scaled);
     picture.setTransform(QTransform::fromTranslate(box.x(), box.y()).scale(1 / scale, 1 / scale));
     painter.setBrush(picture);
     painter.drawRoundedRect(box, cornerRadius, cornerRadius);
@@ -235,7 +243,7 @@ void ChipView::paintPicture(QPainter& painter, double scale) const
 void ChipView::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    paintPicture(painter, devicePixelRatioF());
+    paintPicture(painter);
 }
 
 void ChipView::resizeEvent(QResizeEvent*)
@@ -318,14 +326,14 @@ void ChipView::dragFile(QPointF press)
     drag->exec(Qt::CopyAction, Qt::CopyAction);
 }
 
-QPixmap ChipView::dragPicture() const
+QPixmap ChipView::dragPicture()
 {
     const double scale = devicePixelRatioF();
     QPixmap result((QSizeF(size()) * scale).toSize());
     result.setDevicePixelRatio(scale);
     result.fill(Qt::transparent);
     QPainter painter(&result);
-    paintPicture(painter, scale);
-    paintBorder(painter, body(scale));
+    paintPicture(painter);
+    paintBorder(painter, body());
     return result;
 }

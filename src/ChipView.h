@@ -31,9 +31,12 @@ public:
     /// In points.
     static constexpr double cornerRadius = 10;
 
-    /// `size` is the chip's in points; a fraction of a point at the bottom stays empty.
+    /// `size` is the chip's in points. The view is as many whole points, rounded up.
     ChipView(QUrl file, const ChipContent& content, Geometry::Size size, OnEdit onEdit, Clock clock,
              QWidget* parent = nullptr);
+
+    /// What of the view is the chip, at its foot: its edges lie on whole pixels.
+    QRectF body() const;
 
     const QUrl& fileURL() const { return m_file; }
 
@@ -69,15 +72,15 @@ private:
 
     void dragFile(QPointF press);
     void moveStack();
-    QPixmap dragPicture() const;
+    QPixmap dragPicture();
     /// The chip without its buttons and badges.
-    void paintPicture(QPainter& painter, double scale) const;
-    /// The chip's box, whose edges lie on whole pixels.
-    QRectF body(double scale) const;
+    void paintPicture(QPainter& painter);
 
     QPointer<ChipManager> m_manager;
     QUrl m_file;
     QImage m_thumbnail;
+    /// The same in the pixels of the body as it was painted last.
+    QImage m_scaled;
     Geometry::Size m_size;
     OnEdit m_onEdit;
     Clock m_clock;

@@ -2,8 +2,10 @@
 
 #include <QPainter>
 
-PassThroughOverlay::PassThroughOverlay(double cornerRadius, QWidget* parent)
+PassThroughOverlay::PassThroughOverlay(std::function<QRectF()> box, double cornerRadius,
+                                       QWidget* parent)
     : QWidget(parent)
+    , m_box(std::move(box))
     , m_cornerRadius(cornerRadius)
 {
 }
@@ -16,5 +18,5 @@ void PassThroughOverlay::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(dark);
-    painter.drawRoundedRect(rect(), m_cornerRadius, m_cornerRadius);
+    painter.drawRoundedRect(m_box(), m_cornerRadius, m_cornerRadius);
 }

@@ -2,7 +2,7 @@
 
 #include "Support/Geometry.h"
 
-#include <QRect>
+#include <QRectF>
 
 QT_FORWARD_DECLARE_CLASS(QScreen)
 QT_FORWARD_DECLARE_CLASS(QWidget)
@@ -40,7 +40,7 @@ void setFrame(QWidget& window, Geometry::Rect frame);
 /// Says which part of a translucent panel is its `body` (points, y down), with round corners. What
 /// is outside is shadow: clicks go through it, and where no compositor runs it is not there. Call
 /// again when the window's size or scale, or the compositing, has changed.
-void setBody(QWidget& window, QRect body, double cornerRadius);
+void setBody(QWidget& window, const QRectF& body, double cornerRadius);
 
 /// From 0, which cannot be seen, to 1. Without a compositor every window is opaque.
 void setOpacity(QWidget& window, double opacity);

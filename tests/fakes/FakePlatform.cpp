@@ -182,7 +182,7 @@ void setFrame(QWidget& window, Geometry::Rect frame)
     FakePlatform::current().frames[&window] = frame;
 }
 
-void setBody(QWidget& window, QRect body, double)
+void setBody(QWidget& window, const QRectF& body, double)
 {
     FakePlatform::current().bodies[&window] = body;
 }

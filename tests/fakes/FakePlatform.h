@@ -62,7 +62,7 @@ struct FakePlatform {
     std::map<const QWidget*, Platform::WindowTraits> traits;
     /// Global points, of windows that were put somewhere.
     std::map<const QWidget*, Geometry::Rect> frames;
-    std::map<const QWidget*, QRect> bodies;
+    std::map<const QWidget*, QRectF> bodies;
     /// In the order that they were set.
     std::map<const QWidget*, std::vector<double>> opacities;
     std::vector<Look> looks;

@@ -68,6 +68,29 @@ TEST_F(ChipViewTest, ButtonsStandWhereTheyShould)
     EXPECT_EQ(boxOf(*button(panel, "Annotate"), view), QRect(115, 54, 30, 30));
 }
 
+TEST_F(ChipViewTest, AFractionOfAPointIsNoPartOfTheChip)
+{
+    ChipPanel& panel = add(QStringLiteral("1.png"), {1000, 437}); // 220 x 96.14
+    ChipView& view = panel.view();
+    ASSERT_EQ(view.size(), QSize(220, 97));
+    EXPECT_EQ(view.body(), QRectF(0, 1, 220, 96));
+    EXPECT_EQ(FakePlatform::current().bodies.at(&panel), QRectF(18, 19, 220, 96));
+
+    QEnterEvent enter({110, 50}, {110, 50}, {110, 50});
+    QCoreApplication::sendEvent(&view, &enter);
+    ASSERT_TRUE(runUntil([&] { return view.overlayOpacity() == 1; }));
+    QImage image(view.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    view.render(&image, {}, {}, QWidget::DrawChildren);
+    // Neither the picture nor the border nor the dark layer is there; below, all three are.
+    for (int x = 0; x < image.width(); ++x)
+        EXPECT_EQ(qAlpha(image.pixel(x, 0)), 0) << x;
+    EXPECT_EQ(qAlpha(image.pixel(110, 1)), 255);
+    const QColor dark(qRound(40 * 0.68), qRound(90 * 0.68), qRound(200 * 0.68));
+    EXPECT_NE(image.pixelColor(110, 1), dark); // the border
+    EXPECT_EQ(image.pixelColor(20, 60), dark);
+}
+
 TEST_F(ChipViewTest, ButtonsShowTheirSymbolsAndAreNamed)
 {
     ChipPanel& panel = add(QStringLiteral("1.png"));

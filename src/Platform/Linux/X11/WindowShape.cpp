@@ -38,7 +38,7 @@ void setShape(xcb_window_t window, xcb_shape_sk_t kind, const QRegion& region)
 
 } // namespace
 
-void Platform::setBody(QWidget& window, QRect body, double cornerRadius)
+void Platform::setBody(QWidget& window, const QRectF& body, double cornerRadius)
 {
     xcb_connection_t* connection = X11::qtConnection();
     if (!connection || !window.windowHandle())
