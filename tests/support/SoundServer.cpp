@@ -21,7 +21,13 @@ constexpr double frequency = 1000;
 
 SoundServer::SoundServer()
 {
+    start();
+}
+
+void SoundServer::start()
+{
     const std::string socket = m_folder / "socket";
+    std::filesystem::remove(socket);
     m_process = std::make_unique<ChildProcess>(Command{
         {"pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
          "module-null-sink", "-L", "module-native-protocol-unix auth-anonymous=1 socket=" + socket},

@@ -19,6 +19,8 @@ public:
 
     /// Ends it at once, with its clients still there.
     void kill();
+    /// Starts it, after a kill(), at the same address.
+    void start();
 
     /// Plays silence for some seconds, or a tone, and returns when that has been handed over.
     class Player {

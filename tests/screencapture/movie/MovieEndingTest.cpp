@@ -168,6 +168,18 @@ TEST_F(MovieEnding, ItsParentsEndIsItsOwn)
     EXPECT_GT(Film::read(m_file).duration, 0);
 }
 
+TEST_F(MovieEnding, AParentThatWasGoneBeforeItBeganIsNoticed)
+{
+    ChildProcess program({{"true"}, {}});
+    const pid_t parent = program.id();
+    program.wait();
+    Recorder recorder(m_server, "0,0,400,300", m_file, {"-C"},
+                      {{"TAMRIK_PARENT", std::to_string(parent)}});
+    const Outcome outcome = recorder.wait();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_GT(Film::read(m_file).duration, 0);
+}
+
 TEST_F(MovieEnding, TheXServersEndKeepsWhatWasFilmed)
 {
     Recorder recorder(m_server, "0,0,400,300", m_file);

@@ -118,6 +118,26 @@ TEST_F(MovieSound, BecomesSilenceWhenTheMicrophoneGoesAway)
     EXPECT_LT(peak(sound, facts.duration - 1, facts.duration), .01F);
 }
 
+TEST_F(MovieSound, IsHeardAgainWhenTheMicrophoneIsBack)
+{
+    Recorder recorder(m_server, "0,0,320,240", m_file, {"-g"}, environment());
+    recorder.awaitFile();
+    m_sound.kill();
+    recorder.awaitGrowth();
+    m_sound.start();
+    {
+        SoundServer::Player player(m_sound);
+        player.playTone(2.5);
+    }
+    recorder.stop();
+
+    const Film::Facts facts = Film::read(m_file);
+    const std::vector<float> sound = Film::sound(m_file);
+    EXPECT_NEAR(static_cast<double>(sound.size()) / rate, facts.duration, .05);
+    EXPECT_LT(peak(sound, 0, facts.duration - 3), .01F);
+    EXPECT_GT(peak(sound, facts.duration - 1, facts.duration), .2F);
+}
+
 TEST_F(MovieSound, IsThereOnlyWhenItIsWanted)
 {
     Recorder recorder(m_server, "0,0,320,240", m_file, {}, environment());

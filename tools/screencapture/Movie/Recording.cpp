@@ -48,6 +48,7 @@ Result<int> recordMovie(const Arguments& arguments, const StopSignals& signals)
     Writing writing(std::move(*file), {encoder->parameters(), VideoEncoder::ticksASecond},
                     sound.kind(), alarm);
     sound.begin(writing);
+    const SoundTrack::Stopping stopping(sound); // before the writing that it gives to
     Encoding encoding(std::move(*encoder), writing, alarm);
     Overlay overlay((*source)->pointer(), {arguments.showsPointer, arguments.showsClicks},
                     placement->scale);

@@ -26,10 +26,14 @@ void SoundTrack::begin(Writing& writing)
         return;
     m_microphone.emplace(Microphone::Listener{[this](bool isThere) { decide(isThere); },
                                               [this](std::span<const float> chunk, double age) {
+                                                  if (!m_encoder)
+                                                      return;
                                                   m_timeline.add(chunk, time() - age);
                                                   encodeWhatIsReady();
                                               },
                                               [this] {
+                                                  if (!m_encoder)
+                                                      return;
                                                   m_timeline.passTo(time());
                                                   encodeWhatIsReady();
                                               }});
@@ -55,8 +59,6 @@ void SoundTrack::decide(bool isThere)
 
 void SoundTrack::encodeWhatIsReady()
 {
-    if (!m_encoder)
-        return;
     for (;;) {
         const std::vector<float> block = m_timeline.take(SoundEncoder::blockFrames);
         if (block.empty())

@@ -26,6 +26,21 @@ public:
     /// Ends at `end`, in seconds since the start.
     PossibleFailure finish(double end);
 
+    /// Sees to it that nothing more is given to the writing, on whatever way out.
+    class Stopping {
+    public:
+        explicit Stopping(SoundTrack& track)
+            : m_track(track)
+        {
+        }
+        ~Stopping() { m_track.m_microphone.reset(); }
+        Stopping(const Stopping&) = delete;
+        Stopping& operator=(const Stopping&) = delete;
+
+    private:
+        SoundTrack& m_track;
+    };
+
 private:
     void decide(bool isThere);
     void encodeWhatIsReady();

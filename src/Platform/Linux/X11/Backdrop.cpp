@@ -8,7 +8,6 @@
 
 #include <QImage>
 
-#include <bit>
 #include <vector>
 
 namespace {
@@ -58,14 +57,6 @@ bool isCoveredByBypass(QRect screen)
     return covered;
 }
 
-/// Whether the server's pixels are QImage's: the common case, in which nothing has to be converted.
-bool isRgb32(const X11::PixelFormat& format)
-{
-    return std::endian::native == std::endian::little && format.bitsPerPixel == 32 &&
-           format.byteOrder == X11::ByteOrder::LeastSignificantFirst &&
-           format.redMask == 0xff0000 && format.greenMask == 0x00ff00 && format.blueMask == 0xff;
-}
-
 /// A picture of a part of the root window, and the connection that it must not outlive.
 struct Grab {
     X11::Connection connection;
@@ -81,7 +72,7 @@ QImage throughMemory(const ScreenTable::PixelRect& area)
     if (!connection)
         return {};
     Result<X11::RootImage> image = X11::RootImage::grab(*connection, area);
-    if (!image || !isRgb32(image->format()) ||
+    if (!image || !image->format().isNative() ||
         image->width() != static_cast<std::uint32_t>(area.width) ||
         image->height() != static_cast<std::uint32_t>(area.height))
         return {};

@@ -54,6 +54,11 @@ bool PixelFormat::isPlain() const
            redMask == 0xff0000 && greenMask == 0x00ff00 && blueMask == 0x0000ff;
 }
 
+bool PixelFormat::isNative() const
+{
+    return isPlain() && std::endian::native == std::endian::little;
+}
+
 std::size_t PixelFormat::stride(std::size_t width) const
 {
     const auto pad = static_cast<std::size_t>(scanlinePad);

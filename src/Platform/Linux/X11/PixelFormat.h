@@ -26,6 +26,9 @@ struct PixelFormat {
     /// Whether a pixel is a 32-bit number with red, green and blue in its lower 24 bits, from the
     /// third byte down, least significant byte first: the common one.
     bool isPlain() const;
+    /// Whether that is also what this machine's numbers 0xRRGGBB are in memory: the common case, in
+    /// which nothing has to be converted.
+    bool isNative() const;
 
     /// From one row to the next, in bytes.
     std::size_t stride(std::size_t width) const;

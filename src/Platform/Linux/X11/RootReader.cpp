@@ -2,8 +2,6 @@
 
 #include "Platform/Linux/X11/Handles.h"
 
-#include <bit>
-
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
 
@@ -43,7 +41,7 @@ Result<RootReader> RootReader::create(const Connection& connection, const PixelR
     // Rows of the parts may be padded; there are no more rows than the area has pixels.
     const std::size_t bytes = format->stride(static_cast<std::size_t>(area.width)) *
                               static_cast<std::size_t>(area.height);
-    if (format->isPlain() && std::endian::native == std::endian::little)
+    if (format->isNative())
         reader.m_segment = SharedSegment::create(connection, bytes);
     return reader;
 }
@@ -98,32 +96,38 @@ PossibleFailure RootReader::readShared(const std::vector<PixelRect>& parts, cons
 
 PossibleFailure RootReader::readOne(const PixelRect& part, const Taker& take)
 {
-    const Result<RootSize> root = currentSize();
-    if (!root)
-        return root.failure();
     const PixelRect wanted = onScreen(part);
-    const Result<PixelRect> there = onRoot(wanted, *root);
-    if (!there || *there != wanted) {
-        // What is gone is black, then comes what is left.
-        const std::vector<std::uint32_t> black(static_cast<std::size_t>(part.width) *
-                                               static_cast<std::size_t>(part.height));
-        take(part, black.data(), static_cast<std::size_t>(part.width));
-        if (!there)
+    PossibleFailure refusal;
+    // Screens that change do so in steps: the root may shrink between the two questions.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        const Result<RootSize> root = currentSize();
+        if (!root)
+            return root.failure();
+        const Result<PixelRect> there = onRoot(wanted, *root);
+        if (!there || *there != wanted) {
+            // What is gone is black, then comes what is left.
+            const std::vector<std::uint32_t> black(static_cast<std::size_t>(part.width) *
+                                                   static_cast<std::size_t>(part.height));
+            take(part, black.data(), static_cast<std::size_t>(part.width));
+            if (!there)
+                return std::nullopt;
+        }
+        const Result<std::vector<std::uint8_t>> bytes = readThroughSocket(
+            *m_connection, *there, m_format.stride(static_cast<std::size_t>(there->width)));
+        if (bytes) {
+            hand({there->x - m_area.x, there->y - m_area.y, there->width, there->height},
+                 bytes->data(), take);
             return std::nullopt;
+        }
+        refusal = bytes.failure();
     }
-    const Result<std::vector<std::uint8_t>> bytes = readThroughSocket(
-        *m_connection, *there, m_format.stride(static_cast<std::size_t>(there->width)));
-    if (!bytes)
-        return bytes.failure();
-    hand({there->x - m_area.x, there->y - m_area.y, there->width, there->height}, bytes->data(),
-         take);
-    return std::nullopt;
+    return refusal;
 }
 
 void RootReader::hand(const PixelRect& part, const std::uint8_t* bytes, const Taker& take)
 {
     const auto width = static_cast<std::size_t>(part.width);
-    if (m_format.isPlain() && std::endian::native == std::endian::little) {
+    if (m_format.isNative()) {
         // Images start at a multiple of their pad, which is four bytes here.
         const void* const start = bytes;
         take(part, static_cast<const std::uint32_t*>(start), width);

@@ -1,6 +1,7 @@
 #include "Movie/Sound/Microphone.h"
 
 #include <chrono>
+#include <utility>
 
 #include <pulse/pulseaudio.h>
 
@@ -10,6 +11,7 @@ using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
 constexpr auto patience = 2s; // for a server that does not answer
+constexpr auto retryAfter = 1s;
 constexpr int passEvery = 50; // milliseconds
 constexpr int channels = 2;
 constexpr std::uint32_t frameBytes = channels * sizeof(float);
@@ -62,22 +64,26 @@ void Microphone::stop()
 
 void Microphone::run()
 {
-    m_context.reset(pa_context_new(pa_mainloop_get_api(m_loop.get()), "Tamrik"));
-    pa_context_set_state_callback(m_context.get(), contextChanged, this);
-    if (pa_context_connect(m_context.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
-        decide(false);
-
+    connect();
     const auto deadline = Clock::now() + patience;
     auto next = Clock::now();
-    while (!m_isStopped) {
+    auto retry = Clock::time_point::max();
+    while (!m_isStopped && m_isThere != false) {
         // Counted in microseconds.
         if (pa_mainloop_prepare(m_loop.get(), passEvery * 1000) < 0 ||
             pa_mainloop_poll(m_loop.get()) < 0 || pa_mainloop_dispatch(m_loop.get()) < 0)
             break;
-        if (Clock::now() > deadline)
+        const auto now = Clock::now();
+        if (now > deadline)
             decide(false);
-        if (Clock::now() >= next) {
-            next = Clock::now() + std::chrono::milliseconds(passEvery);
+        if (std::exchange(m_isLost, false))
+            retry = now + retryAfter;
+        if (now > retry) {
+            retry = Clock::time_point::max();
+            connect();
+        }
+        if (now >= next && m_isThere != false) {
+            next = now + std::chrono::milliseconds(passEvery);
             m_listener.passed();
         }
     }
@@ -85,12 +91,27 @@ void Microphone::run()
     m_context.reset();
 }
 
+void Microphone::connect()
+{
+    m_stream.reset();
+    m_context.reset(pa_context_new(pa_mainloop_get_api(m_loop.get()), "Tamrik"));
+    pa_context_set_state_callback(m_context.get(), contextChanged, this);
+    if (pa_context_connect(m_context.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
+        lose();
+}
+
 void Microphone::decide(bool isThere)
 {
-    if (m_isDecided)
+    if (m_isThere)
         return;
-    m_isDecided = true;
+    m_isThere = isThere;
     m_listener.decided(isThere);
+}
+
+void Microphone::lose()
+{
+    decide(false);
+    m_isLost = true;
 }
 
 void Microphone::contextChanged(pa_context* context, void* self)
@@ -100,7 +121,7 @@ void Microphone::contextChanged(pa_context* context, void* self)
     if (state == PA_CONTEXT_READY)
         microphone.openStream();
     else if (!PA_CONTEXT_IS_GOOD(state))
-        microphone.decide(false);
+        microphone.lose();
 }
 
 void Microphone::openStream()
@@ -108,7 +129,7 @@ void Microphone::openStream()
     const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, rate, channels};
     m_stream.reset(pa_stream_new(m_context.get(), "Movie", &spec, nullptr));
     if (!m_stream) {
-        decide(false);
+        lose();
         return;
     }
     pa_stream_set_state_callback(m_stream.get(), streamChanged, this);
@@ -117,7 +138,7 @@ void Microphone::openStream()
     const auto flags =
         static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_AUTO_TIMING_UPDATE);
     if (pa_stream_connect_record(m_stream.get(), nullptr, &sizes, flags) < 0)
-        decide(false);
+        lose();
 }
 
 void Microphone::streamChanged(pa_stream* stream, void* self)
@@ -127,7 +148,7 @@ void Microphone::streamChanged(pa_stream* stream, void* self)
     if (state == PA_STREAM_READY)
         microphone.decide(true);
     else if (!PA_STREAM_IS_GOOD(state))
-        microphone.decide(false);
+        microphone.lose();
 }
 
 void Microphone::canRead(pa_stream*, std::size_t, void* self)

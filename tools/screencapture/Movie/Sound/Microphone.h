@@ -3,6 +3,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <thread>
 
@@ -11,7 +12,7 @@ struct pa_mainloop;
 struct pa_stream;
 
 /// The sound server's default source (PulseAudio, or PipeWire in its place), in a thread of its
-/// own.
+/// own. One that goes away is looked for again until it is back.
 class Microphone {
 public:
     static constexpr int rate = 48000; // interleaved stereo
@@ -23,7 +24,7 @@ public:
         std::function<void(bool isThere)> decided;
         /// Sound, and how many seconds ago its first frame was to be heard.
         std::function<void(std::span<const float> chunk, double age)> heard;
-        /// Twenty times a second, also after the microphone has gone away.
+        /// Twenty times a second while there is a microphone, and also after it has gone away.
         std::function<void()> passed;
     };
 
@@ -43,7 +44,10 @@ private:
     };
 
     void run();
+    void connect();
     void decide(bool isThere);
+    /// The source or its server is not there, or not any more.
+    void lose();
     void openStream();
     void read();
     static void contextChanged(pa_context* context, void* self);
@@ -51,7 +55,8 @@ private:
     static void canRead(pa_stream* stream, std::size_t bytes, void* self);
 
     Listener m_listener;
-    bool m_isDecided = false;
+    std::optional<bool> m_isThere; // when that is decided
+    bool m_isLost = false;
     std::unique_ptr<pa_mainloop, Free> m_loop;
     std::unique_ptr<pa_context, Free> m_context;
     std::unique_ptr<pa_stream, Free> m_stream;
