@@ -7,6 +7,7 @@
 
 #include <QThreadPool>
 
+#include <chrono>
 #include <cmath>
 
 using Geometry::Size;
@@ -14,6 +15,8 @@ using Geometry::Size;
 namespace {
 
 constexpr double videoTime = 0.1; // seconds
+/// A file that takes longer gets no chip: those of later captures wait for it, and so would a quit.
+constexpr std::chrono::seconds patience{2};
 constexpr QSize videoBox = {600, 600};
 
 /// Thumbnails are as fine as suits screens of this scale, whatever those are that are there now.
@@ -39,7 +42,7 @@ QImage cropped(const QImage& frame, QSize target)
 
 std::optional<ChipContent> ofVideo(const QString& path)
 {
-    auto reader = FrameReader::open(path);
+    auto reader = FrameReader::open(path, {.time = patience, .cancellation = {}});
     if (!reader)
         return std::nullopt;
     const auto frame = reader->frameAt(videoTime, videoBox);

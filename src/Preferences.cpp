@@ -122,8 +122,9 @@ Geometry::Point Preferences::chipCustomOrigin() const
 
 void Preferences::saveCustom(Geometry::Point origin)
 {
-    store(chipCustomXKey, origin.x);
-    store(chipCustomYKey, origin.y);
+    // All three or none.
+    m_store->setValue(QLatin1String(chipCustomXKey), origin.x);
+    m_store->setValue(QLatin1String(chipCustomYKey), origin.y);
     save(ChipPosition::custom);
 }
 

@@ -107,15 +107,18 @@ bool InstanceClaim::handOver(steady_clock::time_point deadline) const
     return recv(connection.get(), &received, 1, 0) == 1 && received == answer;
 }
 
-void InstanceClaim::answerOne(const std::function<void()>& startedAgain) const
+bool InstanceClaim::answerOne(const std::function<void()>& startedAgain) const
 {
     const FileDescriptor connection(
         accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
-    if (!connection || !isPeer(connection, m_user) || hasGivenUp(connection))
-        return;
+    if (!connection)
+        return errno != EMFILE && errno != ENFILE;
+    if (!isPeer(connection, m_user) || hasGivenUp(connection))
+        return true;
     startedAgain();
     // One that leaves now is not worth a word.
     (void)send(connection.get(), &answer, 1, MSG_NOSIGNAL);
+    return true;
 }
 
 bool InstanceClaim::isPeer(const FileDescriptor& connection, uid_t user)

@@ -34,8 +34,9 @@ public:
     int listener() const { return m_listener.get(); }
 
     /// Takes one further start, if any waits. Unless that has given up, or is another user's, calls
-    /// `startedAgain` and then answers.
-    void answerOne(const std::function<void()>& startedAgain) const;
+    /// `startedAgain` and then answers. False when this process has no descriptor left for it: it
+    /// goes on waiting, and the listener can be read.
+    bool answerOne(const std::function<void()>& startedAgain) const;
 
     /// Whether the other end of a connected socket is, or was when it began, a process of `user`.
     static bool isPeer(const FileDescriptor& connection, uid_t user);

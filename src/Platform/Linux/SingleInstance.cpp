@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <QUrl>
 
 #include <unistd.h>
@@ -13,8 +14,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// How long the first instance may take to answer.
-constexpr auto patience = 2s;
+/// How long the first instance may take to answer, or to end: a quit waits for its child processes
+/// and for files that are being read.
+constexpr auto patience = 5s;
 
 /// Where the claim may lie: in the user's runtime folder, otherwise among the temporary files. The
 /// user's number keeps a program that root started in the user's session from taking the place.
@@ -26,6 +28,8 @@ std::vector<std::string> places()
     const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
     if (runtime.startsWith('/'))
         folders.push_back((runtime + name).toStdString());
+    else // as for what cron or su starts, where another start may know better
+        folders.push_back(("/run/user/" + QByteArray::number(getuid()) + name).toStdString());
     folders.push_back((QFile::encodeName(QDir::tempPath()) + name).toStdString());
     return folders;
 }
@@ -58,8 +62,12 @@ void Platform::SingleInstance::onStartedAgain(std::function<void()> startedAgain
     auto& notifier = m_implementation->notifier;
     notifier = std::make_unique<QSocketNotifier>(claim.listener(), QSocketNotifier::Read);
     QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(),
-                     [&claim, startedAgain = std::move(startedAgain)] {
+                     [&claim, startedAgain = std::move(startedAgain), listening = notifier.get()] {
                          // One at a time, so that many of them leave room for all other events.
-                         claim.answerOne(startedAgain);
+                         if (claim.answerOne(startedAgain))
+                             return;
+                         listening->setEnabled(false);
+                         QTimer::singleShot(1s, listening,
+                                            [listening] { listening->setEnabled(true); });
                      });
 }

@@ -36,7 +36,7 @@ int answer(const InstanceClaim& claim, int starts)
         pollfd entry = {claim.listener(), POLLIN, 0};
         if (poll(&entry, 1, 10'000) != 1)
             break;
-        claim.answerOne([&shown] { ++shown; });
+        EXPECT_TRUE(claim.answerOne([&shown] { ++shown; }));
     }
     return shown;
 }
@@ -308,6 +308,26 @@ TEST_F(InstanceClaimTest, AStartThatHasGivenUpShowsNothing)
     const InstanceClaim first = claim();
     rawSocket(false); // connects and goes
     EXPECT_EQ(answer(first, 1), 0);
+}
+
+TEST_F(InstanceClaimTest, WithoutADescriptorAStartHasToWaitAndIsNotLost)
+{
+    const InstanceClaim first = claim();
+    const FileDescriptor waiting = rawSocket(false);
+    ASSERT_TRUE(waiting);
+    std::vector<FileDescriptor> all;
+    for (;;) {
+        FileDescriptor one(dup(waiting.get()));
+        if (!one)
+            break;
+        all.push_back(std::move(one));
+    }
+    int shown = 0;
+    const auto answered = [&] { return first.answerOne([&shown] { ++shown; }); };
+    EXPECT_FALSE(answered());
+    all.clear();
+    EXPECT_TRUE(answered());
+    EXPECT_EQ(shown, 1);
 }
 
 TEST_F(InstanceClaimTest, ClientsThatTalkOrKeepSilentNeitherBlockNorStay)
