@@ -14,6 +14,7 @@
 #include "Support/Log.h"
 
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QPointer>
 #include <QSaveFile>
 #include <QShortcut>
@@ -68,6 +69,7 @@ std::unique_ptr<EditorWindowController> EditorWindowController::open(const QUrl&
 EditorWindowController::EditorWindowController(const QUrl& image, Clock clock, CanvasView* canvas)
     : m_imageURL(image)
     , m_clock(std::move(clock))
+    , m_sidecar(image.toLocalFile())
     , m_window(std::make_unique<EditorWindow>())
     , m_canvas(canvas)
 {
@@ -87,13 +89,18 @@ EditorWindowController::EditorWindowController(const QUrl& image, Clock clock, C
                                    visible.y + (visible.height - content.height) / 2, content.width,
                                    content.height});
 
-    m_canvas->model().onChange = [this] { saveSidecar(); };
+    m_canvas->model().onChange = [this] { m_sidecar.save(m_canvas->model().annotations()); };
+    // A session that ends may not wait for us any longer than this.
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, this,
+            &EditorWindowController::saveAndWait, Qt::DirectConnection);
     connectToolbar();
     addShortcuts();
 }
 
 EditorWindowController::~EditorWindowController()
 {
+    if (!m_isClosed)
+        saveAndWait();
     m_canvas->model().onChange = {};
     m_window->willClose = {};
     m_window->hide();
@@ -187,9 +194,11 @@ void EditorWindowController::makeKeyAndOrderFront()
     Platform::bringToFront(*m_window);
 }
 
-void EditorWindowController::saveSidecar() const
+void EditorWindowController::saveAndWait()
 {
-    Sidecar::save(m_canvas->model().annotations(), m_imageURL.toLocalFile());
+    m_canvas->commitActiveTextField();
+    m_sidecar.save(m_canvas->model().annotations());
+    m_sidecar.finish();
 }
 
 void EditorWindowController::copyFlattened()
@@ -234,8 +243,7 @@ void EditorWindowController::windowWillClose()
 {
     if (std::exchange(m_isClosed, true))
         return;
-    m_canvas->commitActiveTextField();
-    saveSidecar();
+    saveAndWait();
     if (onClose)
         onClose(this);
 }

@@ -1,0 +1,133 @@
+// What an editor leaves in its picture's folder, however it ends.
+
+#include "Editor/CanvasView.h"
+#include "Editor/EditorToolbar.h"
+#include "Editor/EditorWindowController.h"
+#include "Editor/LabelField.h"
+#include "Editor/Sidecar.h"
+#include "fakes/FakeClock.h"
+#include "fakes/FakePlatform.h"
+#include "support/EventLoop.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class EditorFiles : public testing::Test {
+protected:
+    EditorFiles() { FakePlatform::reset(); }
+
+    QString picture(const char* name) const
+    {
+        QImage image(400, 300, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        const QString path = folder.filePath(QString::fromLatin1(name));
+        EXPECT_TRUE(image.save(path));
+        return path;
+    }
+
+    std::unique_ptr<EditorWindowController> open(const QString& path)
+    {
+        auto editor = EditorWindowController::open(QUrl::fromLocalFile(path), clock.clock());
+        EXPECT_TRUE(editor);
+        editor->makeKeyAndOrderFront();
+        settle();
+        return editor;
+    }
+
+    static CanvasModel& modelOf(EditorWindowController& editor) { return editor.canvas().model(); }
+
+    /// A stroke of so many points.
+    static void draw(EditorWindowController& editor, int points)
+    {
+        CanvasModel& model = modelOf(editor);
+        model.setTool(EditorTool::freehand);
+        model.mouseDown({1, 1});
+        for (int i = 1; i < points; ++i)
+            model.mouseDragged({1.0 + i % 397 / 1.1, 1.0 + i % 293 / 1.3});
+        model.mouseUp();
+    }
+
+    static void type(EditorWindowController& editor, const QString& text)
+    {
+        modelOf(editor).setTool(EditorTool::text);
+        QTest::mouseClick(&editor.canvas(), Qt::LeftButton, {}, {60, 200});
+        auto* field = editor.canvas().findChild<LabelField*>();
+        ASSERT_TRUE(field);
+        QTest::keyClicks(field, text);
+    }
+
+    QTemporaryDir folder;
+    FakeClock clock;
+};
+
+constexpr int many = 100'000;
+
+} // namespace
+
+TEST_F(EditorFiles, ClosingWaitsUntilAllOfItIsInTheSidecar)
+{
+    const QString path = picture("shot.png");
+    const auto editor = open(path);
+    editor->onClose = [&](EditorWindowController*) {
+        EXPECT_TRUE(Sidecar::load(path) == modelOf(*editor).annotations()) << "told too soon";
+    };
+    draw(*editor, many);
+    type(*editor, QStringLiteral("last words"));
+    editor->window().close();
+    const QList<Annotation> found = Sidecar::load(path);
+    ASSERT_EQ(found.size(), 2);
+    EXPECT_EQ(found[0].path->size(), many);
+    EXPECT_EQ(found[1].text, QStringLiteral("last words"));
+}
+
+TEST_F(EditorFiles, OpeningAnewRightAfterClosingHasTheNewest)
+{
+    const QString path = picture("shot.png");
+    for (int round = 1; round <= 3; ++round) {
+        auto editor = open(path);
+        draw(*editor, many / 3);
+        const auto drawn = modelOf(*editor).annotations();
+        EXPECT_EQ(drawn.size(), round);
+        editor->window().close();
+        const auto next = EditorWindowController::open(QUrl::fromLocalFile(path), clock.clock());
+        EXPECT_TRUE(modelOf(*next).annotations() == drawn);
+    }
+}
+
+TEST_F(EditorFiles, AnOpenEditorThatGoesSavesToo)
+{
+    const QString path = picture("shot.png");
+    {
+        const auto editor = open(path);
+        draw(*editor, many);
+        type(*editor, QStringLiteral("half a wo"));
+    }
+    const QList<Annotation> found = Sidecar::load(path);
+    ASSERT_EQ(found.size(), 2);
+    EXPECT_EQ(found[1].text, QStringLiteral("half a wo"));
+}
+
+TEST_F(EditorFiles, QuittingClosesAndSavesEveryEditor)
+{
+    const QString first = picture("first.png");
+    const QString second = picture("second.png");
+    std::vector<std::unique_ptr<EditorWindowController>> editors;
+    int closed = 0;
+    for (const QString& path : {first, second}) {
+        editors.push_back(open(path));
+        editors.back()->onClose = [&](EditorWindowController*) { ++closed; };
+    }
+    draw(*editors[0], 10);
+    type(*editors[1], QStringLiteral("typing"));
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::quit(); });
+    QApplication::exec();
+    EXPECT_EQ(closed, 2);
+    ASSERT_EQ(Sidecar::load(first).size(), 1);
+    EXPECT_EQ(Sidecar::load(first)[0].kind, AnnotationKind::freehand);
+    ASSERT_EQ(Sidecar::load(second).size(), 1);
+    EXPECT_EQ(Sidecar::load(second)[0].text, QStringLiteral("typing"));
+}
