@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <private/qguiapplication_p.h>
+
 namespace {
 
 class EditorFiles : public testing::Test {
@@ -109,6 +111,19 @@ TEST_F(EditorFiles, AnOpenEditorThatGoesSavesToo)
     const QList<Annotation> found = Sidecar::load(path);
     ASSERT_EQ(found.size(), 2);
     EXPECT_EQ(found[1].text, QStringLiteral("half a wo"));
+}
+
+TEST_F(EditorFiles, ASessionThatEndsFindsAllOfItSaved)
+{
+    const QString path = picture("shot.png");
+    const auto editor = open(path);
+    draw(*editor, many);
+    type(*editor, QStringLiteral("half a wo"));
+    // What Qt calls when the session manager asks it to save; the user may yet stay.
+    static_cast<QGuiApplicationPrivate*>(QObjectPrivate::get(qApp))->commitData();
+    EXPECT_TRUE(Sidecar::load(path) == modelOf(*editor).annotations());
+    EXPECT_EQ(modelOf(*editor).annotations().size(), 2);
+    EXPECT_TRUE(editor->window().isVisible());
 }
 
 TEST_F(EditorFiles, QuittingClosesAndSavesEveryEditor)
