@@ -13,12 +13,11 @@ namespace {
 /// A list that is told apart from others by `number`, with a stroke of so many points.
 QList<Annotation> listOf(int number, qsizetype points = 0)
 {
-    Annotation stroke{.kind = AnnotationKind::freehand,
-                      .start = {static_cast<double>(number), 0},
-                      .colorHex = QStringLiteral("#FF3B30"),
-                      .lineWidth = 4};
-    stroke.path.emplace(points, Geometry::Point{number + 0.25, -number / 3.0});
-    return {stroke};
+    return {{.kind = AnnotationKind::freehand,
+             .start = {static_cast<double>(number), 0},
+             .path = QList<Geometry::Point>(points, {number + 0.25, -number / 3.0}),
+             .colorHex = QStringLiteral("#FF3B30"),
+             .lineWidth = 4}};
 }
 
 int numberOf(const QList<Annotation>& list)
