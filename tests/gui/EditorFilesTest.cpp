@@ -8,13 +8,18 @@
 #include "fakes/FakeClock.h"
 #include "fakes/FakePlatform.h"
 #include "support/EventLoop.h"
+#include "support/TestLog.h"
 
 #include <QTemporaryDir>
 #include <QTest>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 #include <private/qguiapplication_p.h>
+#include <sys/resource.h>
 
 namespace {
 
@@ -26,6 +31,9 @@ protected:
     {
         QImage image(400, 300, QImage::Format_RGB32);
         image.fill(Qt::white);
+        for (int x = 0; x < image.width(); ++x) // no two rows and columns are the same
+            for (int y = 0; y < image.height(); ++y)
+                image.setPixel(x, y, qRgb(x * 7 % 256, y * 11 % 256, (x ^ y) % 256));
         const QString path = folder.filePath(QString::fromLatin1(name));
         EXPECT_TRUE(image.save(path));
         return path;
@@ -145,4 +153,57 @@ TEST_F(EditorFiles, QuittingClosesAndSavesEveryEditor)
     EXPECT_EQ(Sidecar::load(first)[0].kind, AnnotationKind::freehand);
     ASSERT_EQ(Sidecar::load(second).size(), 1);
     EXPECT_EQ(Sidecar::load(second)[0].text, QStringLiteral("typing"));
+}
+
+TEST_F(EditorFiles, AnExportThatDoesNotFitOnTheDiskLeavesTheLastOne)
+{
+    const QString path = picture("shot.png");
+    const auto editor = open(path);
+    editor->exportFlattened();
+    QFile exported(folder.filePath(QStringLiteral("shot annotated.png")));
+    ASSERT_TRUE(exported.open(QIODevice::ReadOnly));
+    const QByteArray before = exported.readAll();
+    ASSERT_GT(before.size(), 1000);
+
+    // A file that may not grow is what a full disk looks like: a part is written, then no more.
+    rlimit usual{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &usual), 0);
+    const rlimit tight{1000, usual.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tight), 0);
+    editor->exportFlattened();
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &usual), 0);
+    std::signal(SIGXFSZ, handler);
+
+    EXPECT_EQ(editor->window().windowTitle(), QStringLiteral("Export failed"));
+    EXPECT_EQ(TestLog::takeLines().size(), 1);
+    QFile now(exported.fileName());
+    ASSERT_TRUE(now.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(now.readAll() == before);
+}
+
+TEST_F(EditorFiles, UnusualNamesAreTakenAsTheyStand)
+{
+    const struct {
+        const char* name;
+        const char* exported;
+    } cases[] = {
+        {"a[*]b.png", "a[*]b annotated.png"}, // what Qt replaces in titles
+        {"x.tar.png", "x.tar annotated.png"}, {"none", "none annotated.png"},
+        {".hidden", ".hidden annotated.png"}, {"ünï 100%&.PNG", "ünï 100%& annotated.png"},
+    };
+    for (const auto& [name, exported] : cases) {
+        SCOPED_TRACE(name);
+        const QString path = folder.filePath(QString::fromUtf8(name));
+        ASSERT_TRUE(QFile::rename(picture("shot.png"), path));
+        const auto editor = open(path);
+        EXPECT_EQ(editor->window().windowHandle()->title(), QString::fromUtf8(name));
+        editor->exportFlattened();
+        EXPECT_EQ(editor->window().windowHandle()->title(),
+                  QStringLiteral("Exported ✓ ") + QString::fromUtf8(exported));
+        EXPECT_TRUE(QFile::exists(folder.filePath(QString::fromUtf8(exported))));
+        draw(*editor, 10);
+        editor->window().close();
+        EXPECT_TRUE(QFile::exists(path + QStringLiteral(".tamrik.json")));
+    }
 }
