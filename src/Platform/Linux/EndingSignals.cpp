@@ -39,9 +39,10 @@ void Platform::quitOnSignals()
     // Both ends stay open: a signal may come as long as the process lives.
     markedEnd = ends[1];
     auto* marks = new QSocketNotifier(ends[0], QSocketNotifier::Read, QCoreApplication::instance());
-    QObject::connect(marks, &QSocketNotifier::activated, marks, [marks] {
-        marks->setEnabled(false);
-        QCoreApplication::quit();
+    QObject::connect(marks, &QSocketNotifier::activated, marks, [end = ends[0]] {
+        char mark = 0;
+        if (read(end, &mark, 1) == 1)
+            QCoreApplication::quit();
     });
     struct sigaction action = {};
     action.sa_handler = leaveMark;
