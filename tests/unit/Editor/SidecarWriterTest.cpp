@@ -5,8 +5,13 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <semaphore>
 #include <vector>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -119,6 +124,35 @@ TEST_F(SidecarWriting, WhoeverReadsMeanwhileFindsAWholeList)
     writer.finish();
     EXPECT_EQ(numberOf(Sidecar::load(image())), lists);
     EXPECT_EQ(m_folder.names().size(), 1U) << "something was left behind";
+}
+
+TEST_F(SidecarWriting, AProgramThatIsKilledLeavesTheOldFile)
+{
+    SidecarWriter writer(image());
+    writer.save(listOf(1));
+    writer.finish();
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        // The kernel kills who writes more than that, so in the midst of it.
+        const rlimit limit{65536, 65536};
+        const rlimit noCore{0, 0};
+        std::signal(SIGXFSZ, SIG_DFL);
+        if (setrlimit(RLIMIT_FSIZE, &limit) == 0 && setrlimit(RLIMIT_CORE, &noCore) == 0) {
+            SidecarWriter killed(image());
+            killed.save(listOf(2, 100'000));
+            killed.finish();
+        }
+        _exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status)) << "status " << status;
+    EXPECT_EQ(WTERMSIG(status), SIGXFSZ);
+    EXPECT_EQ(numberOf(Sidecar::load(image())), 1);
+    writer.save(listOf(3));
+    writer.finish();
+    EXPECT_EQ(numberOf(Sidecar::load(image())), 3);
 }
 
 TEST_F(SidecarWriting, TwoPicturesDoNotMix)
