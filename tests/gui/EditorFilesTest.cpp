@@ -10,8 +10,10 @@
 #include "support/EventLoop.h"
 #include "support/TestLog.h"
 
+#include <QApplication>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QWindow>
 
 #include <gtest/gtest.h>

@@ -5,6 +5,7 @@
 #include "support/TestLog.h"
 #include "unit/Media/PngFile.h"
 
+#include <QApplication>
 #include <QPainter>
 
 #include <filesystem>
