@@ -10,7 +10,8 @@ POINTS = [1_000, 10_000, 100_000]
 
 
 def measure(points, rounds):
-    """For each round: milliseconds of handing over, until the file is there, of the next change, in the foreground; bytes."""
+    """For each round: milliseconds of handing over, until the file is there, of the next change, of
+    writing in the foreground; bytes."""
     with tempfile.TemporaryDirectory() as folder:
         ended = subprocess.run([probe("sidecar"), folder, str(points), str(rounds)],
                                capture_output=True, text=True, check=False)
@@ -27,6 +28,6 @@ def run(report):
                      median_and_spread(changing, 3), median_and_spread(written, 1),
                      median_and_spread(foreground, 1), f"{size[0] / 1000:.0f}"])
     report.say("## One stroke\n")
-    report.say(table(["points", "ms: the editor waits", "longest", "ms: the next change", "ms: until the file is there",
-                      "ms: in the foreground", "KB"], rows))
+    report.say(table(["points", "ms: the editor waits", "longest", "ms: the next change",
+                      "ms: until the file is there", "ms: in the foreground", "KB"], rows))
     report.say()

@@ -1,5 +1,6 @@
 // What an editor leaves in its picture's folder, however it ends.
 
+#include "Editor/AnnotationRenderer.h"
 #include "Editor/CanvasView.h"
 #include "Editor/EditorToolbar.h"
 #include "Editor/EditorWindowController.h"
@@ -208,4 +209,25 @@ TEST_F(EditorFiles, UnusualNamesAreTakenAsTheyStand)
         editor->window().close();
         EXPECT_TRUE(QFile::exists(path + QStringLiteral(".tamrik.json")));
     }
+}
+
+TEST_F(EditorFiles, ACopyHasWhatIsBeingTypedAndTheCanvasHasTheKeysAgain)
+{
+    const auto editor = open(picture("shot.png"));
+    const auto expectLabels = [&](const QImage& image, qsizetype count) {
+        ASSERT_EQ(modelOf(*editor).annotations().size(), count);
+        EXPECT_EQ(modelOf(*editor).annotations().last().text, QStringLiteral("label"));
+        EXPECT_EQ(image.convertToFormat(QImage::Format_RGB32),
+                  AnnotationRenderer::flattened(editor->canvas().image(),
+                                                modelOf(*editor).annotations()));
+        EXPECT_EQ(editor->window().focusWidget(), &editor->canvas());
+        settle();
+    };
+    type(*editor, QStringLiteral("label"));
+    EXPECT_NE(editor->window().focusWidget(), &editor->canvas());
+    editor->copyFlattened();
+    expectLabels(QImage::fromData(*FakePlatform::current().pasteboard.at(0).png, "PNG"), 1);
+    type(*editor, QStringLiteral("label"));
+    editor->exportFlattened();
+    expectLabels(QImage(folder.filePath(QStringLiteral("shot annotated.png"))), 2);
 }
