@@ -60,6 +60,7 @@ int main(int argc, char** argv)
     // The application object has taken the locale from the environment; libraries that we call
     // write and read numbers for machines.
     std::setlocale(LC_NUMERIC, "C");
+    Platform::quitOnSignals();
 
     Preferences preferences(Platform::openDefaults());
     Subsystems subsystems;

@@ -12,10 +12,11 @@
 #include "Platform/Screens.h"
 #include "Platform/WindowTraits.h"
 #include "Support/Log.h"
+#include "Support/ReplaceFile.h"
 
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QPointer>
-#include <QSaveFile>
 #include <QShortcut>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -44,12 +45,17 @@ std::optional<BaseImage> loadImage(const QString& path)
     return BaseImage::ofDensity(std::move(*pixels), info->density);
 }
 
-PossibleFailure write(const QByteArray& bytes, const QString& path)
+/// Qt replaces this mark in titles.
+QString asTitle(QString text)
 {
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
-        return std::nullopt;
-    return Failure{file.errorString().toStdString()};
+    return text.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+}
+
+/// What stands before the extension; all of a name that has nothing there.
+QString baseName(const QFileInfo& file)
+{
+    const QString name = file.completeBaseName();
+    return name.isEmpty() ? file.fileName() : name;
 }
 
 } // namespace
@@ -68,6 +74,7 @@ std::unique_ptr<EditorWindowController> EditorWindowController::open(const QUrl&
 EditorWindowController::EditorWindowController(const QUrl& image, Clock clock, CanvasView* canvas)
     : m_imageURL(image)
     , m_clock(std::move(clock))
+    , m_sidecar(image.toLocalFile())
     , m_window(std::make_unique<EditorWindow>())
     , m_canvas(canvas)
 {
@@ -77,7 +84,7 @@ EditorWindowController::EditorWindowController(const QUrl& image, Clock clock, C
     const Geometry::Size content = EditorLayout::contentSize(picture, magnification);
 
     m_window->setObjectName(QStringLiteral("EditorWindow"));
-    m_window->setWindowTitle(fileName());
+    m_window->setWindowTitle(asTitle(fileName()));
     m_window->setWindowFilePath(m_imageURL.toLocalFile());
     m_window->setMinimumSize(static_cast<int>(EditorLayout::smallestWindow.width),
                              static_cast<int>(EditorLayout::smallestWindow.height));
@@ -87,13 +94,18 @@ EditorWindowController::EditorWindowController(const QUrl& image, Clock clock, C
                                    visible.y + (visible.height - content.height) / 2, content.width,
                                    content.height});
 
-    m_canvas->model().onChange = [this] { saveSidecar(); };
+    m_canvas->model().onChange = [this] { m_sidecar.save(m_canvas->model().annotations()); };
+    // A session that ends may not wait for us any longer than this.
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, this,
+            &EditorWindowController::saveAndWait, Qt::DirectConnection);
     connectToolbar();
     addShortcuts();
 }
 
 EditorWindowController::~EditorWindowController()
 {
+    if (!m_isClosed)
+        saveAndWait();
     m_canvas->model().onChange = {};
     m_window->willClose = {};
     m_window->hide();
@@ -187,9 +199,11 @@ void EditorWindowController::makeKeyAndOrderFront()
     Platform::bringToFront(*m_window);
 }
 
-void EditorWindowController::saveSidecar() const
+void EditorWindowController::saveAndWait()
 {
-    Sidecar::save(m_canvas->model().annotations(), m_imageURL.toLocalFile());
+    m_canvas->commitActiveTextField();
+    m_sidecar.save(m_canvas->model().annotations());
+    m_sidecar.finish();
 }
 
 void EditorWindowController::copyFlattened()
@@ -212,8 +226,8 @@ void EditorWindowController::exportFlattened()
     if (!png)
         return;
     const QFileInfo image(m_imageURL.toLocalFile());
-    const QString name = image.completeBaseName() + QStringLiteral(" annotated.png");
-    if (const PossibleFailure failure = write(*png, image.path() + u'/' + name)) {
+    const QString name = baseName(image) + QStringLiteral(" annotated.png");
+    if (const PossibleFailure failure = replaceFile(image.path() + u'/' + name, *png)) {
         flashTitle(QStringLiteral("Export failed"));
         Log::line(QStringLiteral("export failed: ") + QString::fromStdString(failure->message));
         return;
@@ -223,10 +237,10 @@ void EditorWindowController::exportFlattened()
 
 void EditorWindowController::flashTitle(const QString& message)
 {
-    m_window->setWindowTitle(message);
+    m_window->setWindowTitle(asTitle(message));
     m_clock.after(flashTime, [self = QPointer(this)] {
         if (self)
-            self->m_window->setWindowTitle(self->fileName());
+            self->m_window->setWindowTitle(asTitle(self->fileName()));
     });
 }
 
@@ -234,8 +248,7 @@ void EditorWindowController::windowWillClose()
 {
     if (std::exchange(m_isClosed, true))
         return;
-    m_canvas->commitActiveTextField();
-    saveSidecar();
+    saveAndWait();
     if (onClose)
         onClose(this);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Editor/SidecarWriter.h"
 #include "Support/Clock.h"
 #include "Support/Geometry.h"
 
@@ -22,7 +23,8 @@ class EditorWindowController : public QObject {
 public:
     /// Null when the picture cannot be loaded. The window is not shown yet.
     static std::unique_ptr<EditorWindowController> open(const QUrl& image, Clock clock);
-    /// The window goes later: the end may come from within one of its events.
+    /// Saves, if the window is still open. The window goes later: the end may come from within one
+    /// of its events.
     ~EditorWindowController() override;
 
     /// Called once, when the window closes.
@@ -46,13 +48,15 @@ private:
     void buildUI(double initialMagnification);
     void connectToolbar();
     void addShortcuts();
-    void saveSidecar() const;
+    /// Takes in what is being typed, and returns when all of it is in the sidecar.
+    void saveAndWait();
     void flashTitle(const QString& message);
     QString fileName() const;
     void windowWillClose();
 
     QUrl m_imageURL;
     Clock m_clock;
+    SidecarWriter m_sidecar;
     std::unique_ptr<EditorWindow> m_window;
     // In the window.
     CanvasView* m_canvas;

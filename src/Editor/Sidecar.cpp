@@ -1,10 +1,9 @@
 #include "Editor/Sidecar.h"
 
 #include "Support/RegularFile.h"
+#include "Support/ReplaceFile.h"
 
 #include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
 
 namespace {
 
@@ -22,21 +21,6 @@ Result<QByteArray> contents(const QString& path)
     if (!device.open(file->descriptor.get(), QIODevice::ReadOnly))
         return Failure{device.errorString().toStdString()};
     return device.read(file->size);
-}
-
-PossibleFailure replace(const QString& path, const QByteArray& content)
-{
-    // Whatever else has its place, such as a pipe, would make us wait.
-    if (const QFileInfo old(path); old.exists() && !old.isFile())
-        return Failure{"cannot replace " + path.toStdString() + ": it is not a regular file"};
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner); // as captures have them
-        // A disk that fills up takes a part, which QSaveFile would not call an error.
-        if (file.write(content) == content.size() && file.commit())
-            return {};
-    }
-    return Failure{"cannot write " + path.toStdString() + ": " + file.errorString().toStdString()};
 }
 
 } // namespace
@@ -63,5 +47,5 @@ void Sidecar::save(const QList<Annotation>& annotations, const QString& imagePat
     // There is nobody to be told of a failure: the annotations are still on the screen, and the
     // next change tries again.
     if (const Result<QByteArray> json = encode({1, annotations}))
-        replace(file, *json);
+        (void)replaceFile(file, *json, QFile::ReadOwner | QFile::WriteOwner); // as captures are
 }

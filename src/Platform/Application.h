@@ -46,6 +46,11 @@ private:
 /// No task bar entry, no main menu; the program goes on when its last window closes.
 void becomeAccessory();
 
+/// From now on a signal that asks the process to end ends the event loop, as the menu's Quit does:
+/// windows close and save first. A second one of the kind ends the process at once. On the main
+/// thread, after the application object is made.
+void quitOnSignals();
+
 /// Makes the program the active one, whichever is now, where the desktop knows of such a thing; X11
 /// only knows of windows.
 void activateIgnoringOthers();

@@ -10,11 +10,14 @@
 namespace Desktop {
 namespace {
 
-/// An XEmbed icon is a window of the process, which the panel has taken into its own.
+/// An XEmbed icon is a window of the process, which the panel has taken into its own. Qt marks all
+/// windows as ones that could be.
 Outcome<QRect> findEmbeddedWindow(const VirtualDesktop& desktop, qint64 pid)
 {
+    const QList<std::uint32_t> managed = Windows(desktop).clientList();
     const QList<Window> icons = Windows(desktop).where([&](const Window& window) {
         return window.pid == pid && window.isViewable && !window.isTopLevel &&
+               !managed.contains(window.id) &&
                desktop.server().hasProperty(window.id, "_XEMBED_INFO");
     });
     if (icons.isEmpty())
