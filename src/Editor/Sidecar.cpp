@@ -1,6 +1,6 @@
 #include "Editor/Sidecar.h"
 
-#include "Support/RegularFile.h"
+#include "Support/ReadFile.h"
 #include "Support/ReplaceFile.h"
 
 #include <QFile>
@@ -9,19 +9,6 @@ namespace {
 
 /// In bytes: a million and a half points of strokes.
 constexpr qint64 largestFile = qint64{64} << 20;
-
-Result<QByteArray> contents(const QString& path)
-{
-    const Result<RegularFile> file = RegularFile::open(QFile::encodeName(path).toStdString());
-    if (!file)
-        return file.failure();
-    if (file->size > largestFile)
-        return Failure{"cannot read " + path.toStdString() + ": it is too large"};
-    QFile device;
-    if (!device.open(file->descriptor.get(), QIODevice::ReadOnly))
-        return Failure{device.errorString().toStdString()};
-    return device.read(file->size);
-}
 
 } // namespace
 
@@ -32,7 +19,7 @@ QString Sidecar::path(const QString& imagePath)
 
 QList<Annotation> Sidecar::load(const QString& imagePath)
 {
-    const Result<QByteArray> json = contents(path(imagePath));
+    const Result<QByteArray> json = readFile(path(imagePath), largestFile);
     const Result<Sidecar> sidecar = json ? decode(*json) : json.failure();
     return sidecar ? sidecar->annotations : QList<Annotation>();
 }

@@ -1,8 +1,8 @@
 #include "Support/CaptureFiles.h"
 
+#include "Support/ReadFile.h"
+
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QLocale>
 
 namespace {
@@ -42,11 +42,6 @@ QUrl CaptureFiles::newRecording(const Clock& clock)
 
 std::optional<QByteArray> CaptureFiles::contents(const QUrl& url)
 {
-    // Opening a FIFO would wait for somebody to write into it.
-    if (!QFileInfo(url.toLocalFile()).isFile())
-        return std::nullopt;
-    QFile file(url.toLocalFile());
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    return file.readAll();
+    const Result<QByteArray> bytes = readFile(url.toLocalFile());
+    return bytes ? std::optional(*bytes) : std::nullopt;
 }

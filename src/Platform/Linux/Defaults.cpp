@@ -45,7 +45,9 @@ bool readJson(QIODevice& device, QSettings::SettingsMap& map)
 bool writeJson(QIODevice& device, const QSettings::SettingsMap& map)
 {
     const QByteArray bytes = QJsonDocument(QJsonObject::fromVariantMap(map)).toJson();
-    return device.write(bytes) == bytes.size();
+    // What stays in the device's buffer could fail unseen when that is closed.
+    auto* const file = qobject_cast<QFileDevice*>(&device);
+    return device.write(bytes) == bytes.size() && (!file || file->flush());
 }
 
 QSettings::Format jsonFormat()

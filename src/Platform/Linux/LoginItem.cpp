@@ -1,10 +1,11 @@
 #include "Platform/LoginItem.h"
 
+#include "Support/ReplaceFile.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 namespace {
@@ -63,14 +64,8 @@ PossibleFailure Platform::enableLoginItem()
 {
     const QString path = entryPath();
     QDir().mkpath(QFileInfo(path).path()); // a failure shows when the file cannot be opened
-    QSaveFile entry(path);
-    if (!entry.open(QIODevice::WriteOnly))
-        return Failure{entry.errorString().toStdString()};
-    entry.write("[Desktop Entry]\nType=Application\nName=Tamrik\n" + execLine() +
-                "\nTerminal=false\n");
-    if (!entry.commit())
-        return Failure{entry.errorString().toStdString()};
-    return std::nullopt;
+    return replaceFile(path, "[Desktop Entry]\nType=Application\nName=Tamrik\n" + execLine() +
+                                 "\nTerminal=false\n");
 }
 
 PossibleFailure Platform::disableLoginItem()
