@@ -81,6 +81,8 @@ void makeShadow(QImage& image, double deviation)
 /// What of the device a painter can reach, in the device's pixels.
 QRect reachable(const QPainter& painter)
 {
+    if (painter.hasClipping())
+        return painter.deviceTransform().mapRect(painter.clipBoundingRect()).toAlignedRect();
     const QPaintDevice& device = *painter.device();
     const double ratio = device.devicePixelRatio();
     return QRectF(0, 0, device.width() * ratio, device.height() * ratio).toAlignedRect();
@@ -89,6 +91,11 @@ QRect reachable(const QPainter& painter)
 } // namespace
 
 namespace AnnotationShadow {
+
+double reach(double boxHeight)
+{
+    return boxHeight * overhang + reachedDeviations * blurDeviation + offset;
+}
 
 void draw(QPainter& painter, const QRectF& box,
           const std::function<void(QPainter& mask)>& drawShape)

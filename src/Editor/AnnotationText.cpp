@@ -79,6 +79,24 @@ Geometry::Size measure(const QString& text, double size)
     return {layout.width * scale, layout.height() * scale};
 }
 
+Geometry::Rect reach(const QString& text, double size)
+{
+    if (text.isEmpty() || !(size > 0))
+        return {};
+    const Layout layout(text);
+    const QFontMetricsF metrics(layout.font);
+    QRectF ink(0, 0, layout.width, layout.height());
+    for (int line = 0; line < layout.lines.size(); ++line)
+        ink |= metrics.boundingRect(layout.lines[line]).translated(0, layout.baseline(line));
+    const double scale = size / layoutSize;
+    // Base lines are on whole pixels, and glyphs are drawn for these.
+    const double margin =
+        AnnotationShadow::reach(layout.height() * scale) + 0.1 * layout.lineHeight * scale;
+    return Geometry::Rect{ink.left() * scale, (layout.height() - ink.bottom()) * scale,
+                          ink.width() * scale, ink.height() * scale}
+        .grown(margin);
+}
+
 void drawLabel(QPainter& painter, Geometry::TopLeftPoint origin, const QString& text, double size,
                const QColor& color)
 {
