@@ -1,5 +1,9 @@
 #include "Editor/AnnotationPixelation.h"
 
+#include "Editor/AnnotationDevice.h"
+
+#include <QPainter>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -68,6 +72,31 @@ QRgb mean(const Sums& sums)
     return pixel;
 }
 
+/// Which of `count` pixels between two edges is seen at each of the device's pixels of a range.
+std::vector<int> pixelsAt(int begin, int end, double firstEdge, double lastEdge, int count)
+{
+    // Middles of the device's pixels may lie on an edge: which side counts must not be up to the
+    // last bit.
+    constexpr double tolerance = 1e-6;
+    const double factor = count / (lastEdge - firstEdge);
+    std::vector<int> result;
+    result.reserve(static_cast<std::size_t>(end - begin));
+    for (int i = begin; i < end; ++i) {
+        const double pixel = std::floor((i + 0.5 - firstEdge) * factor + tolerance);
+        result.push_back(static_cast<int>(std::clamp(pixel, 0.0, count - 1.0)));
+    }
+    return result;
+}
+
+/// The device's pixels whose middles are in a rectangle.
+QRect pixelsIn(const QRectF& rect)
+{
+    constexpr double tolerance = 1e-6;
+    const auto edge = [](double place) { return static_cast<int>(std::floor(place + 0.5 + tolerance)); };
+    return {QPoint(edge(rect.left()), edge(rect.top())),
+            QPoint(edge(rect.right()) - 1, edge(rect.bottom()) - 1)};
+}
+
 } // namespace
 
 namespace AnnotationPixelation {
@@ -116,6 +145,33 @@ Blocks pixelated(const BaseImage& base, const Geometry::Rect& rect, double block
             std::copy_n(firstRow, width, reinterpret_cast<QRgb*>(result.scanLine(y - top)));
     }
     return {result, {left, top}};
+}
+
+void draw(QPainter& painter, const QRectF& place, const QImage& pixels)
+{
+    const QTransform toDevice = painter.deviceTransform();
+    const QRectF onDevice = toDevice.mapRect(place);
+    const QRect area = pixelsIn(onDevice) & AnnotationDevice::reachable(painter);
+    if (area.isEmpty())
+        return;
+    QImage shown(area.size(), pixels.format());
+    if (shown.isNull())
+        return;
+    const auto columns = pixelsAt(area.left(), area.left() + area.width(), onDevice.left(),
+                                  onDevice.right(), pixels.width());
+    const auto rows = pixelsAt(area.top(), area.top() + area.height(), onDevice.top(),
+                               onDevice.bottom(), pixels.height());
+    for (std::size_t y = 0; y < rows.size(); ++y) {
+        uchar* const to = shown.scanLine(static_cast<int>(y));
+        if (y > 0 && rows[y] == rows[y - 1]) {
+            std::copy_n(shown.constScanLine(static_cast<int>(y) - 1), shown.bytesPerLine(), to);
+            continue;
+        }
+        const auto* const from = reinterpret_cast<const QRgb*>(pixels.constScanLine(rows[y]));
+        std::transform(columns.begin(), columns.end(), reinterpret_cast<QRgb*>(to),
+                       [from](int column) { return from[column]; });
+    }
+    AnnotationDevice::put(painter, {shown, area.topLeft()});
 }
 
 } // namespace AnnotationPixelation

@@ -1,5 +1,6 @@
 #include "Editor/AnnotationRenderer.h"
 
+#include "Editor/AnnotationDevice.h"
 #include "Editor/AnnotationPixelation.h"
 #include "Editor/AnnotationShapes.h"
 #include "Editor/AnnotationText.h"
@@ -35,7 +36,7 @@ void stroke(QPainter& painter, const QPainterPath& path, const QColor& color, do
         return;
     }
     QPen pen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
-    const double pixel = 1 / std::sqrt(std::abs(painter.deviceTransform().determinant()));
+    const double pixel = 1 / AnnotationDevice::scale(painter);
     if (width > pixel * 1.01) {
         painter.setBrush(Qt::NoBrush);
         painter.setPen(pen);
@@ -129,7 +130,7 @@ QPainterPath visiblePolyline(const QPainter& painter, const QList<Geometry::Poin
     constexpr qsizetype longStroke = 64; // points
     if (!painter.hasClipping() || points.size() < longStroke || points.front() == points.back())
         return polyline(points, space);
-    const double pixel = 1 / std::sqrt(std::abs(painter.deviceTransform().determinant()));
+    const double pixel = 1 / AnnotationDevice::scale(painter);
     const double reach = width / 2 + 2 * pixel;
     const QRectF near = painter.clipBoundingRect().adjusted(-reach, -reach, reach, reach);
     QPainterPath path;
@@ -157,7 +158,7 @@ void drawStroke(QPainter& painter, const Space& space, const Annotation& annotat
     if (!annotation.path || annotation.path->size() < 2)
         return;
     const QPainterPath path = visiblePolyline(painter, *annotation.path, space, width);
-    if (!path.isEmpty())
+    if (path.elementCount() > 0)
         stroke(painter, path, color, width);
 }
 
@@ -213,13 +214,13 @@ void drawRedaction(QPainter& painter, const Space& space, const Geometry::Rect& 
         return;
     const double scaleX = base.pixelsPerPointX();
     const double scaleY = base.pixelsPerPointY();
-    const QRectF place = space(
-        Geometry::Rect{blocks.offset.x() / scaleX,
-                       base.size.height - (blocks.offset.y() + blocks.pixels.height()) / scaleY,
-                       blocks.pixels.width() / scaleX, blocks.pixels.height() / scaleY});
-    // Edges are hard, those of the blocks and those of the whole.
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform, false);
-    painter.drawImage(place, blocks.pixels);
+    AnnotationPixelation::draw(
+        painter,
+        space(Geometry::Rect{blocks.offset.x() / scaleX,
+                             base.size.height -
+                                 (blocks.offset.y() + blocks.pixels.height()) / scaleY,
+                             blocks.pixels.width() / scaleX, blocks.pixels.height() / scaleY}),
+        blocks.pixels);
 }
 
 } // namespace

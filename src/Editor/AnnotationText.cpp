@@ -104,19 +104,24 @@ void drawLabel(QPainter& painter, Geometry::TopLeftPoint origin, const QString& 
         return;
     const Layout layout(text);
     const QRectF box = layout.box(origin, size);
-    const auto drawIn = [&](QPainter& target, const QColor& textColor) {
+    const double scale = size / layoutSize;
+    const double lineHeight = layout.lineHeight * scale;
+    const auto drawIn = [&](QPainter& target) {
         target.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
         target.translate(box.topLeft());
-        target.scale(size / layoutSize, size / layoutSize);
+        target.scale(scale, scale);
         target.setFont(layout.font);
-        target.setPen(textColor);
+        target.setPen(color);
         for (int line = 0; line < layout.lines.size(); ++line)
             target.drawText(QPointF(0, layout.baseline(line)), layout.lines[line]);
     };
-    AnnotationShadow::draw(painter, box, [&](QPainter& mask) { drawIn(mask, QColor(0, 0, 0)); });
-    painter.save();
-    drawIn(painter, color);
-    painter.restore();
+    AnnotationShadow::draw(painter, box, lineHeight, drawIn);
+    const Geometry::Rect ink = reach(text, size);
+    AnnotationDevice::put(
+        painter, AnnotationDevice::textSheet(
+                     painter,
+                     QRectF(origin.x + ink.x, origin.y - ink.maxY(), ink.width, ink.height),
+                     lineHeight, 0, 1, drawIn));
 }
 
 void drawOutlines(QPainter& painter, Geometry::TopLeftPoint origin, const QString& text,

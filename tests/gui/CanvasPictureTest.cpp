@@ -74,6 +74,8 @@ std::pair<int, QPoint> difference(const QImage& a, const QImage& b)
     if (a.size() != b.size())
         return {256, {}};
     std::pair<int, QPoint> worst = {0, {}};
+    if (a == b)
+        return worst;
     for (int y = 0; y < a.height(); ++y) {
         for (int x = 0; x < a.width(); ++x) {
             const QRgb p = a.pixel(x, y);
@@ -142,7 +144,7 @@ public:
 
     void step()
     {
-        static constexpr double zooms[] = {0.15, 0.37, 0.5, 0.9, 1, 1.25, 1.7, 3.1, 8};
+        static constexpr double zooms[] = {0.15, 0.37, 0.5, 0.9, 1, 1.25, 1.7, 3.1, 5};
         static constexpr double widths[] = {2, 4, 7};
         static constexpr const char* colors[] = {"#FF3B30", "#FFCC00", "#0A84FF", "#000000"};
         model().setStrokeWidth(widths[upTo(3)]);
@@ -192,7 +194,11 @@ public:
         }
         }
         look(0, "after a step");
+        m_most = std::max(m_most, model().annotations().size());
     }
+
+    /// The most annotations that there have been.
+    qsizetype most() const { return m_most; }
 
     /// Compares what is on the screen.
     void look(int tolerance, const char* when)
@@ -216,7 +222,7 @@ public:
     void lookAsOnAnotherScreen()
     {
         const double ratio = upTo(2) == 0 ? 2 : 1.5;
-        if (m_canvas->zoom() > 4)
+        if (m_canvas->zoom() > 2)
             return;
         QImage shown(m_canvas->size() * ratio, QImage::Format_RGB32);
         shown.setDevicePixelRatio(ratio);
@@ -230,6 +236,7 @@ public:
 
 private:
     std::mt19937 m_random;
+    qsizetype m_most = 0;
     CanvasView* m_canvas;
     ZoomView m_view;
 };
@@ -245,11 +252,11 @@ TEST_P(CanvasPictureTest, WhateverIsDoneTheScreenShowsAPlainDrawing)
 {
     const unsigned seed = GetParam();
     Restless user(noise(seed % 3 != 0), seed);
-    for (int step = 0; step < 120; ++step) {
+    for (int step = 0; step < 80; ++step) {
         user.step();
         ASSERT_FALSE(HasFailure()) << "seed " << seed << ", step " << step;
     }
-    EXPECT_GT(user.model().annotations().size(), 0);
+    EXPECT_GT(user.most(), 5);
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, CanvasPictureTest, testing::Range(0U, 4U));

@@ -15,7 +15,7 @@ protected:
     CanvasModelTest()
     {
         model.onChange = [this] { ++changes; };
-        model.onAnnotationsRedraw = [this](const Geometry::Rect&) { ++redraws; };
+        model.onRedraw = [this](const Geometry::Rect&) { ++redraws; };
     }
 
     void drag(Point from, Point to)

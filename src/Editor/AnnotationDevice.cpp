@@ -1,0 +1,52 @@
+#include "Editor/AnnotationDevice.h"
+
+#include <QPainter>
+
+#include <cmath>
+
+namespace AnnotationDevice {
+
+QRect reachable(const QPainter& painter)
+{
+    const QPaintDevice& device = *painter.device();
+    const double ratio = device.devicePixelRatio();
+    const QRect all = QRectF(0, 0, device.width() * ratio, device.height() * ratio).toAlignedRect();
+    if (!painter.hasClipping())
+        return all;
+    return all & painter.deviceTransform().mapRect(painter.clipBoundingRect()).toAlignedRect();
+}
+
+double scale(const QPainter& painter)
+{
+    return std::sqrt(std::abs(painter.deviceTransform().determinant()));
+}
+
+Sheet textSheet(const QPainter& painter, const QRectF& box, double lineHeight, double below,
+                int farther, const DrawText& drawText)
+{
+    const QTransform toDevice = painter.deviceTransform();
+    const int before = farther + static_cast<int>(std::ceil(2 * lineHeight * scale(painter)));
+    const QRect visible = reachable(painter).adjusted(-before, -before, farther, farther);
+    const QRect area = toDevice.mapRect(box.translated(0, below)).toAlignedRect() & visible;
+    if (area.isEmpty())
+        return {};
+    Sheet result{QImage(area.size(), QImage::Format_ARGB32_Premultiplied), area.topLeft()};
+    if (result.pixels.isNull())
+        return {};
+    result.pixels.fill(Qt::transparent);
+    QPainter text(&result.pixels);
+    text.setWorldTransform(QTransform::fromTranslate(0, below) * toDevice *
+                           QTransform::fromTranslate(-area.left(), -area.top()));
+    drawText(text);
+    return result;
+}
+
+void put(QPainter& painter, const Sheet& sheet)
+{
+    painter.save();
+    painter.setWorldTransform(painter.deviceTransform().inverted(), true);
+    painter.drawImage(sheet.place, sheet.pixels);
+    painter.restore();
+}
+
+} // namespace AnnotationDevice
