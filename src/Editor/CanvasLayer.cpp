@@ -49,6 +49,16 @@ void CanvasLayer::complete(const QRegion& area, const Paint& paint)
     m_painted += missing;
 }
 
+void CanvasLayer::paintOver(const std::function<void(QPainter& painter)>& paint)
+{
+    if (m_painted.isEmpty())
+        return;
+    QPainter painter(&m_pixels);
+    painter.translate(-origin());
+    painter.setClipRect(m_painted.boundingRect());
+    paint(painter);
+}
+
 QImage CanvasLayer::view(const QRect& area) const
 {
     const QPoint at = area.topLeft() - origin();

@@ -21,6 +21,9 @@ public:
     /// Has `paint` paint what is missing of `area`.
     void complete(const QRegion& area, const Paint& paint);
 
+    /// Has `paint` paint over all that has been painted.
+    void paintOver(const std::function<void(QPainter& painter)>& paint);
+
     const QImage& pixels() const { return m_pixels; }
     /// Where its pixels begin.
     QPoint origin() const { return m_place.topLeft(); }

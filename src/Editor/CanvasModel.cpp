@@ -143,7 +143,8 @@ void CanvasModel::append(const Annotation& annotation)
     m_history.willReplace(m_annotations, index, 0, 1);
     m_annotations.append(annotation);
     m_places.replaced(m_annotations, index, 0, 1);
-    redrawAnnotations(index, 1);
+    if (onAppend)
+        onAppend();
     changed();
 }
 

@@ -37,6 +37,8 @@ public:
     std::function<void(const Geometry::Rect& area)> onRedraw;
     /// The annotations themselves.
     std::function<void(const Geometry::Rect& area)> onAnnotationsRedraw;
+    /// There is one more on top.
+    std::function<void()> onAppend;
     /// The selected annotation moves.
     std::function<void(const Geometry::Rect& from, const Geometry::Rect& to)> onMove;
 

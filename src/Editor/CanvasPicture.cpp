@@ -78,6 +78,12 @@ void CanvasPicture::annotationsChanged(const Geometry::Rect& area)
     m_still.invalidate(pixels(area));
 }
 
+void CanvasPicture::annotationAppended()
+{
+    settle();
+    m_still.paintOver([this](QPainter& painter) { draw(painter, m_model.annotations().back()); });
+}
+
 void CanvasPicture::selectionMoved(const Geometry::Rect& from, const Geometry::Rect& to)
 {
     const qsizetype index = *m_model.selectedIndex();

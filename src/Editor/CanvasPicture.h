@@ -23,6 +23,8 @@ public:
 
     /// To be called when annotations changed.
     void annotationsChanged(const Geometry::Rect& area);
+    /// To be called when one more is on top.
+    void annotationAppended();
     /// To be called when the selected annotation was moved on.
     void selectionMoved(const Geometry::Rect& from, const Geometry::Rect& to);
 

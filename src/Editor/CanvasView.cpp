@@ -35,6 +35,10 @@ CanvasView::CanvasView(BaseImage image, QList<Annotation> annotations, QWidget* 
         m_picture.annotationsChanged(area);
         redraw(area);
     };
+    m_model.onAppend = [this] {
+        m_picture.annotationAppended();
+        redraw(m_model.places()[m_model.annotations().size() - 1].painted);
+    };
     m_model.onMove = [this](const Geometry::Rect& from, const Geometry::Rect& to) {
         m_picture.selectionMoved(from, to);
         redraw(from);
