@@ -202,6 +202,12 @@ void CanvasModel::mouseUp()
         append(*draft);
 }
 
+void CanvasModel::cancelDraft()
+{
+    if (const auto draft = std::exchange(m_draft, std::nullopt))
+        redraw(AnnotationRenderer::painted(*draft));
+}
+
 void CanvasModel::commitText(const QString& typed, Point origin)
 {
     const QString trimmed = typed.trimmed();

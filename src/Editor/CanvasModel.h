@@ -74,6 +74,8 @@ public:
     Press mouseDown(Geometry::Point p);
     void mouseDragged(Geometry::Point p);
     void mouseUp();
+    /// The drag that is under way makes no annotation.
+    void cancelDraft();
 
     /// Adds a label of the trimmed text; none when nothing is left of it.
     void commitText(const QString& typed, Geometry::Point origin);

@@ -68,7 +68,16 @@ void CanvasView::styleChanged()
 
 void CanvasView::toolChanged()
 {
-    setCursor(m_model.tool() == EditorTool::select ? Qt::ArrowCursor : Qt::CrossCursor);
+    if (m_isPanning)
+        setCursor(Qt::ClosedHandCursor);
+    else
+        setCursor(m_model.tool() == EditorTool::select ? Qt::ArrowCursor : Qt::CrossCursor);
+}
+
+void CanvasView::setPanning(bool isPanning)
+{
+    m_isPanning = isPanning;
+    toolChanged();
 }
 
 Geometry::Flip CanvasView::flip() const

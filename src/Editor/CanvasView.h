@@ -30,6 +30,8 @@ public:
 
     /// The cursor follows the tool; call when that has changed.
     void toolChanged();
+    /// While the pointer moves the picture, the cursor is a hand that holds it.
+    void setPanning(bool isPanning);
     /// A label being typed follows the colour and the stroke width; call when one has changed.
     void styleChanged();
 
@@ -59,6 +61,7 @@ private:
     CanvasModel m_model;
     CanvasPicture m_picture;
     double m_zoom = 1;
+    bool m_isPanning = false;
     LabelField* m_activeTextField = nullptr; // a child
     Geometry::Point m_editingTextOrigin;
 };
