@@ -94,12 +94,29 @@ class Restless {
 public:
     Restless(BaseImage image, unsigned seed)
         : m_random(seed)
-        , m_canvas(new CanvasView(std::move(image), {}))
+        , m_canvas(new CanvasView(std::move(image), wideOnes()))
         , m_view(m_canvas)
     {
         m_view.resize(260, 180);
         m_view.show();
         settle();
+    }
+
+    /// Annotations that are drawn outside of what is hit.
+    static QList<Annotation> wideOnes()
+    {
+        Annotation counter;
+        counter.kind = AnnotationKind::counter;
+        counter.start = counter.end = {150, 100};
+        counter.number = 12'345'678;
+        counter.colorHex = QStringLiteral("#34C759");
+        counter.lineWidth = 7;
+        Annotation arrow = counter;
+        arrow.kind = AnnotationKind::arrow;
+        arrow.end = {160, 170};
+        arrow.number.reset();
+        arrow.lineWidth = 30;
+        return {counter, arrow};
     }
 
     CanvasModel& model() { return m_canvas->model(); }
@@ -114,10 +131,12 @@ public:
 
     void drag()
     {
-        QTest::mousePress(m_canvas, Qt::LeftButton, {}, somewhere());
-        const int steps = upTo(model().tool() == EditorTool::freehand ? 90 : 4);
+        const QPoint start = somewhere();
+        QTest::mousePress(m_canvas, Qt::LeftButton, {}, start);
+        const bool isShort = upTo(6) == 0;
+        const int steps = upTo(model().tool() == EditorTool::freehand && !isShort ? 90 : 4);
         for (int step = 0; step < steps; ++step) {
-            QTest::mouseMove(m_canvas, somewhere());
+            QTest::mouseMove(m_canvas, isShort ? start + QPoint(upTo(2), upTo(2)) : somewhere());
             if (step % 30 == 0) {
                 if (upTo(6) == 0)
                     scroll();
@@ -130,21 +149,26 @@ public:
         QTest::mouseRelease(m_canvas, Qt::LeftButton, {}, somewhere());
     }
 
+    /// Types one, and may take it back.
     void label()
     {
         model().commitText(QStringLiteral("Ângström jgq"),
                            {static_cast<double>(upTo(300)), static_cast<double>(upTo(200))});
+        look(0, "with a label");
+        if (upTo(2) == 0)
+            model().undo();
     }
 
     void scroll()
     {
-        m_view.horizontalScrollBar()->setValue(upTo(m_view.horizontalScrollBar()->maximum() + 1));
-        m_view.verticalScrollBar()->setValue(upTo(m_view.verticalScrollBar()->maximum() + 1));
+        const bool isFar = upTo(2) == 0;
+        for (QScrollBar* bar : {m_view.horizontalScrollBar(), m_view.verticalScrollBar()})
+            bar->setValue(isFar ? upTo(bar->maximum() + 1) : bar->value() + 100 - upTo(200));
     }
 
     void step()
     {
-        static constexpr double zooms[] = {0.15, 0.37, 0.5, 0.9, 1, 1.25, 1.7, 3.1, 5};
+        static constexpr double zooms[] = {0.15, 0.37, 0.5, 0.9, 1, 1.25, 1.7, 3.1};
         static constexpr double widths[] = {2, 4, 7};
         static constexpr const char* colors[] = {"#FF3B30", "#FFCC00", "#0A84FF", "#000000"};
         model().setStrokeWidth(widths[upTo(3)]);
@@ -160,10 +184,13 @@ public:
             model().deleteSelection();
             break;
         case 3:
-            m_view.setMagnification(zooms[upTo(9)]);
+            m_view.setMagnification(zooms[upTo(8)]);
             break;
         case 4:
-            scroll();
+            for (int i = 0; i < 3; ++i) {
+                scroll();
+                look(0, "after scrolling");
+            }
             break;
         case 5:
             label();
@@ -252,11 +279,11 @@ TEST_P(CanvasPictureTest, WhateverIsDoneTheScreenShowsAPlainDrawing)
 {
     const unsigned seed = GetParam();
     Restless user(noise(seed % 3 != 0), seed);
-    for (int step = 0; step < 80; ++step) {
+    for (int step = 0; step < 70; ++step) {
         user.step();
         ASSERT_FALSE(HasFailure()) << "seed " << seed << ", step " << step;
     }
-    EXPECT_GT(user.most(), 5);
+    EXPECT_GT(user.most(), 4);
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, CanvasPictureTest, testing::Range(0U, 4U));

@@ -110,7 +110,8 @@ TEST_F(ZoomViewTest, FingersOnATouchScreenZoomAndPanAndDrawNothing)
     const QPointF held = shownAt({200, 150});
     const auto at = [this](int x, int y) { return canvas->mapFrom(&view, QPoint(x, y)); };
     QTest::touchEvent(canvas, screen.get()).press(0, at(150, 150), canvas);
-    QTest::mousePress(canvas, Qt::LeftButton, {}, at(150, 150)); // as Qt has it of a lone finger
+    QTest::mousePress(canvas, Qt::LeftButton, {}, at(140, 140)); // as Qt has it of a lone finger
+    QTest::mouseMove(canvas, at(150, 150));
     QTest::touchEvent(canvas, screen.get())
         .move(0, at(150, 150), canvas)
         .press(1, at(250, 150), canvas);
