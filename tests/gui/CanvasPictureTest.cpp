@@ -113,7 +113,8 @@ public:
         counter.lineWidth = 7;
         Annotation arrow = counter;
         arrow.kind = AnnotationKind::arrow;
-        arrow.end = {160, 170};
+        arrow.start = {225, 60};
+        arrow.end = {235, 130};
         arrow.number.reset();
         arrow.lineWidth = 30;
         return {counter, arrow};
@@ -227,6 +228,36 @@ public:
     /// The most annotations that there have been.
     qsizetype most() const { return m_most; }
 
+    void zoomTo(double zoom) { m_view.setMagnification(zoom); }
+
+    void scrollTo(QPoint corner)
+    {
+        m_view.horizontalScrollBar()->setValue(corner.x());
+        m_view.verticalScrollBar()->setValue(corner.y());
+    }
+
+    /// From one point of the view to the next, looking every few steps; not let go.
+    void dragAlong(const QList<QPoint>& way, int stepsALook, int tolerance)
+    {
+        const auto at = [this](QPoint p) { return m_canvas->mapFrom(&m_view, p); };
+        QTest::mousePress(m_canvas, Qt::LeftButton, {}, at(way.front()));
+        for (qsizetype i = 1; i < way.size(); ++i) {
+            QTest::mouseMove(m_canvas, at(way[i]));
+            if (i % stepsALook == 0)
+                look(tolerance, "on the way");
+        }
+    }
+
+    void letGo() { QTest::mouseRelease(m_canvas, Qt::LeftButton); }
+
+    /// Where the view shows a point of the picture.
+    QPoint shown(Point p) const
+    {
+        return m_canvas->mapTo(
+            &m_view, QPointF(p.x, m_canvas->image().size.height - p.y) * m_canvas->zoom())
+            .toPoint();
+    }
+
     /// Compares what is on the screen.
     void look(int tolerance, const char* when)
     {
@@ -268,22 +299,96 @@ private:
     ZoomView m_view;
 };
 
-class CanvasPictureTest : public testing::TestWithParam<unsigned> {
+class CanvasPictureTest : public testing::Test {
 protected:
     CanvasPictureTest() { FakePlatform::reset(); }
 };
 
+class CanvasPictureSeeds : public CanvasPictureTest, public testing::WithParamInterface<unsigned> {
+};
+
 } // namespace
 
-TEST_P(CanvasPictureTest, WhateverIsDoneTheScreenShowsAPlainDrawing)
+TEST_P(CanvasPictureSeeds, WhateverIsDoneTheScreenShowsAPlainDrawing)
 {
     const unsigned seed = GetParam();
     Restless user(noise(seed % 3 != 0), seed);
-    for (int step = 0; step < 70; ++step) {
+    for (int step = 0; step < 60; ++step) {
         user.step();
         ASSERT_FALSE(HasFailure()) << "seed " << seed << ", step " << step;
     }
     EXPECT_GT(user.most(), 4);
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, CanvasPictureTest, testing::Range(0U, 4U));
+INSTANTIATE_TEST_SUITE_P(Seeds, CanvasPictureSeeds, testing::Range(0U, 4U));
+
+TEST_F(CanvasPictureTest, WhatIsDrawnPastItsBoundsMovesAsAWhole)
+{
+    Restless user(noise(true), 1);
+    // Translucent strokes above what moves leave rounding behind.
+    user.model().setTool(EditorTool::highlight);
+    for (const int y : {150, 165, 180}) {
+        user.dragAlong({user.shown({60, y + 3.0}), user.shown({240, y - 3.0})}, 1, 0);
+        user.letGo();
+    }
+    const QList<QPoint> way{user.shown({150, 100}), user.shown({150, 120}), user.shown({130, 167})};
+    for (const bool isDeselected : {false, true}) {
+        user.model().setTool(EditorTool::select);
+        user.dragAlong(way, 1, 3);
+        ASSERT_EQ(user.model().selectedIndex(), 0); // the counter
+        if (isDeselected)
+            user.model().deselect();
+        else
+            user.letGo();
+        user.look(0, "moved");
+        user.letGo();
+        user.model().undo();
+        user.look(0, "taken back");
+    }
+}
+
+TEST_F(CanvasPictureTest, ScrollingShowsEveryPart)
+{
+    Restless user(noise(true), 2);
+    user.zoomTo(4.2);
+    user.look(0, "at first");
+    for (int way = 0; way <= 1000; way += 85) {
+        user.scrollTo({way, way / 2});
+        user.look(0, "there");
+    }
+    for (int way = 1000; way >= 0; way -= 210) {
+        user.scrollTo({way, 300 - way / 4});
+        user.look(0, "back");
+    }
+}
+
+TEST_F(CanvasPictureTest, RedactionsComeAndGoByWholePixels)
+{
+    Restless user(noise(true), 3);
+    user.model().setTool(EditorTool::redact);
+    for (int i = 0; i < 12; ++i) {
+        user.zoomTo(i % 2 == 0 ? 3.1 : 7.3);
+        const QPoint start(40 + i, 50 - i);
+        user.dragAlong({start, start + QPoint(100 - 3 * i, 70 + i)}, 1, 0);
+        user.letGo();
+        user.look(0, "hidden");
+        user.model().undo();
+        user.look(0, "shown again");
+    }
+}
+
+TEST_F(CanvasPictureTest, AStrokeIsDrawnWholeFromItsNearbyParts)
+{
+    Restless user(noise(true), 4);
+    for (const EditorTool tool : {EditorTool::freehand, EditorTool::highlight}) {
+        user.model().setTool(tool);
+        user.model().setStrokeWidth(7);
+        user.zoomTo(1.7);
+        QList<QPoint> way{{130, 90}};
+        for (int i = 0; i < 240; ++i) // to and fro, and over itself
+            way.append({130 + i % 23 * (i % 46 < 23 ? 1 : -1) + i / 8, 60 + i / 4 + i % 5});
+        user.dragAlong(way, 12, 0);
+        user.letGo();
+        user.look(0, "let go");
+    }
+}

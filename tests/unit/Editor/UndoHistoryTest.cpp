@@ -15,11 +15,10 @@ constexpr int stepCount = 1'000;
 /// Labels, each with a text of its own.
 QList<Annotation> labels(int count)
 {
-    QList<Annotation> result;
+    QList<Annotation> result(count);
     for (int i = 0; i < count; ++i) {
-        Annotation& label = result.emplaceBack();
-        label.kind = AnnotationKind::text;
-        label.text = QString::number(i);
+        result[i].kind = AnnotationKind::text;
+        result[i].text = QString::number(i);
     }
     return result;
 }
