@@ -39,7 +39,7 @@ public:
     std::function<void(const Geometry::Rect& area)> onAnnotationsRedraw;
     /// There is one more on top.
     std::function<void()> onAppend;
-    /// The selected annotation moves.
+    /// The selected annotation moves; `onRedraw` has both places.
     std::function<void(const Geometry::Rect& from, const Geometry::Rect& to)> onMove;
 
     /// The lowest first.

@@ -41,8 +41,6 @@ CanvasView::CanvasView(BaseImage image, QList<Annotation> annotations, QWidget* 
     };
     m_model.onMove = [this](const Geometry::Rect& from, const Geometry::Rect& to) {
         m_picture.selectionMoved(from, to);
-        redraw(from);
-        redraw(to);
     };
     setZoom(1);
     toolChanged();
