@@ -1,8 +1,9 @@
 // Drags on the editor's canvas, step by step: bench_canvas COUNT ROUNDS
 //
-// A window of 3840 x 2160 pixels shows a picture as large with COUNT annotations. Prints a line a drag
-// and round: its name; milliseconds of the first step, of the later ones the median and the 95th of
-// 100, of letting go, of undoing it, each with painting; and of painting all that is seen plainly.
+// A window of 3840 x 2160 pixels shows a picture as large with COUNT annotations. Prints a line a
+// drag and round: its name; milliseconds of the first step, of the later ones the median and the
+// 95th of 100, of letting go, of undoing it, each with painting; and of painting all that is seen
+// plainly.
 
 #include "Editor/AnnotationRenderer.h"
 #include "Editor/CanvasView.h"
@@ -130,7 +131,8 @@ public:
         for (int step = 1; step <= points; ++step) {
             const double share = static_cast<double>(step) / points;
             const QPointF line = from + (to - from) * share;
-            const QPointF scribble(0.5 + 0.45 * std::sin(share * 90), 0.5 + 0.45 * std::cos(share * 71));
+            const QPointF scribble(0.5 + 0.45 * std::sin(share * 90),
+                                   0.5 + 0.45 * std::cos(share * 71));
             times.append(milliseconds([&] {
                 send(QEvent::MouseMove, at(isScribble ? scribble : line));
                 settle();
@@ -150,8 +152,7 @@ public:
         });
         const double first = times.takeFirst();
         std::sort(times.begin(), times.end());
-        QTextStream(stdout) << name << ' ' << first << ' '
-                            << times[times.size() / 2] << ' '
+        QTextStream(stdout) << name << ' ' << first << ' ' << times[times.size() / 2] << ' '
                             << times[times.size() * 95 / 100] << ' ' << release << ' ' << undo
                             << ' ' << m_plain << Qt::endl;
     }
@@ -160,8 +161,7 @@ public:
     QPointF shareOf(Geometry::Point p) const
     {
         const QRect seen = m_canvas->visibleRegion().boundingRect();
-        const QPointF onCanvas(p.x * m_canvas->zoom(),
-                               (pixels.height() - p.y) * m_canvas->zoom());
+        const QPointF onCanvas(p.x * m_canvas->zoom(), (pixels.height() - p.y) * m_canvas->zoom());
         const QPointF inside = onCanvas - seen.topLeft();
         return {inside.x() / seen.width(), inside.y() / seen.height()};
     }
@@ -169,7 +169,8 @@ public:
     QPoint at(QPointF share) const
     {
         const QRect seen = m_canvas->visibleRegion().boundingRect();
-        return seen.topLeft() + QPointF(share.x() * seen.width(), share.y() * seen.height()).toPoint();
+        return seen.topLeft() +
+               QPointF(share.x() * seen.width(), share.y() * seen.height()).toPoint();
     }
 
     /// Paints at once what would be painted in time for the screen's next picture.

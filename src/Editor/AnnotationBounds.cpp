@@ -59,9 +59,8 @@ Rect paintedCounter(const Annotation& annotation)
     const double size = AnnotationShapes::counterTextSize(radius);
     const Geometry::Size box = AnnotationText::measure(number, size);
     const Point centre = annotation.start;
-    return united(
-        Rect{centre.x, centre.y, 0, 0}.grown(radius),
-        paintedText({centre.x - box.width / 2, centre.y - box.height / 2}, number, size));
+    return united(Rect{centre.x, centre.y, 0, 0}.grown(radius),
+                  paintedText({centre.x - box.width / 2, centre.y - box.height / 2}, number, size));
 }
 
 Rect painted(const Annotation& annotation)

@@ -29,7 +29,8 @@ using DrawText = std::function<void(QPainter& painter)>;
 /// painter's space. The sheet reaches so many pixels farther than what is seen of it.
 ///
 /// Qt rounds places of glyphs towards zero. On its sheet each glyph is to the right of and below
-/// the corner, unless it is seen no more, and so does not depend on the painter's own corner or clip.
+/// the corner, unless it is seen no more, and so does not depend on the painter's own corner or
+/// clip.
 Sheet textSheet(const QPainter& painter, const QRectF& box, double lineHeight, double below,
                 int farther, const DrawText& drawText);
 

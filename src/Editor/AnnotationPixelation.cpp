@@ -101,7 +101,9 @@ std::vector<int> pixelsAt(int begin, int end, double firstEdge, double lastEdge,
 QRect pixelsIn(const QRectF& rect)
 {
     constexpr double tolerance = 1e-6;
-    const auto edge = [](double place) { return static_cast<int>(std::floor(place + 0.5 + tolerance)); };
+    const auto edge = [](double place) {
+        return static_cast<int>(std::floor(place + 0.5 + tolerance));
+    };
     return {QPoint(edge(rect.left()), edge(rect.top())),
             QPoint(edge(rect.right()) - 1, edge(rect.bottom()) - 1)};
 }

@@ -216,10 +216,10 @@ void drawRedaction(QPainter& painter, const Space& space, const Geometry::Rect& 
     const double scaleY = base.pixelsPerPointY();
     AnnotationPixelation::draw(
         painter,
-        space(Geometry::Rect{blocks.offset.x() / scaleX,
-                             base.size.height -
-                                 (blocks.offset.y() + blocks.pixels.height()) / scaleY,
-                             blocks.pixels.width() / scaleX, blocks.pixels.height() / scaleY}),
+        space(
+            Geometry::Rect{blocks.offset.x() / scaleX,
+                           base.size.height - (blocks.offset.y() + blocks.pixels.height()) / scaleY,
+                           blocks.pixels.width() / scaleX, blocks.pixels.height() / scaleY}),
         blocks.pixels);
 }
 

@@ -94,9 +94,9 @@ void draw(QPainter& painter, const QRectF& box, double lineHeight,
     const double deviation = blurDeviation * AnnotationDevice::scale(painter);
     const int blur = static_cast<int>(std::ceil(reachedDeviations * deviation)) + 1;
     const double margin = reach(box.height());
-    AnnotationDevice::Sheet sheet = AnnotationDevice::textSheet(
-        painter, box.adjusted(-margin, -margin, margin, margin), lineHeight, offset, blur,
-        drawText);
+    AnnotationDevice::Sheet sheet =
+        AnnotationDevice::textSheet(painter, box.adjusted(-margin, -margin, margin, margin),
+                                    lineHeight, offset, blur, drawText);
     if (sheet.pixels.isNull())
         return;
     makeShadow(sheet.pixels, deviation);

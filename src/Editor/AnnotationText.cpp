@@ -118,10 +118,10 @@ void drawLabel(QPainter& painter, Geometry::TopLeftPoint origin, const QString& 
     AnnotationShadow::draw(painter, box, lineHeight, drawIn);
     const Geometry::Rect ink = reach(text, size);
     AnnotationDevice::put(
-        painter, AnnotationDevice::textSheet(
-                     painter,
-                     QRectF(origin.x + ink.x, origin.y - ink.maxY(), ink.width, ink.height),
-                     lineHeight, 0, 1, drawIn));
+        painter,
+        AnnotationDevice::textSheet(
+            painter, QRectF(origin.x + ink.x, origin.y - ink.maxY(), ink.width, ink.height),
+            lineHeight, 0, 1, drawIn));
 }
 
 void drawOutlines(QPainter& painter, Geometry::TopLeftPoint origin, const QString& text,

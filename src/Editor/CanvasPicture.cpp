@@ -9,7 +9,8 @@
 
 namespace {
 
-/// When no more are above a moving annotation, what is below it is taken from what has been painted.
+/// When no more are above a moving annotation, what is below it is taken from what has been
+/// painted.
 constexpr qsizetype fewAbove = 32;
 
 /// Applies what turned black and white into `onBlack` and `onWhite` to what is between them.
@@ -97,8 +98,7 @@ void CanvasPicture::selectionMoved(const Geometry::Rect& from, const Geometry::R
 void CanvasPicture::beginMove(qsizetype index, const Geometry::Rect& place)
 {
     m_still.invalidate(pixels(place));
-    m_move.emplace(
-        Move{.index = index, .place = place, .below = {}, .onBlack = {}, .onWhite = {}});
+    m_move.emplace(Move{.index = index, .place = place, .below = {}, .onBlack = {}, .onWhite = {}});
     const qsizetype end = m_model.annotations().size();
     if (end - index > fewAbove)
         return;

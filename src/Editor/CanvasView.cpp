@@ -202,10 +202,9 @@ void CanvasView::paintSelection(QPainter& painter, const Geometry::Rect& bounds)
     constexpr double radius = 4;
     constexpr double outside = 16; // what lies farther out is not seen
     const Geometry::TopLeftRect box = flip().topLeftFromBottomLeft(bounds);
-    const QRectF near =
-        QRectF(box.x, box.y, box.width, box.height) &
-        QRectF(-outside, -outside, m_image.size.width + 2 * outside,
-               m_image.size.height + 2 * outside);
+    const QRectF near = QRectF(box.x, box.y, box.width, box.height) &
+                        QRectF(-outside, -outside, m_image.size.width + 2 * outside,
+                               m_image.size.height + 2 * outside);
     QPainterPath outline;
     outline.addRoundedRect(near, radius, radius);
     QPainterPathStroker dashes;

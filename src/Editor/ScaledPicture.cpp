@@ -44,8 +44,7 @@ QRgb mixed(QRgb a, QRgb b, unsigned share)
     constexpr QRgb pair = 0x00FF00FF;
     constexpr QRgb half = 0x00800080;
     const QRgb even = ((a & pair) * (whole - share) + (b & pair) * share + half) >> 8 & pair;
-    const QRgb odd =
-        ((a >> 8 & pair) * (whole - share) + (b >> 8 & pair) * share + half) & ~pair;
+    const QRgb odd = ((a >> 8 & pair) * (whole - share) + (b >> 8 & pair) * share + half) & ~pair;
     return even | odd;
 }
 
@@ -75,8 +74,7 @@ QImage ScaledPicture::enlarged(const QRect& part) const
     QImage result(part.size(), m_picture.format());
     if (result.isNull())
         return result;
-    const auto columns =
-        mixtures(part.left(), part.width(), m_picture.width(), m_size.width());
+    const auto columns = mixtures(part.left(), part.width(), m_picture.width(), m_size.width());
     const auto rows = mixtures(part.top(), part.height(), m_picture.height(), m_size.height());
     // Qt gives bytes; the formats are 32 bits a pixel, aligned.
     const auto rowOf = [this](int y) {

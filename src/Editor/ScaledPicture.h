@@ -24,5 +24,6 @@ private:
 
     QImage m_picture; // 32 bits a pixel
     QSize m_size;
-    QImage m_reduced; ///< All of it, made when it is asked for; null for a size that is not smaller.
+    QImage
+        m_reduced; ///< All of it, made when it is asked for; null for a size that is not smaller.
 };

@@ -214,9 +214,9 @@ public:
             break;
         default: {
             static constexpr EditorTool tools[] = {
-                EditorTool::arrow,    EditorTool::line,      EditorTool::rect,
-                EditorTool::ellipse,  EditorTool::freehand,  EditorTool::freehand,
-                EditorTool::counter,  EditorTool::highlight, EditorTool::redact};
+                EditorTool::arrow,   EditorTool::line,      EditorTool::rect,
+                EditorTool::ellipse, EditorTool::freehand,  EditorTool::freehand,
+                EditorTool::counter, EditorTool::highlight, EditorTool::redact};
             model().setTool(tools[upTo(9)]);
             drag();
         }
@@ -253,8 +253,8 @@ public:
     /// Where the view shows a point of the picture.
     QPoint shown(Point p) const
     {
-        return m_canvas->mapTo(
-            &m_view, QPointF(p.x, m_canvas->image().size.height - p.y) * m_canvas->zoom())
+        return m_canvas
+            ->mapTo(&m_view, QPointF(p.x, m_canvas->image().size.height - p.y) * m_canvas->zoom())
             .toPoint();
     }
 
@@ -265,8 +265,7 @@ public:
         const QRect seen = m_canvas->visibleRegion().boundingRect();
         const double scale = m_canvas->devicePixelRatioF();
         const QImage window = m_view.screen()->grabWindow(m_view.winId()).toImage();
-        const QPoint corner =
-            (QPointF(m_canvas->mapTo(&m_view, QPoint())) * scale).toPoint();
+        const QPoint corner = (QPointF(m_canvas->mapTo(&m_view, QPoint())) * scale).toPoint();
         const QImage plain = drawnPlainly(*m_canvas, m_canvas->zoom() * scale);
         // Pixels that the widget covers in part may be its or not. Of a window with more pixels
         // than points, the offscreen platform shows a part.
@@ -308,8 +307,8 @@ protected:
     CanvasPictureTest() { FakePlatform::reset(); }
 };
 
-class CanvasPictureSeeds : public CanvasPictureTest, public testing::WithParamInterface<unsigned> {
-};
+class CanvasPictureSeeds : public CanvasPictureTest,
+                           public testing::WithParamInterface<unsigned> {};
 
 } // namespace
 

@@ -1,5 +1,5 @@
-#include "Editor/CanvasView.h"
 #include "Editor/ZoomView.h"
+#include "Editor/CanvasView.h"
 #include "fakes/FakePlatform.h"
 #include "support/EventLoop.h"
 
