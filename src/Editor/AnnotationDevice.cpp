@@ -2,7 +2,15 @@
 
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
+
+namespace {
+
+/// Sheets do not begin farther in front of what is seen, however large the text is.
+constexpr double farthestBefore = 2048; // pixels
+
+} // namespace
 
 namespace AnnotationDevice {
 
@@ -25,9 +33,10 @@ Sheet textSheet(const QPainter& painter, const QRectF& box, double lineHeight, d
                 int farther, const DrawText& drawText)
 {
     const QTransform toDevice = painter.deviceTransform();
-    const int before = farther + static_cast<int>(std::ceil(2 * lineHeight * scale(painter)));
-    const QRect visible = reachable(painter).adjusted(-before, -before, farther, farther);
-    const QRect area = toDevice.mapRect(box.translated(0, below)).toAlignedRect() & visible;
+    const double lines = std::min(2 * lineHeight * scale(painter), farthestBefore);
+    const int before = farther + static_cast<int>(std::ceil(lines));
+    const QRectF visible = reachable(painter).adjusted(-before, -before, farther, farther);
+    const QRect area = (toDevice.mapRect(box.translated(0, below)) & visible).toAlignedRect();
     if (area.isEmpty())
         return {};
     Sheet result{QImage(area.size(), QImage::Format_ARGB32_Premultiplied), area.topLeft()};
