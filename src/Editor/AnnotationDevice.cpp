@@ -36,9 +36,11 @@ Sheet textSheet(const QPainter& painter, const QRectF& box, double lineHeight, d
     const double lines = std::min(2 * lineHeight * scale(painter), farthestBefore);
     const int before = farther + static_cast<int>(std::ceil(lines));
     const QRectF visible = reachable(painter).adjusted(-before, -before, farther, farther);
-    const QRect area = (toDevice.mapRect(box.translated(0, below)) & visible).toAlignedRect();
-    if (area.isEmpty())
+    const QRectF part = toDevice.mapRect(box.translated(0, below)) & visible;
+    // Not so what is no number, which places without bounds come to.
+    if (!(visible.adjusted(-1, -1, 1, 1).contains(part) && part.isValid()))
         return {};
+    const QRect area = part.toAlignedRect();
     Sheet result{QImage(area.size(), QImage::Format_ARGB32_Premultiplied), area.topLeft()};
     if (result.pixels.isNull())
         return {};
