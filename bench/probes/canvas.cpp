@@ -96,8 +96,7 @@ public:
 class Canvas {
 public:
     Canvas(const QImage& picture, int count)
-        : m_count(count)
-        , m_canvas(new CanvasView(BaseImage::ofDensity(picture, 1), annotations(count)))
+        : m_canvas(new CanvasView(BaseImage::ofDensity(picture, 1), annotations(count)))
         , m_view(m_canvas)
     {
         m_canvas->installEventFilter(&m_paints);
@@ -205,7 +204,6 @@ private:
     }
 
     Paints m_paints;
-    int m_count;
     CanvasView* m_canvas;
     ZoomView m_view;
     double m_plain = 0;
