@@ -9,7 +9,7 @@ import sys
 
 from desktops import ROOT, Failed
 
-NAMES = ["still", "movie", "overlay", "confirm", "chips", "flatten", "sidecar", "idle"]
+NAMES = ["still", "movie", "overlay", "confirm", "chips", "flatten", "canvas", "sidecar", "idle"]
 
 
 class Report:

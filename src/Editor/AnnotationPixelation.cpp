@@ -1,5 +1,9 @@
 #include "Editor/AnnotationPixelation.h"
 
+#include "Editor/AnnotationDevice.h"
+
+#include <QPainter>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -44,14 +48,23 @@ using Sums = std::array<std::uint64_t, 4>;
 /// Adds the pixels of one row to the sums of their blocks.
 void addRow(const QRgb* row, const std::vector<Run>& columns, std::vector<Sums>& sums)
 {
+    // Two channels at a time, which have 16 bits each: enough for so many pixels.
+    constexpr int most = 256;
+    constexpr QRgb pair = 0x00FF00FF;
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        std::array<std::uint32_t, 4> sum{}; // of one row, which is shorter than 2^24 pixels
-        for (int x = columns[i].first; x < columns[i].end; ++x) {
-            for (std::size_t channel = 0; channel < sum.size(); ++channel)
-                sum[channel] += row[x] >> 8 * channel & 0xFF;
+        for (int first = columns[i].first; first < columns[i].end; first += most) {
+            const int end = std::min(first + most, columns[i].end);
+            QRgb even = 0;
+            QRgb odd = 0;
+            for (int x = first; x < end; ++x) {
+                even += row[x] & pair;
+                odd += row[x] >> 8 & pair;
+            }
+            sums[i][0] += even & 0xFFFF;
+            sums[i][1] += odd & 0xFFFF;
+            sums[i][2] += even >> 16;
+            sums[i][3] += odd >> 16;
         }
-        for (std::size_t channel = 0; channel < sum.size(); ++channel)
-            sums[i][channel] += sum[channel];
     }
 }
 
@@ -66,6 +79,33 @@ QRgb mean(const Sums& sums)
     for (std::size_t channel = 0; channel < 3; ++channel)
         pixel |= static_cast<QRgb>((sums[channel] * 0xFF + alpha / 2) / alpha) << 8 * channel;
     return pixel;
+}
+
+/// Which of `count` pixels between two edges is seen at each of the device's pixels of a range.
+std::vector<int> pixelsAt(int begin, int end, double firstEdge, double lastEdge, int count)
+{
+    // Middles of the device's pixels may lie on an edge: which side counts must not be up to the
+    // last bit.
+    constexpr double tolerance = 1e-6;
+    const double factor = count / (lastEdge - firstEdge);
+    std::vector<int> result;
+    result.reserve(static_cast<std::size_t>(end - begin));
+    for (int i = begin; i < end; ++i) {
+        const double pixel = std::floor((i + 0.5 - firstEdge) * factor + tolerance);
+        result.push_back(static_cast<int>(std::clamp(pixel, 0.0, count - 1.0)));
+    }
+    return result;
+}
+
+/// The device's pixels whose middles are in a rectangle.
+QRect pixelsIn(const QRectF& rect)
+{
+    constexpr double tolerance = 1e-6;
+    const auto edge = [](double place) {
+        return static_cast<int>(std::floor(place + 0.5 + tolerance));
+    };
+    return {QPoint(edge(rect.left()), edge(rect.top())),
+            QPoint(edge(rect.right()) - 1, edge(rect.bottom()) - 1)};
 }
 
 } // namespace
@@ -116,6 +156,33 @@ Blocks pixelated(const BaseImage& base, const Geometry::Rect& rect, double block
             std::copy_n(firstRow, width, reinterpret_cast<QRgb*>(result.scanLine(y - top)));
     }
     return {result, {left, top}};
+}
+
+void draw(QPainter& painter, const QRectF& place, const QImage& pixels)
+{
+    const QTransform toDevice = painter.deviceTransform();
+    const QRectF onDevice = toDevice.mapRect(place);
+    const QRect area = pixelsIn(onDevice) & AnnotationDevice::reachable(painter);
+    if (area.isEmpty())
+        return;
+    QImage shown(area.size(), pixels.format());
+    if (shown.isNull())
+        return;
+    const auto columns = pixelsAt(area.left(), area.left() + area.width(), onDevice.left(),
+                                  onDevice.right(), pixels.width());
+    const auto rows = pixelsAt(area.top(), area.top() + area.height(), onDevice.top(),
+                               onDevice.bottom(), pixels.height());
+    for (std::size_t y = 0; y < rows.size(); ++y) {
+        uchar* const to = shown.scanLine(static_cast<int>(y));
+        if (y > 0 && rows[y] == rows[y - 1]) {
+            std::copy_n(shown.constScanLine(static_cast<int>(y) - 1), shown.bytesPerLine(), to);
+            continue;
+        }
+        const auto* const from = reinterpret_cast<const QRgb*>(pixels.constScanLine(rows[y]));
+        std::transform(columns.begin(), columns.end(), reinterpret_cast<QRgb*>(to),
+                       [from](int column) { return from[column]; });
+    }
+    AnnotationDevice::put(painter, {shown, area.topLeft()});
 }
 
 } // namespace AnnotationPixelation

@@ -2,6 +2,10 @@
 
 #include "Editor/BaseImage.h"
 
+#include <QRectF>
+
+QT_FORWARD_DECLARE_CLASS(QPainter)
+
 /// A part of a picture as coarse blocks.
 namespace AnnotationPixelation {
 
@@ -15,5 +19,9 @@ struct Blocks {
 };
 
 Blocks pixelated(const BaseImage& base, const Geometry::Rect& rect, double blockSize);
+
+/// Draws pixels into `place` with hard edges, those of each of them and those of the whole, on
+/// whole pixels of the device. What is seen of it is the same however the painter is clipped.
+void draw(QPainter& painter, const QRectF& place, const QImage& pixels);
 
 } // namespace AnnotationPixelation

@@ -1,6 +1,8 @@
 #include "Editor/AnnotationRenderer.h"
 
+#include "Editor/AnnotationDevice.h"
 #include "Editor/AnnotationPixelation.h"
+#include "Editor/AnnotationShapes.h"
 #include "Editor/AnnotationText.h"
 
 #include <QPainter>
@@ -9,70 +11,19 @@
 #include <algorithm>
 #include <cmath>
 
+using AnnotationShapes::counterRadius;
+using AnnotationShapes::farthest;
+using AnnotationShapes::highlightWidth;
+using AnnotationShapes::labelSize;
+using AnnotationShapes::lineWidth;
+using AnnotationShapes::Space;
+
 namespace {
 
 constexpr double cornerRadius = 2;
 constexpr double highlightOpacity = 0.45;
-constexpr double highlightWidth = 4.5; // of the line width
 constexpr double redactionBlock = 9;
 constexpr double smallestRedaction = 2; // nothing is drawn up to it
-constexpr double textMargin = 6;
-constexpr double counterMargin = 4;
-constexpr double counterTextSize = 1.1; // of the radius
-
-double arrowHeadLength(double width)
-{
-    return std::max(width * 3.5, 12.0);
-}
-
-double counterRadius(double width)
-{
-    return std::max(width * 3.2, 12.0);
-}
-
-double labelSize(const Annotation& annotation)
-{
-    return annotation.fontSize.value_or(AnnotationText::defaultSize);
-}
-
-// Files can hold any number. What lies farther out than this is not seen, but would keep Qt busy;
-// both are in points.
-constexpr double farthest = 50'000;
-constexpr double thickest = 10'000;
-
-double lineWidth(const Annotation& annotation)
-{
-    return std::clamp(annotation.lineWidth, 0.0, thickest);
-}
-
-/// The picture's points as the painter's.
-class Space {
-public:
-    explicit Space(const Geometry::Flip& flip)
-        : m_flip(flip)
-    {
-    }
-
-    QPointF operator()(Geometry::Point point) const
-    {
-        const Geometry::TopLeftPoint p = m_flip.topLeftFromBottomLeft(point);
-        return {std::clamp(p.x, -farthest, farthest), std::clamp(p.y, -farthest, farthest)};
-    }
-
-    QRectF operator()(const Geometry::Rect& rect) const
-    {
-        return {(*this)(Geometry::Point{rect.minX(), rect.maxY()}),
-                (*this)(Geometry::Point{rect.maxX(), rect.minY()})};
-    }
-
-    Geometry::TopLeftPoint textOrigin(Geometry::Point point) const
-    {
-        return m_flip.topLeftFromBottomLeft(point);
-    }
-
-private:
-    const Geometry::Flip& m_flip;
-};
 
 /// Strokes an outline with round caps and joins. One without any length is a dot.
 void stroke(QPainter& painter, const QPainterPath& path, const QColor& color, double width)
@@ -84,9 +35,19 @@ void stroke(QPainter& painter, const QPainterPath& path, const QColor& color, do
         painter.drawEllipse(box.topLeft(), width / 2, width / 2);
         return;
     }
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPath(path);
+    QPen pen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    const double pixel = 1 / AnnotationDevice::scale(painter);
+    if (width > pixel * 1.01) {
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(pen);
+        painter.drawPath(path);
+        return;
+    }
+    // Qt has another way for lines this thin, by which what is seen of them depends on where they
+    // are clipped. A width of zero is as thin as can be.
+    if (width == 0)
+        pen.setWidthF(pixel);
+    painter.fillPath(QPainterPathStroker(pen).createStroke(path), color);
 }
 
 QPainterPath polyline(const QList<Geometry::Point>& points, const Space& space)
@@ -150,34 +111,55 @@ void strokeEllipse(QPainter& painter, const QRectF& rect, const QColor& color, d
 
 void drawArrow(QPainter& painter, const Space& space, const Annotation& annotation)
 {
-    const Geometry::Point tail = annotation.start;
-    const Geometry::Point tip = annotation.end;
-    const double angle = std::atan2(tip.y - tail.y, tip.x - tail.x);
-    const double cosine = std::cos(angle);
-    const double sine = std::sin(angle);
-    const double length = arrowHeadLength(lineWidth(annotation));
-    const auto behindTip = [&](double distance) {
-        return Geometry::Point{tip.x - distance * cosine, tip.y - distance * sine};
-    };
+    const AnnotationShapes::Arrow arrow = AnnotationShapes::arrow(annotation);
     const QColor color = annotation.color();
-
-    // It stops short of the tip, which would be blunt otherwise.
-    stroke(painter, polyline({tail, behindTip(0.8 * length)}, space), color, lineWidth(annotation));
-
-    const double halfWidth = length * 0.7 * 0.5;
-    const Geometry::Point base = behindTip(length);
-    const Geometry::Point left{base.x - halfWidth * sine, base.y + halfWidth * cosine};
-    const Geometry::Point right{base.x + halfWidth * sine, base.y - halfWidth * cosine};
+    stroke(painter, polyline({arrow.tail, arrow.shaftEnd}, space), color, lineWidth(annotation));
+    QList<QPointF> head;
+    for (const Geometry::Point corner : arrow.head)
+        head.append(space(corner));
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
-    painter.drawPolygon(QList<QPointF>{space(tip), space(left), space(right)});
+    painter.drawPolygon(head);
+}
+
+/// A long stroke as far as the painter's clip lets it be seen: the lines near it, with all that
+/// decides how these join.
+QPainterPath visiblePolyline(const QPainter& painter, const QList<Geometry::Point>& points,
+                             const Space& space, double width)
+{
+    constexpr qsizetype longStroke = 64; // points
+    if (!painter.hasClipping() || points.size() < longStroke || points.front() == points.back())
+        return polyline(points, space);
+    const double pixel = 1 / AnnotationDevice::scale(painter);
+    const double reach = width / 2 + 2 * pixel;
+    const QRectF near = painter.clipBoundingRect().adjusted(-reach, -reach, reach, reach);
+    QPainterPath path;
+    bool isDrawing = false;
+    QPointF from = space(points.front());
+    for (const Geometry::Point& point : points.mid(1)) {
+        const QPointF to = space(point);
+        const bool isNear = std::max(from.x(), to.x()) >= near.left() &&
+                            std::min(from.x(), to.x()) <= near.right() &&
+                            std::max(from.y(), to.y()) >= near.top() &&
+                            std::min(from.y(), to.y()) <= near.bottom();
+        if (isNear && !isDrawing)
+            path.moveTo(from);
+        if (isNear)
+            path.lineTo(to);
+        isDrawing = isNear;
+        from = to;
+    }
+    return path;
 }
 
 void drawStroke(QPainter& painter, const Space& space, const Annotation& annotation,
                 const QColor& color, double width)
 {
-    if (annotation.path && annotation.path->size() >= 2)
-        stroke(painter, polyline(*annotation.path, space), color, width);
+    if (!annotation.path || annotation.path->size() < 2)
+        return;
+    const QPainterPath path = visiblePolyline(painter, *annotation.path, space, width);
+    if (path.elementCount() > 0)
+        stroke(painter, path, color, width);
 }
 
 void drawHighlight(QPainter& painter, const Space& space, const Annotation& annotation)
@@ -202,8 +184,8 @@ void drawCounter(QPainter& painter, const Space& space, const Annotation& annota
     painter.setBrush(annotation.color());
     painter.drawEllipse(space(annotation.start), radius, radius);
 
-    const QString number = QString::number(annotation.number.value_or(0));
-    const double size = radius * counterTextSize;
+    const QString number = AnnotationShapes::counterText(annotation);
+    const double size = AnnotationShapes::counterTextSize(radius);
     const Geometry::Size box = AnnotationText::measure(number, size);
     const Geometry::Point origin{annotation.start.x - box.width / 2,
                                  annotation.start.y - box.height / 2};
@@ -232,25 +214,13 @@ void drawRedaction(QPainter& painter, const Space& space, const Geometry::Rect& 
         return;
     const double scaleX = base.pixelsPerPointX();
     const double scaleY = base.pixelsPerPointY();
-    const QRectF place = space(
-        Geometry::Rect{blocks.offset.x() / scaleX,
-                       base.size.height - (blocks.offset.y() + blocks.pixels.height()) / scaleY,
-                       blocks.pixels.width() / scaleX, blocks.pixels.height() / scaleY});
-    // Edges are hard, those of the blocks and those of the whole.
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform, false);
-    painter.drawImage(place, blocks.pixels);
-}
-
-/// The smallest rectangle that holds all points, of which there is one at least.
-Geometry::Rect hull(const QList<Geometry::Point>& points)
-{
-    Geometry::Point least = points.front();
-    Geometry::Point most = least;
-    for (const Geometry::Point& point : points) {
-        least = {std::min(least.x, point.x), std::min(least.y, point.y)};
-        most = {std::max(most.x, point.x), std::max(most.y, point.y)};
-    }
-    return Geometry::Rect::spanning(least, most);
+    AnnotationPixelation::draw(
+        painter,
+        space(
+            Geometry::Rect{blocks.offset.x() / scaleX,
+                           base.size.height - (blocks.offset.y() + blocks.pixels.height()) / scaleY,
+                           blocks.pixels.width() / scaleX, blocks.pixels.height() / scaleY}),
+        blocks.pixels);
 }
 
 } // namespace
@@ -295,34 +265,6 @@ void draw(QPainter& painter, const Geometry::Flip& flip, const Annotation& annot
         break;
     }
     painter.restore();
-}
-
-Geometry::Rect bounds(const Annotation& annotation)
-{
-    const double margin = std::max(annotation.lineWidth, 8.0);
-    switch (annotation.kind) {
-    case AnnotationKind::arrow:
-    case AnnotationKind::line:
-    case AnnotationKind::rect:
-    case AnnotationKind::ellipse:
-    case AnnotationKind::redact:
-        return annotation.rect().grown(margin);
-    case AnnotationKind::freehand:
-    case AnnotationKind::highlight:
-        if (!annotation.path || annotation.path->isEmpty())
-            return {};
-        return hull(*annotation.path).grown(2 * margin);
-    case AnnotationKind::text: {
-        const Geometry::Size size =
-            AnnotationText::measure(annotation.text.value_or(QString()), labelSize(annotation));
-        return Geometry::Rect{annotation.start.x, annotation.start.y, size.width, size.height}
-            .grown(textMargin);
-    }
-    case AnnotationKind::counter:
-        return Geometry::Rect{annotation.start.x, annotation.start.y, 0, 0}.grown(
-            counterRadius(annotation.lineWidth) + counterMargin);
-    }
-    Q_UNREACHABLE();
 }
 
 } // namespace AnnotationRenderer

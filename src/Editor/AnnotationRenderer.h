@@ -21,6 +21,12 @@ void draw(QPainter& painter, const Geometry::Flip& flip, const Annotation& annot
 /// The place of an annotation with a margin around it, to be hit and to be outlined.
 Geometry::Rect bounds(const Annotation& annotation);
 
+/// Everything that drawing it can change, but for what comes from rounding to whole pixels: two of
+/// the painter's and, for redactions, one of the picture's.
+Geometry::Rect painted(const Annotation& annotation);
+/// The same of what the last point of a stroke's path changes.
+Geometry::Rect paintedStrokeEnd(const Annotation& annotation);
+
 /// The picture with all annotations, the first lowest, at its full size in pixels.
 /// Null when there is not memory enough.
 QImage flattened(const BaseImage& base, const QList<Annotation>& annotations);

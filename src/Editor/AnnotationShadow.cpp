@@ -78,48 +78,29 @@ void makeShadow(QImage& image, double deviation)
     }
 }
 
-/// What a painter can reach, in the pixels that it draws on: a widget is a part of its window's.
-/// Rather too much than too little.
-QRectF reachable(const QPainter& painter)
-{
-    const QTransform toPixels = painter.worldTransform().inverted() * painter.deviceTransform();
-    return toPixels.mapRect(QRectF(0, 0, painter.device()->width(), painter.device()->height()));
-}
-
 } // namespace
 
 namespace AnnotationShadow {
 
-void draw(QPainter& painter, const QRectF& box,
-          const std::function<void(QPainter& mask)>& drawShape)
+double reach(double boxHeight)
+{
+    return boxHeight * overhang + reachedDeviations * blurDeviation + offset;
+}
+
+void draw(QPainter& painter, const QRectF& box, double lineHeight,
+          const AnnotationDevice::DrawText& drawText)
 {
     // In the device's pixels, so that the shadow is as fine as the text.
-    const QTransform toDevice = painter.deviceTransform();
-    const double scale = std::sqrt(std::abs(toDevice.determinant()));
-    const double margin = box.height() * overhang + reachedDeviations * blurDeviation;
-    const int reach = static_cast<int>(std::ceil(reachedDeviations * blurDeviation * scale)) + 1;
-    const QRectF wanted =
-        toDevice.mapRect(box.adjusted(-margin, -margin, margin, margin).translated(0, offset));
-    const QRectF visible = reachable(painter).adjusted(-reach, -reach, reach, reach);
-    const QRect area = wanted.intersected(visible).toAlignedRect();
-    if (area.isEmpty())
+    const double deviation = blurDeviation * AnnotationDevice::scale(painter);
+    const int blur = static_cast<int>(std::ceil(reachedDeviations * deviation)) + 1;
+    const double margin = reach(box.height());
+    AnnotationDevice::Sheet sheet =
+        AnnotationDevice::textSheet(painter, box.adjusted(-margin, -margin, margin, margin),
+                                    lineHeight, offset, blur, drawText);
+    if (sheet.pixels.isNull())
         return;
-    QImage shadow(area.size(), QImage::Format_ARGB32_Premultiplied);
-    if (shadow.isNull())
-        return;
-    shadow.fill(Qt::transparent);
-    {
-        QPainter mask(&shadow);
-        mask.setWorldTransform(QTransform::fromTranslate(0, offset) * toDevice *
-                               QTransform::fromTranslate(-area.left(), -area.top()));
-        drawShape(mask);
-    }
-    makeShadow(shadow, blurDeviation * scale);
-
-    painter.save();
-    painter.setWorldTransform(toDevice.inverted(), true);
-    painter.drawImage(area.topLeft(), shadow);
-    painter.restore();
+    makeShadow(sheet.pixels, deviation);
+    AnnotationDevice::put(painter, sheet);
 }
 
 } // namespace AnnotationShadow

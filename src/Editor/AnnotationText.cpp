@@ -79,6 +79,24 @@ Geometry::Size measure(const QString& text, double size)
     return {layout.width * scale, layout.height() * scale};
 }
 
+Geometry::Rect reach(const QString& text, double size)
+{
+    if (text.isEmpty() || !(size > 0))
+        return {};
+    const Layout layout(text);
+    const QFontMetricsF metrics(layout.font);
+    QRectF ink(0, 0, layout.width, layout.height());
+    for (int line = 0; line < layout.lines.size(); ++line)
+        ink |= metrics.boundingRect(layout.lines[line]).translated(0, layout.baseline(line));
+    const double scale = size / layoutSize;
+    // Base lines are on whole pixels, and glyphs are drawn for these.
+    const double margin =
+        AnnotationShadow::reach(layout.height() * scale) + 0.1 * layout.lineHeight * scale;
+    return Geometry::Rect{ink.left() * scale, (layout.height() - ink.bottom()) * scale,
+                          ink.width() * scale, ink.height() * scale}
+        .grown(margin);
+}
+
 void drawLabel(QPainter& painter, Geometry::TopLeftPoint origin, const QString& text, double size,
                const QColor& color)
 {
@@ -86,19 +104,24 @@ void drawLabel(QPainter& painter, Geometry::TopLeftPoint origin, const QString& 
         return;
     const Layout layout(text);
     const QRectF box = layout.box(origin, size);
-    const auto drawIn = [&](QPainter& target, const QColor& textColor) {
+    const double scale = size / layoutSize;
+    const double lineHeight = layout.lineHeight * scale;
+    const auto drawIn = [&](QPainter& target) {
         target.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
         target.translate(box.topLeft());
-        target.scale(size / layoutSize, size / layoutSize);
+        target.scale(scale, scale);
         target.setFont(layout.font);
-        target.setPen(textColor);
+        target.setPen(color);
         for (int line = 0; line < layout.lines.size(); ++line)
             target.drawText(QPointF(0, layout.baseline(line)), layout.lines[line]);
     };
-    AnnotationShadow::draw(painter, box, [&](QPainter& mask) { drawIn(mask, QColor(0, 0, 0)); });
-    painter.save();
-    drawIn(painter, color);
-    painter.restore();
+    AnnotationShadow::draw(painter, box, lineHeight, drawIn);
+    const Geometry::Rect ink = reach(text, size);
+    AnnotationDevice::put(
+        painter,
+        AnnotationDevice::textSheet(
+            painter, QRectF(origin.x + ink.x, origin.y - ink.maxY(), ink.width, ink.height),
+            lineHeight, 0, 1, drawIn));
 }
 
 void drawOutlines(QPainter& painter, Geometry::TopLeftPoint origin, const QString& text,

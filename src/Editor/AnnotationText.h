@@ -16,6 +16,10 @@ inline constexpr double defaultSize = 18;
 /// The size of the layout box in points. Lines are as the text breaks them.
 Geometry::Size measure(const QString& text, double size);
 
+/// Everything that drawing `text` can change, its shadow too, from the bottom left corner of its
+/// layout box, y up.
+Geometry::Rect reach(const QString& text, double size);
+
 /// Draws `text` with the bottom left corner of its layout box at `origin`, in the painter's own
 /// space, and its shadow below it. Nothing at a size of zero and below.
 void drawLabel(QPainter& painter, Geometry::TopLeftPoint origin, const QString& text, double size,

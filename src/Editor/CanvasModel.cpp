@@ -12,6 +12,8 @@ namespace {
 constexpr double clickReach = 3;
 /// A stroke with as many points is kept however near its ends are.
 constexpr qsizetype scribble = 3;
+/// How far the selection's outline is drawn outside of the bounds, in points.
+constexpr double outlineReach = 2;
 
 bool isStroke(AnnotationKind kind)
 {
@@ -28,6 +30,7 @@ bool isWorthKeeping(const Annotation& draft)
 
 CanvasModel::CanvasModel(QList<Annotation> annotations)
     : m_annotations(std::move(annotations))
+    , m_places(m_annotations)
 {
 }
 
@@ -43,25 +46,12 @@ double CanvasModel::textSize(double strokeWidth)
 void CanvasModel::setTool(EditorTool tool)
 {
     m_tool = tool;
-    m_selectedID.reset();
-    redraw();
+    select(std::nullopt);
 }
 
-std::optional<qsizetype> CanvasModel::selectedIndex() const
+std::optional<QUuid> CanvasModel::selectedID() const
 {
-    if (!m_selectedID)
-        return std::nullopt;
-    const auto found = std::find_if(m_annotations.begin(), m_annotations.end(),
-                                    [this](const auto& a) { return a.id == *m_selectedID; });
-    if (found == m_annotations.end())
-        return std::nullopt;
-    return found - m_annotations.begin();
-}
-
-const Annotation* CanvasModel::selection() const
-{
-    const auto index = selectedIndex();
-    return index ? &m_annotations[*index] : nullptr;
+    return m_selected ? std::optional(m_annotations[*m_selected].id) : std::nullopt;
 }
 
 Annotation CanvasModel::annotation(AnnotationKind kind, Point p) const
@@ -78,10 +68,11 @@ Annotation CanvasModel::annotation(AnnotationKind kind, Point p) const
 CanvasModel::Press CanvasModel::mouseDown(Point p)
 {
     m_dragStart = p;
+    redrawSelection();
     m_didMoveSelection = false;
     switch (m_tool) {
     case EditorTool::select:
-        select(p);
+        select(m_places.highestAt(p));
         return Press::handled;
     case EditorTool::arrow:
         beginDraft(AnnotationKind::arrow, p);
@@ -113,13 +104,20 @@ CanvasModel::Press CanvasModel::mouseDown(Point p)
     return Press::handled; // no such tool
 }
 
-void CanvasModel::select(Point p)
+void CanvasModel::select(std::optional<qsizetype> index)
 {
-    const auto hit = std::find_if(m_annotations.rbegin(), m_annotations.rend(), [p](const auto& a) {
-        return AnnotationRenderer::bounds(a).contains(p);
-    });
-    m_selectedID = hit == m_annotations.rend() ? std::nullopt : std::optional(hit->id);
-    redraw();
+    redrawSelection();
+    m_selected = index;
+    redrawSelection();
+}
+
+void CanvasModel::redrawSelection() const
+{
+    if (!m_selected)
+        return;
+    redraw(m_places[*m_selected].bounds.grown(outlineReach));
+    if (m_didMoveSelection)
+        redraw(m_places[*m_selected].painted);
 }
 
 void CanvasModel::beginDraft(AnnotationKind kind, Point p)
@@ -139,30 +137,51 @@ void CanvasModel::addCounter(Point p)
     append(std::move(counter));
 }
 
-void CanvasModel::append(Annotation annotation)
+void CanvasModel::append(const Annotation& annotation)
 {
-    m_history.willReplace(m_annotations, m_annotations.size(), 0, 1);
-    m_annotations.append(std::move(annotation));
+    const qsizetype index = m_annotations.size();
+    m_history.willReplace(m_annotations, index, 0, 1);
+    m_annotations.append(annotation);
+    m_places.replaced(m_annotations, index, 0, 1);
+    if (onAppend)
+        onAppend();
+    changed();
+}
+
+void CanvasModel::remove(qsizetype index, qsizetype count)
+{
+    m_history.willReplace(m_annotations, index, count, 0);
+    redrawAnnotations(index, count);
+    m_annotations.remove(index, count);
+    m_places.replaced(m_annotations, index, count, 0);
     changed();
 }
 
 void CanvasModel::mouseDragged(Point p)
 {
     if (m_tool == EditorTool::select) {
-        const auto index = selectedIndex();
-        if (!index || !m_dragStart)
+        if (!m_selected || !m_dragStart)
             return;
         // The whole drag is one step to undo.
         if (!std::exchange(m_didMoveSelection, true))
-            m_history.willReplace(m_annotations, *index, 1, 1);
-        m_annotations[*index].translate(p.x - m_dragStart->x, p.y - m_dragStart->y);
+            m_history.willReplace(m_annotations, *m_selected, 1, 1);
+        const Geometry::Rect before = m_places[*m_selected].painted;
+        redrawSelection();
+        m_annotations[*m_selected].translate(p.x - m_dragStart->x, p.y - m_dragStart->y);
+        m_places.replaced(m_annotations, *m_selected, 1, 1);
+        redrawSelection();
         m_dragStart = p;
-        redraw();
+        if (onMove)
+            onMove(before, m_places[*m_selected].painted);
     } else if (m_draft) {
+        const bool isStroke = m_draft->path.has_value();
+        if (!isStroke)
+            redraw(AnnotationRenderer::painted(*m_draft));
         m_draft->end = p;
-        if (m_draft->path)
+        if (isStroke)
             m_draft->path->append(p);
-        redraw();
+        redraw(isStroke ? AnnotationRenderer::paintedStrokeEnd(*m_draft)
+                        : AnnotationRenderer::painted(*m_draft));
     }
 }
 
@@ -170,17 +189,23 @@ void CanvasModel::mouseUp()
 {
     m_dragStart.reset();
     if (m_tool == EditorTool::select) {
+        redrawSelection();
         if (std::exchange(m_didMoveSelection, false))
             changed();
         return;
     }
-    auto draft = std::exchange(m_draft, std::nullopt);
+    const auto draft = std::exchange(m_draft, std::nullopt);
     if (!draft)
         return;
+    redraw(AnnotationRenderer::painted(*draft));
     if (isWorthKeeping(*draft))
-        append(std::move(*draft));
-    else
-        redraw();
+        append(*draft);
+}
+
+void CanvasModel::cancelDraft()
+{
+    if (const auto draft = std::exchange(m_draft, std::nullopt))
+        redraw(AnnotationRenderer::painted(*draft));
 }
 
 void CanvasModel::commitText(const QString& typed, Point origin)
@@ -196,56 +221,66 @@ void CanvasModel::commitText(const QString& typed, Point origin)
 
 void CanvasModel::deleteSelection()
 {
-    const auto index = selectedIndex();
-    if (!index)
+    if (!m_selected)
         return;
-    m_history.willReplace(m_annotations, *index, 1, 0);
-    m_annotations.removeAt(*index);
-    m_selectedID.reset();
-    changed();
+    const qsizetype index = *m_selected;
+    select(std::nullopt);
+    remove(index, 1);
 }
 
 void CanvasModel::deselect()
 {
-    m_selectedID.reset();
-    redraw();
+    select(std::nullopt);
 }
 
 void CanvasModel::clear()
 {
     if (m_annotations.isEmpty())
         return;
-    m_history.willReplace(m_annotations, 0, m_annotations.size(), 0);
-    m_annotations.clear();
-    m_selectedID.reset();
-    changed();
+    select(std::nullopt);
+    remove(0, m_annotations.size());
 }
 
 void CanvasModel::undo()
 {
-    if (!m_history.undo(m_annotations))
-        return;
-    m_selectedID.reset();
-    changed();
+    if (m_history.undoCount() > 0)
+        select(std::nullopt);
+    restored(m_history.undo(m_annotations));
 }
 
 void CanvasModel::redo()
 {
-    if (!m_history.redo(m_annotations))
+    if (m_history.redoCount() > 0)
+        select(std::nullopt);
+    restored(m_history.redo(m_annotations));
+}
+
+void CanvasModel::restored(const std::optional<UndoHistory::Replacement>& change)
+{
+    if (!change)
         return;
-    m_selectedID.reset();
+    redrawAnnotations(change->index, change->count);
+    m_places.replaced(m_annotations, change->index, change->count, change->newCount);
+    redrawAnnotations(change->index, change->newCount);
     changed();
 }
 
-void CanvasModel::redraw() const
+void CanvasModel::redraw(const Geometry::Rect& area) const
 {
     if (onRedraw)
-        onRedraw();
+        onRedraw(area);
+}
+
+void CanvasModel::redrawAnnotations(qsizetype index, qsizetype count) const
+{
+    if (!onAnnotationsRedraw)
+        return;
+    for (qsizetype i = index; i < index + count; ++i)
+        onAnnotationsRedraw(m_places[i].painted);
 }
 
 void CanvasModel::changed() const
 {
-    redraw();
     if (onChange)
         onChange();
 }

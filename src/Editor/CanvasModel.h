@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Editor/Annotation.h"
+#include "Editor/AnnotationPlaces.h"
 #include "Editor/UndoHistory.h"
 
 #include <functional>
@@ -29,16 +30,28 @@ public:
 
     /// After every committed change of the annotations.
     std::function<void()> onChange;
-    /// When anything looks different now. Called before `onChange`.
-    std::function<void()> onRedraw;
+
+    // Where something looks different now. Called before `onChange`. Areas are but for what comes
+    // from rounding to whole pixels.
+    /// The draft, or which annotation is selected.
+    std::function<void(const Geometry::Rect& area)> onRedraw;
+    /// The annotations themselves.
+    std::function<void(const Geometry::Rect& area)> onAnnotationsRedraw;
+    /// There is one more on top.
+    std::function<void()> onAppend;
+    /// The selected annotation moves; `onRedraw` has both places.
+    std::function<void(const Geometry::Rect& from, const Geometry::Rect& to)> onMove;
 
     /// The lowest first.
     const QList<Annotation>& annotations() const { return m_annotations; }
+    const AnnotationPlaces& places() const { return m_places; }
     /// The annotation that is being dragged out; not in the list.
     const std::optional<Annotation>& draft() const { return m_draft; }
-    const std::optional<QUuid>& selectedID() const { return m_selectedID; }
-    /// The selected annotation; null when none is.
-    const Annotation* selection() const;
+    std::optional<QUuid> selectedID() const;
+    /// Its place in the list.
+    std::optional<qsizetype> selectedIndex() const { return m_selected; }
+    /// Whether a drag has moved the selected annotation and goes on.
+    bool isMoving() const { return m_selected && m_didMoveSelection; }
 
     EditorTool tool() const { return m_tool; }
     /// Clears the selection.
@@ -61,6 +74,8 @@ public:
     Press mouseDown(Geometry::Point p);
     void mouseDragged(Geometry::Point p);
     void mouseUp();
+    /// The drag that is under way makes no annotation.
+    void cancelDraft();
 
     /// Adds a label of the trimmed text; none when nothing is left of it.
     void commitText(const QString& typed, Geometry::Point origin);
@@ -74,21 +89,25 @@ public:
 
 private:
     Annotation annotation(AnnotationKind kind, Geometry::Point p) const;
-    std::optional<qsizetype> selectedIndex() const;
-    void select(Geometry::Point p);
+    void select(std::optional<qsizetype> index);
+    void redrawSelection() const;
     void beginDraft(AnnotationKind kind, Geometry::Point p);
-    void append(Annotation annotation);
+    void remove(qsizetype index, qsizetype count);
+    void restored(const std::optional<UndoHistory::Replacement>& change);
+    void append(const Annotation& annotation);
     void addCounter(Geometry::Point p);
-    void redraw() const;
+    void redraw(const Geometry::Rect& area) const;
+    void redrawAnnotations(qsizetype index, qsizetype count) const;
     void changed() const;
 
     QList<Annotation> m_annotations;
+    AnnotationPlaces m_places;
     UndoHistory m_history;
     EditorTool m_tool = EditorTool::arrow;
     QString m_colorHex = QStringLiteral("#FF3B30");
     double m_strokeWidth = 4;
     std::optional<Annotation> m_draft;
-    std::optional<QUuid> m_selectedID;
+    std::optional<qsizetype> m_selected; ///< Only the list's end changes while there is one.
     /// The last point of the drag that is under way.
     std::optional<Geometry::Point> m_dragStart;
     bool m_didMoveSelection = false;

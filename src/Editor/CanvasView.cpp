@@ -6,6 +6,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPainterPath>
 
 #include <cmath>
 #include <utility>
@@ -17,20 +18,30 @@ namespace {
 constexpr double fieldWidth = 320;
 constexpr double fieldPadding = 12;
 
-/// A screen pixel that shows less than this of a picture's pixel shows it as a square.
-constexpr double squarePixels = 2;
-
 } // namespace
 
 CanvasView::CanvasView(BaseImage image, QList<Annotation> annotations, QWidget* parent)
     : QWidget(parent)
     , m_image(std::move(image))
     , m_model(std::move(annotations))
+    , m_picture(m_image, m_model, Platform::underPageColor())
 {
     setObjectName(QStringLiteral("CanvasView"));
     setAccessibleName(QStringLiteral("Canvas"));
     setFocusPolicy(Qt::StrongFocus);
-    m_model.onRedraw = [this] { update(); };
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    m_model.onRedraw = [this](const Geometry::Rect& area) { redraw(area); };
+    m_model.onAnnotationsRedraw = [this](const Geometry::Rect& area) {
+        m_picture.annotationsChanged(area);
+        redraw(area);
+    };
+    m_model.onAppend = [this] {
+        m_picture.annotationAppended();
+        redraw(m_model.places()[m_model.annotations().size() - 1].painted);
+    };
+    m_model.onMove = [this](const Geometry::Rect& from, const Geometry::Rect& to) {
+        m_picture.selectionMoved(from, to);
+    };
     setZoom(1);
     toolChanged();
 }
@@ -47,9 +58,24 @@ void CanvasView::setZoom(double zoom)
     update();
 }
 
+void CanvasView::styleChanged()
+{
+    if (m_activeTextField)
+        placeTextField();
+}
+
 void CanvasView::toolChanged()
 {
-    setCursor(m_model.tool() == EditorTool::select ? Qt::ArrowCursor : Qt::CrossCursor);
+    if (m_isPanning)
+        setCursor(Qt::ClosedHandCursor);
+    else
+        setCursor(m_model.tool() == EditorTool::select ? Qt::ArrowCursor : Qt::CrossCursor);
+}
+
+void CanvasView::setPanning(bool isPanning)
+{
+    m_isPanning = isPanning;
+    toolChanged();
 }
 
 Geometry::Flip CanvasView::flip() const
@@ -160,52 +186,61 @@ void CanvasView::keyPressEvent(QKeyEvent* event)
 
 // Drawing
 
-void CanvasView::paintImage(QPainter& painter, const QRect& exposed)
+void CanvasView::redraw(const Geometry::Rect& area)
 {
-    const double scale = devicePixelRatioF();
-    const QSize shown = (QSizeF(size()) * scale).toSize(); // in pixels of the screen
-    const double magnification = m_zoom * scale / m_image.pixelsPerPointX();
-    // A picture that is shown far smaller than it is would lose whole lines if each pixel of the
-    // screen looked at its nearest neighbours alone.
-    const bool isReduced = magnification < 1;
-    if (isReduced && m_reduced.size() != shown)
-        m_reduced = m_image.pixels.scaled(shown, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    if (!isReduced)
-        m_reduced = {};
-    const QImage& source = isReduced ? m_reduced : m_image.pixels;
-    const double factorX = source.width() / (m_image.size.width * m_zoom);
-    const double factorY = source.height() / (m_image.size.height * m_zoom);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, magnification < squarePixels);
-    painter.drawImage(QRectF(exposed), source,
-                      QRectF(exposed.x() * factorX, exposed.y() * factorY,
-                             exposed.width() * factorX, exposed.height() * factorY));
+    // What comes from rounding to whole pixels, of the screen and of the picture.
+    const double margin = 3 + m_zoom / m_image.pixelsPerPointX();
+    const Geometry::TopLeftRect place = flip().topLeftFromBottomLeft(area);
+    const QRectF scaled(place.x * m_zoom, place.y * m_zoom, place.width * m_zoom,
+                        place.height * m_zoom);
+    update((scaled.adjusted(-margin, -margin, margin, margin) & QRectF(rect())).toAlignedRect());
 }
 
-void CanvasView::paintSelection(QPainter& painter, const Annotation& selected) const
+void CanvasView::paintSelection(QPainter& painter, const Geometry::Rect& bounds) const
 {
     constexpr double width = 1.5;
     constexpr double radius = 4;
-    const Geometry::TopLeftRect box =
-        flip().topLeftFromBottomLeft(AnnotationRenderer::bounds(selected));
-    QPen pen(Platform::controlAccentColor(), width);
-    pen.setCapStyle(Qt::FlatCap);
-    pen.setDashPattern({5 / width, 4 / width}); // in widths of the line
+    constexpr double outside = 16; // what lies farther out is not seen
+    const Geometry::TopLeftRect box = flip().topLeftFromBottomLeft(bounds);
+    const QRectF near = QRectF(box.x, box.y, box.width, box.height) &
+                        QRectF(-outside, -outside, m_image.size.width + 2 * outside,
+                               m_image.size.height + 2 * outside);
+    QPainterPath outline;
+    outline.addRoundedRect(near, radius, radius);
+    QPainterPathStroker dashes;
+    dashes.setWidth(width);
+    dashes.setCapStyle(Qt::FlatCap);
+    dashes.setDashPattern({5 / width, 4 / width}); // in widths of the line
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(pen);
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(box.x, box.y, box.width, box.height), radius, radius);
+    painter.fillPath(dashes.createStroke(outline), Platform::controlAccentColor());
 }
 
 void CanvasView::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
-    paintImage(painter, event->rect());
-    painter.scale(m_zoom, m_zoom);
-    painter.setClipRect(QRectF(0, 0, m_image.size.width, m_image.size.height));
-    for (const Annotation& annotation : m_model.annotations())
-        AnnotationRenderer::draw(painter, flip(), annotation, m_image);
-    if (m_model.draft())
-        AnnotationRenderer::draw(painter, flip(), *m_model.draft(), m_image);
-    if (const Annotation* selected = m_model.selection())
-        paintSelection(painter, *selected);
+    const QTransform toScreen = painter.deviceTransform();
+    const double scale = m_zoom * toScreen.m11();
+    m_picture.setScale(scale);
+    // From here on in the screen's pixels, from a whole one on: the canvas's own corner may lie
+    // between two.
+    const QPoint corner(qRound(toScreen.dx()), qRound(toScreen.dy()));
+    const QTransform onScreen =
+        QTransform::fromTranslate(corner.x(), corner.y()) * toScreen.inverted();
+    const auto pixels = [&](const QRect& part) {
+        return toScreen.mapRect(QRectF(part)).toAlignedRect().translated(-corner);
+    };
+    QRegion area;
+    for (const QRect& part : event->region())
+        area += pixels(part);
+    const QRect seen = pixels(visibleRegion().boundingRect()) | area.boundingRect();
+
+    painter.setWorldTransform(onScreen);
+    for (const QRect& part : area - m_picture.canvas())
+        painter.fillRect(part, Platform::underPageColor());
+    m_picture.paint(painter, area, seen & m_picture.canvas());
+    if (const auto selected = m_model.selectedIndex()) {
+        painter.setClipRect(m_picture.canvas());
+        painter.setWorldTransform(QTransform::fromScale(scale, scale) * onScreen);
+        paintSelection(painter, m_model.places()[*selected].bounds);
+    }
 }

@@ -2,8 +2,8 @@
 
 #include "Editor/BaseImage.h"
 #include "Editor/CanvasModel.h"
+#include "Editor/CanvasPicture.h"
 
-#include <QImage>
 #include <QWidget>
 
 #include <functional>
@@ -30,6 +30,10 @@ public:
 
     /// The cursor follows the tool; call when that has changed.
     void toolChanged();
+    /// While the pointer moves the picture, the cursor is a hand that holds it.
+    void setPanning(bool isPanning);
+    /// A label being typed follows the colour and the stroke width; call when one has changed.
+    void styleChanged();
 
     bool isTyping() const { return m_activeTextField != nullptr; }
     /// Ends typing: what was typed becomes a label.
@@ -50,14 +54,14 @@ private:
     Geometry::Flip flip() const;
     void beginTextEntry(Geometry::Point p);
     void placeTextField();
-    void paintImage(QPainter& painter, const QRect& exposed);
-    void paintSelection(QPainter& painter, const Annotation& selected) const;
+    void redraw(const Geometry::Rect& area);
+    void paintSelection(QPainter& painter, const Geometry::Rect& bounds) const;
 
     BaseImage m_image;
     CanvasModel m_model;
+    CanvasPicture m_picture;
     double m_zoom = 1;
-    /// The picture at the size in which it was last shown, when that is smaller than it is.
-    QImage m_reduced;
+    bool m_isPanning = false;
     LabelField* m_activeTextField = nullptr; // a child
     Geometry::Point m_editingTextOrigin;
 };

@@ -154,10 +154,13 @@ void EditorWindowController::connectToolbar()
     });
     connect(m_toolbar, &EditorToolbar::colorClicked, this, [this, &model](const QString& hex) {
         model.setColorHex(hex);
+        m_canvas->styleChanged();
         m_toolbar->highlightColor(hex);
     });
-    connect(m_toolbar, &EditorToolbar::strokeChanged, this,
-            [&model](double width) { model.setStrokeWidth(width); });
+    connect(m_toolbar, &EditorToolbar::strokeChanged, this, [this, &model](double width) {
+        model.setStrokeWidth(width);
+        m_canvas->styleChanged();
+    });
     connect(m_toolbar, &EditorToolbar::undoClicked, this, [&model] { model.undo(); });
     connect(m_toolbar, &EditorToolbar::redoClicked, this, [&model] { model.redo(); });
     connect(m_toolbar, &EditorToolbar::clearClicked, this, [&model] { model.clear(); });

@@ -1,5 +1,6 @@
 #include "Editor/UndoHistory.h"
 
+#include <algorithm>
 #include <utility>
 
 void UndoHistory::willReplace(const QList<Annotation>& list, qsizetype index, qsizetype count,
@@ -9,16 +10,24 @@ void UndoHistory::willReplace(const QList<Annotation>& list, qsizetype index, qs
     m_redo.clear();
 }
 
-bool UndoHistory::swap(QList<Annotation>& list, std::vector<Step>& from, std::vector<Step>& to)
+std::optional<UndoHistory::Replacement>
+UndoHistory::swap(QList<Annotation>& list, std::vector<Step>& from, std::vector<Step>& to)
 {
     if (from.empty())
-        return false;
-    Step step = std::move(from.back());
+        return std::nullopt;
+    const Step step = std::move(from.back());
     from.pop_back();
+    const Replacement result{step.index, step.count, step.others.size()};
     QList<Annotation> replaced = list.mid(step.index, step.count);
-    list.remove(step.index, step.count);
-    for (qsizetype i = 0; i < step.others.size(); ++i)
-        list.insert(step.index + i, step.others[i]);
+    const qsizetype inPlace = std::min(step.count, step.others.size());
+    std::copy_n(step.others.begin(), inPlace, list.begin() + step.index);
+    list.remove(step.index + inPlace, step.count - inPlace);
+    if (step.index + inPlace == list.size()) {
+        list.append(step.others.mid(inPlace));
+    } else {
+        for (qsizetype i = inPlace; i < step.others.size(); ++i)
+            list.insert(step.index + i, step.others[i]);
+    }
     to.push_back({step.index, step.others.size(), std::move(replaced)});
-    return true;
+    return result;
 }

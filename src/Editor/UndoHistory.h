@@ -2,6 +2,7 @@
 
 #include "Editor/Annotation.h"
 
+#include <optional>
 #include <vector>
 
 /// The earlier states of a list of annotations, and those that were undone. Each is kept as what
@@ -13,11 +14,18 @@ public:
     void willReplace(const QList<Annotation>& list, qsizetype index, qsizetype count,
                      qsizetype newCount);
 
-    /// Turns `list`, the state after the newest step, into the one before it. False, and nothing
-    /// happens, when there is no step.
-    bool undo(QList<Annotation>& list) { return swap(list, m_undo, m_redo); }
+    /// `count` annotations from `index` on were replaced by `newCount` others.
+    struct Replacement {
+        qsizetype index;
+        qsizetype count;
+        qsizetype newCount;
+    };
+
+    /// Turns `list`, the state after the newest step, into the one before it. Nothing happens when
+    /// there is no step.
+    std::optional<Replacement> undo(QList<Annotation>& list) { return swap(list, m_undo, m_redo); }
     /// The other way round.
-    bool redo(QList<Annotation>& list) { return swap(list, m_redo, m_undo); }
+    std::optional<Replacement> redo(QList<Annotation>& list) { return swap(list, m_redo, m_undo); }
 
     std::size_t undoCount() const { return m_undo.size(); }
     std::size_t redoCount() const { return m_redo.size(); }
@@ -30,7 +38,8 @@ private:
         QList<Annotation> others;
     };
 
-    static bool swap(QList<Annotation>& list, std::vector<Step>& from, std::vector<Step>& to);
+    static std::optional<Replacement> swap(QList<Annotation>& list, std::vector<Step>& from,
+                                           std::vector<Step>& to);
 
     std::vector<Step> m_undo; // the newest last
     std::vector<Step> m_redo; // the same

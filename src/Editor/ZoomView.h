@@ -7,6 +7,9 @@
 #include <optional>
 
 class CanvasView;
+class QGestureEvent;
+class QNativeGestureEvent;
+class QPinchGesture;
 
 /// Shows a canvas at any magnification. The canvas stands in the middle while there is room.
 class ZoomView : public QScrollArea {
@@ -35,10 +38,21 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    /// `anchor`, in the viewport, shows the same afterwards.
+    /// What `anchor`, in the viewport, shows: a place on the canvas at magnification 1.
+    QPointF shownAt(QPointF anchor) const;
+    /// `anchor` shows `shown` afterwards, as far as the canvas reaches.
+    void setMagnification(double magnification, QPointF anchor, QPointF shown);
     void setMagnification(double magnification, QPointF anchor);
+    void panBy(QPoint distance);
+
+    bool nativeGesture(const QNativeGestureEvent& gesture);
+    bool gesture(QGestureEvent& event);
+    void pinch(const QPinchGesture& pinch);
 
     CanvasView* m_canvas; // the scroll area owns it
     /// Where the pointer was last while it moves the picture.
     std::optional<QPoint> m_pan;
+    /// What the fingers that zoom hold. Scroll bars have whole values: were it looked up at every
+    /// step, it would slip.
+    std::optional<QPointF> m_pinched;
 };

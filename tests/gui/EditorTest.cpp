@@ -431,6 +431,29 @@ TEST_F(EditorTest, TheMagnificationHasItsLimitsAndKeepsTheMiddle)
     EXPECT_EQ(view.magnification(), 1);
 }
 
+TEST_F(EditorTest, ALabelBeingTypedFollowsColourAndSize)
+{
+    open(picture("shot.png", 400, 300));
+    chooseTool(EditorTool::text);
+    click({60, 70});
+    QTest::keyClicks(field(), QStringLiteral("Look here"));
+    field()->setSelection(2, 4);
+    QTest::mouseClick(editor->toolbar().colorButtons().back().second, Qt::LeftButton);
+    EXPECT_EQ(field()->palette().color(QPalette::Text), QColor(Qt::white));
+    const auto* strokes = editor->toolbar().findChild<SegmentedControl*>();
+    QTest::mouseClick(strokes->findChildren<QAbstractButton*>()[2], Qt::LeftButton);
+    EXPECT_EQ(field()->font().pixelSize(), 26);
+    EXPECT_EQ(field()->geometry(), QRect(60, 300 - 70 - 38, 320, 38));
+    // Typing goes on where it was.
+    EXPECT_TRUE(field()->hasFocus());
+    EXPECT_EQ(field()->selectionStart(), 2);
+    EXPECT_EQ(field()->selectedText(), QStringLiteral("ok h"));
+    press(Qt::Key_Return);
+    ASSERT_EQ(model().annotations().size(), 1);
+    EXPECT_EQ(model().annotations()[0].colorHex, QStringLiteral("#FFFFFF"));
+    EXPECT_EQ(model().annotations()[0].fontSize, 26);
+}
+
 TEST_F(EditorTest, PointsAreThePicturesAtEveryMagnification)
 {
     open(picture("shot.png", 400, 300));

@@ -75,7 +75,8 @@ LAYERS = {
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
          "src/ChipPlacement.*", "src/ChipContent.*", "src/CaptureKind.*", "src/RecordingTypes.*",
          "src/Editor/Annotation*", "src/Editor/BaseImage.*", "src/Editor/Sidecar*",
-         "src/Editor/CanvasModel.*", "src/Editor/EditorLayout.*", "src/Editor/UndoHistory.*"],
+         "src/Editor/CanvasLayer.*", "src/Editor/CanvasModel.*", "src/Editor/CanvasPicture.*",
+         "src/Editor/EditorLayout.*", "src/Editor/ScaledPicture.*", "src/Editor/UndoHistory.*"],
         ["base", "support"],
         ["Core", "Gui"]),
     "services": Layer(

@@ -15,7 +15,7 @@ protected:
     CanvasModelTest()
     {
         model.onChange = [this] { ++changes; };
-        model.onRedraw = [this] { ++redraws; };
+        model.onRedraw = [this](const Geometry::Rect&) { ++redraws; };
     }
 
     void drag(Point from, Point to)
@@ -204,7 +204,7 @@ TEST_F(CanvasModelTest, TheTopmostUnderThePointerIsSelected)
     EXPECT_EQ(model.selectedID(), model.annotations()[0].id);
     selectAt({500, 500});
     EXPECT_FALSE(model.selectedID());
-    EXPECT_EQ(model.selection(), nullptr);
+    EXPECT_FALSE(model.selectedIndex());
 }
 
 TEST_F(CanvasModelTest, ALongMoveIsOneStep)

@@ -212,7 +212,7 @@ TEST_P(DrawnText, ShadowIsBlackAt45BlurredByTwoPointsOnePointBelow)
     const QRectF block(30, 30, 40, 30);
     QPainter painter(&image);
     painter.scale(density(), density());
-    AnnotationShadow::draw(painter, block,
+    AnnotationShadow::draw(painter, block, block.height(),
                            [&](QPainter& mask) { mask.fillRect(block, QColor(0, 0, 0)); });
     painter.end();
     // Across an edge the blur is the normal distribution with a deviation of half the radius.
