@@ -9,6 +9,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <cmath>
+
 using namespace Desktop;
 
 namespace {
@@ -48,10 +50,17 @@ EditorOnDesktop::EditorOnDesktop(const VirtualDesktop& desktop, QString path, st
     , m_id(id)
     , m_window(window)
 {
-    const QRect room = window.adjusted(0, qRound(toolbarHeight * desktop.options().scale), 0, 0);
-    m_picture = QRect(room.topLeft() + QPoint((room.width() - picture.width()) / 2,
-                                              (room.height() - picture.height()) / 2),
-                      picture);
+    // It stands in the middle, on whole points, and then on whole pixels.
+    const double scale = desktop.options().scale;
+    const auto margin = [scale](int room, int length, double taken) {
+        const int points =
+            qRound(room / scale - taken) - static_cast<int>(std::ceil(length / scale));
+        return qRound((taken + points / 2) * scale);
+    };
+    m_picture =
+        QRect(window.topLeft() + QPoint(margin(window.width(), picture.width(), 0),
+                                        margin(window.height(), picture.height(), toolbarHeight)),
+              picture);
 }
 
 const QList<EditorOnDesktop::Stroke>& EditorOnDesktop::strokes()
