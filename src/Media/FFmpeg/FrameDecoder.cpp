@@ -1,6 +1,6 @@
 #include "Media/FFmpeg/FrameDecoder.h"
 
-#include "Media/FFmpeg/Text.h"
+#include "Media/Av/Text.h"
 
 #include <new>
 

@@ -1,6 +1,6 @@
 #include "Media/FFmpeg/VideoFile.h"
 
-#include "Media/FFmpeg/Text.h"
+#include "Media/Av/Text.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Media/FFmpeg/Handles.h"
+#include "Media/Av/Handles.h"
 #include "Media/FFmpeg/Patience.h"
 #include "Support/RegularFile.h"
 #include "Support/Result.h"
@@ -31,5 +31,5 @@ private:
     const Patience& m_patience;
     std::int64_t m_position = 0;
     Av::Io m_io;
-    Av::Format m_context; // goes before what it reads from
+    Av::Input m_context; // goes before what it reads from
 };

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Movie/Core/Picture.h"
-#include "Movie/Encode/Encoder.h"
+#include "Media/Av/Encoder.h"
 
 #include <cstdint>
 
