@@ -20,6 +20,9 @@ public:
 
     AVFormatContext& context() { return *m_context; }
 
+    /// In bytes; nothing beyond can be read.
+    std::int64_t size() const { return m_file.size; }
+
 private:
     VideoFile(RegularFile file, const Patience& patience);
     PossibleFailure openContext();

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Movie/Core/Picture.h"
 #include "Media/Av/Encoder.h"
+#include "Movie/Core/Picture.h"
 
 #include <cstdint>
 
