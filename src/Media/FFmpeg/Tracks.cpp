@@ -32,7 +32,7 @@ AVStream* Tracks::sound(AVFormatContext& file)
     return firstOf(file, AVMEDIA_TYPE_AUDIO);
 }
 
-std::optional<std::int64_t> Tracks::endOfPicture(AVStream& track, std::int64_t time)
+std::optional<std::int64_t> Tracks::endOfSample(AVStream& track, std::int64_t time)
 {
     const int number = av_index_search_timestamp(&track, time, AVSEEK_FLAG_ANY);
     if (number < 0 || avformat_index_get_entry(&track, number)->timestamp != time)

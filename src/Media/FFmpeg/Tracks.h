@@ -13,9 +13,10 @@ AVStream* picture(AVFormatContext& file);
 
 AVStream* sound(AVFormatContext& file);
 
-/// By the file's table, until when the picture shows that is decoded at `time`; both in the track's
-/// ticks. Absent when the table does not say. For tracks that show what they decode at once.
-std::optional<std::int64_t> endOfPicture(AVStream& track, std::int64_t time);
+/// By the file's table, until when it shows or sounds what is decoded at `time`; both in the
+/// track's ticks. Absent when the table does not say. For tracks that show what they decode at
+/// once.
+std::optional<std::int64_t> endOfSample(AVStream& track, std::int64_t time);
 
 /// Other tracks are not read any more. `wanted` may be null.
 void readOnly(AVFormatContext& file, const AVStream* wanted, const AVStream* alsoWanted = nullptr);

@@ -160,10 +160,11 @@ bool Remux::readPacket()
         // Half a packet is where the file is broken off.
         if ((m_packet->flags & AV_PKT_FLAG_CORRUPT) != 0 || m_packet->size == 0)
             continue;
-        // What FFmpeg says of fragments is a guess, by which the last picture would be too short.
-        if (m_packet->stream_index == m_picture->index && m_packet->pts == m_packet->dts) {
-            if (const auto end = Tracks::endOfPicture(*m_picture, m_packet->dts))
-                m_packet->duration = *end - m_packet->dts;
+        // What FFmpeg says of fragments is a guess or nothing, and the last sample would be lost.
+        const bool isPicture = m_packet->stream_index == m_picture->index;
+        if (m_packet->pts == m_packet->dts) {
+            const auto end = Tracks::endOfSample(isPicture ? *m_picture : *m_sound, m_packet->dts);
+            m_packet->duration = end ? *end - m_packet->dts : m_packet->duration;
         }
         return true;
     }
