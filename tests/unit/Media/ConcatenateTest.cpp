@@ -131,6 +131,9 @@ TEST_F(Concatenate, EncodesALongSegmentInPiecesThatMissNothing)
     for (std::size_t i = 0; i < movie.frames.size(); ++i)
         EXPECT_NEAR(movie.frames[i].time, segment.frames[i].time, tick);
     EXPECT_NEAR(movie.picture.duration, 9.5, tick);
+    const std::string bytes = contentOf(m_target);
+    ASSERT_TRUE(join().succeeded());
+    EXPECT_TRUE(contentOf(m_target) == bytes) << "whoever was quicker this time";
 }
 
 TEST_F(Concatenate, ReadsFramesThatReachAcrossKeyFrames)
@@ -264,6 +267,14 @@ TEST_F(Concatenate, TakesPicturesOfAnyKind)
     }
     expectGreys(joined(), std::vector(8, 126));
     EXPECT_EQ(PlayedMovie::packetsOf(m_target).colours, "tv bt709 bt709 bt709");
+}
+
+TEST_F(Concatenate, IsTurnedAsTheFirstSegmentIs)
+{
+    const std::string bytes = FilmedSegment::steady(0.2, 10, 80).bytes();
+    add(Videos::withMatrix(bytes, 0, 1, -1, 0));
+    add(bytes);
+    EXPECT_NEAR(joined().turn, -90, 0.1);
 }
 
 TEST_F(Concatenate, LeavesOutWhatCannotBePlayed)

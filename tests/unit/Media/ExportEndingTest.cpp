@@ -6,7 +6,7 @@
 #include "unit/Media/FilmedSegment.h"
 #include "unit/Media/PlayedMovie.h"
 
-#include <QObject>
+#include <QCoreApplication>
 #include <QThread>
 
 #include <gmock/gmock.h>
@@ -40,7 +40,7 @@ protected:
     }
 
     /// So much work that nobody waits for its end.
-    QStringList endless() const { return QStringList(5000, m_segment); }
+    QStringList endless() const { return QStringList(1000, m_segment); }
 
     TemporaryFolder m_folder;
     QString m_segment = QString::fromStdString(m_folder / "segment");
@@ -76,22 +76,28 @@ public:
         return status;
     }
 
-    /// Whether it has a file below `folder` open, with or without a name. Linux.
-    bool hasOpenBelow(const std::string& folder) const
-    {
+    pid_t id() const { return m_id; }
+
+private:
+    pid_t m_id;
+};
+
+/// Waits until the process has a file below `folder` open, with or without a name. Linux.
+[[nodiscard]] bool awaitOpenBelow(const std::string& folder, pid_t process)
+{
+    const auto deadline = std::chrono::steady_clock::now() + 30s;
+    const std::string descriptors = "/proc/" + std::to_string(process) + "/fd";
+    while (std::chrono::steady_clock::now() < deadline) {
         std::error_code error;
-        const std::string descriptors = "/proc/" + std::to_string(m_id) + "/fd";
         for (const auto& entry : fs::directory_iterator(descriptors, error)) {
             const fs::path target = fs::read_symlink(entry.path(), error);
             if (target.string().starts_with(folder + "/"))
                 return true;
         }
-        return false;
+        std::this_thread::sleep_for(1ms);
     }
-
-private:
-    pid_t m_id;
-};
+    return false;
+}
 
 } // namespace
 
@@ -99,11 +105,7 @@ TEST_F(ExportEnding, KilledLeavesNothing)
 {
     fs::create_directory(m_folder / "out");
     Fork fork([&] { MovieExport::concatenate(endless(), m_target); });
-    const auto deadline = std::chrono::steady_clock::now() + 30s;
-    while (!fork.hasOpenBelow(m_folder / "out")) {
-        ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-        std::this_thread::sleep_for(1ms);
-    }
+    ASSERT_TRUE(awaitOpenBelow(m_folder / "out", fork.id()));
     fork.end(SIGKILL);
     EXPECT_TRUE(fs::is_empty(m_folder / "out"));
 }
@@ -116,12 +118,13 @@ TEST_F(ExportEnding, CancelledLeavesNothingAndSaysSo)
     MovieExport::concatenateInBackground(
         endless(), m_target,
         Guarded::once<const MovieExport::Outcome&>(
-            qApp, [&](const MovieExport::Outcome& ended) { outcome = ended; }),
+            QCoreApplication::instance(),
+            [&](const MovieExport::Outcome& ended) { outcome = ended; }),
         cancellation);
-    // In the middle of it, wherever that is.
-    std::this_thread::sleep_for(20ms);
+    const bool isWriting = awaitOpenBelow(m_folder / "out", getpid());
     cancellation.cancel();
     ASSERT_TRUE(runUntil([&] { return outcome.has_value(); }));
+    EXPECT_TRUE(isWriting);
     EXPECT_EQ(outcome->end, MovieExport::End::failed);
     EXPECT_THAT(outcome->reason, HasSubstr("cancelled"));
     EXPECT_TRUE(fs::is_empty(m_folder / "out"));
@@ -136,7 +139,8 @@ TEST_F(ExportEnding, InTheBackgroundReportsOnceFromAnotherThread)
     std::atomic<int> calls = 0;
     std::atomic<bool> isElsewhere = false;
     const auto completion = [&](const MovieExport::Outcome& outcome) {
-        isElsewhere = QThread::currentThread() != qApp->thread() && outcome.succeeded();
+        isElsewhere = QThread::currentThread() != QCoreApplication::instance()->thread() &&
+                      outcome.succeeded();
         ++calls;
     };
     MovieExport::remuxInBackground(m_segment, m_target, completion);
