@@ -81,6 +81,7 @@ TEST_F(ExportEnding, KilledLeavesNothing)
 TEST_F(ExportEnding, CancelledLeavesNothingAndSaysSo)
 {
     fs::create_directory(m_folder / "out");
+    writeFile(m_target.toStdString(), "old");
     const Cancellation cancellation;
     std::optional<MovieExport::Outcome> outcome;
     MovieExport::concatenateInBackground(

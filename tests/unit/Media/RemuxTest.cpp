@@ -200,6 +200,11 @@ TEST_F(Remux, MakesAacOfSoundThatMp4CannotHold)
         std::abs(movie.samples.at(static_cast<std::size_t>(movie.loudestBetween(20'000, 40'000)))),
         0.5, 0.03)
         << "one channel is as loud as it was";
+    double difference = 0;
+    for (std::size_t i = 0; i < movie.samples.size(); ++i)
+        difference =
+            std::max(difference, std::abs(double{movie.samples[i]} - movie.rightSamples[i]));
+    EXPECT_LT(difference, 0.02) << "on both sides";
 }
 
 TEST_F(Remux, ReplacesWhatStandsThere)
