@@ -313,6 +313,17 @@ TEST_F(Concatenate, LeavesOutWhatCannotBePlayed)
     EXPECT_NEAR(movie.loudestBetween(24'000, 48'000), 36'000, 1);
 }
 
+TEST_F(Concatenate, ShowsASegmentsFirstPictureFromItsBeginning)
+{
+    add(FilmedSegment::withoutFirstFragment(FilmedSegment::steady(2.5, 10, 90).bytes()));
+    const PlayedMovie movie = joined();
+    ASSERT_EQ(movie.frames.size(), 15U);
+    EXPECT_EQ(movie.frames[0].time, 0);
+    EXPECT_NEAR(movie.frames[1].time, 1.1, tick);
+    EXPECT_NEAR(movie.picture.duration, 2.5, tick);
+    expectGreys(movie, std::vector(15, 90));
+}
+
 TEST_F(Concatenate, CutsASegmentWhoseLastPicturesAreBrokenOff)
 {
     const std::string whole = FilmedSegment::steady(3, 10, 80).bytes();

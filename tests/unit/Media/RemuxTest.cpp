@@ -139,6 +139,16 @@ TEST_F(Remux, OfASourceThatIsBrokenOffAnywhereKeepsWhatIsThere)
     }
 }
 
+TEST_F(Remux, BeginsWithAKeyFrameAndLeavesThatWhereItWas)
+{
+    const FilmedSegment segment = FilmedSegment::steady(2.5, 10, 90);
+    expectRemuxed(file(FilmedSegment::withoutFirstFragment(segment.bytes())));
+    const PlayedMovie movie = PlayedMovie::of(m_target);
+    ASSERT_EQ(movie.frames.size(), 15U);
+    EXPECT_TRUE(movie.picture.packets.front().isKey);
+    EXPECT_NEAR(movie.frames.front().time, 1, 1e-5);
+}
+
 TEST_F(Remux, KeepsTurnColoursAndEditLists)
 {
     // The sound begins before 0, the pictures are decoded before 0: both by edit lists.
