@@ -58,7 +58,7 @@ std::optional<std::int64_t> indexRoomFor(std::initializer_list<AVStream*> tracks
         if (all.back().samples == 0)
             return {};
         fewest = std::min(fewest, all.back().samples);
-        room += 4 * track->codecpar->extradata_size;
+        room += std::int64_t{4} * track->codecpar->extradata_size;
     }
     for (const Tables& tables : all) {
         // A chunk ends where the other track goes on, or when it is large.
