@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::int64_t headers = 32 << 10;     // of the file and its tracks
+constexpr std::int64_t headers = 8 << 10;      // of the file and its tracks
 constexpr std::int64_t chunkBytes = 512 << 10; // two chunks in a row have twice as many
 
 /// What ISO/IEC 14496-12, 8.6 and 8.7, has in tables for each sample, chunk, or change.
