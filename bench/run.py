@@ -9,7 +9,8 @@ import sys
 
 from desktops import ROOT, Failed
 
-NAMES = ["still", "movie", "overlay", "confirm", "chips", "flatten", "canvas", "sidecar", "idle"]
+NAMES = ["still", "movie", "overlay", "confirm", "chips", "flatten", "canvas", "sidecar", "finish",
+         "idle"]
 
 
 class Report:

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "Media/Cancellation.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <string>
+
+/// Makes a plain MP4 file of the movies that the capture tool films: its index in front, so that it
+/// plays before all of it was read, and readable by its owner alone.
+///
+/// A file that stands at `destination` is removed as soon as it is known that there is something to
+/// take its place, a link itself and not what it points at. The new file has its name when it is
+/// complete and on the disk itself: whoever sees it sees all of it, and the segments may be deleted
+/// then without a power cut taking both. Until then it has none (a hidden one in the same folder on
+/// file systems where every file has a name), so that nothing stays behind of an export that fails,
+/// is cancelled or is killed. Sources are only read. Nothing is logged.
+namespace MovieExport {
+
+enum class End {
+    completed,  ///< The file is in its place.
+    failed,     ///< There is no file; `reason` says why. A cancelled export ends so too.
+    impossible, ///< It was not begun, since the library for video files is missing.
+};
+
+/// How an export ended.
+struct Outcome {
+    End end;
+    std::string reason; ///< One line for people, without full stop; empty when it completed.
+
+    bool succeeded() const { return end == End::completed; }
+};
+
+/// Called once, on a thread of the export's own: a callback made by Guarded::once brings itself to
+/// the main thread.
+using Completion = std::function<void(const Outcome& outcome)>;
+
+/// Copies the pictures and the sound of `source` without encoding them again, with their turn,
+/// colours and timing; sound that MP4 cannot hold becomes AAC. Of a source that is broken off there
+/// is what can be played. It is a failure when that is nothing. Takes about a second for half a
+/// gigabyte. Any thread.
+Outcome remux(const QString& source, const QString& destination,
+              const Cancellation& cancellation = {});
+
+/// Plays `segments` into one movie, one right behind the other, encoded again (H.264 without frames
+/// that refer to later ones, a key frame at least every second) such that nobody sees a difference.
+/// It has the size of the first segment; pictures of another size are fitted into that. Each
+/// segment is as long as the longer of its picture and its sound. Sound is silent where a segment
+/// has none, and ends with the last segment that has some. Segments in which there is no picture,
+/// missing ones too, are left out; it is a failure when none is left. Uses every core. Any thread.
+Outcome concatenate(const QStringList& segments, const QString& destination,
+                    const Cancellation& cancellation = {});
+
+/// The same on a thread of their own. `completion` is called in any case; the end of the program
+/// waits for it, so whoever does not want that cancels. Exports do not wait for each other.
+void remuxInBackground(const QString& source, const QString& destination, Completion completion,
+                       const Cancellation& cancellation = {});
+void concatenateInBackground(const QStringList& segments, const QString& destination,
+                             Completion completion, const Cancellation& cancellation = {});
+
+} // namespace MovieExport
