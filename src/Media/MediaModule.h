@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Media/FrameReader.h"
+#include "Media/MovieExport.h"
 
 /// The library that reads and writes video files. It brings a hundred others along, which cost a
 /// start tens of milliseconds and tens of megabytes: most runs of the program never need them, so
@@ -9,6 +10,11 @@ struct MediaModule {
     /// As FrameReader::open.
     Result<std::unique_ptr<FrameSource>> (*openFrames)(const QString& path,
                                                        const FrameReaderLimits& limits);
+    /// As MovieExport's of the same names.
+    MovieExport::Outcome (*remux)(const QString& source, const QString& destination,
+                                  const Cancellation& cancellation);
+    MovieExport::Outcome (*concatenate)(const QStringList& segments, const QString& destination,
+                                        const Cancellation& cancellation);
 
     /// The module, loaded by the first call; null when it is missing. Any thread.
     static const MediaModule* get();

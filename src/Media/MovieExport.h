@@ -45,10 +45,10 @@ Outcome remux(const QString& source, const QString& destination,
 
 /// Plays `segments` into one movie, one right behind the other, encoded again (H.264 without frames
 /// that refer to later ones, a key frame at least every second) such that nobody sees a difference.
-/// It has the size of the first segment; pictures of another size are fitted into that. Each segment
-/// is as long as the longer of its picture and its sound. Sound is silent where a segment has none,
-/// and ends with the last segment that has some. Segments in which there is no picture, missing ones
-/// too, are left out; it is a failure when none is left. Uses every core. Any thread.
+/// It has the size of the first segment; pictures of another size are fitted into that. Each
+/// segment is as long as the longer of its picture and its sound. Sound is silent where a segment
+/// has none, and ends with the last segment that has some. Segments in which there is no picture,
+/// missing ones too, are left out; it is a failure when none is left. Uses every core. Any thread.
 Outcome concatenate(const QStringList& segments, const QString& destination,
                     const Cancellation& cancellation = {});
 

@@ -65,9 +65,11 @@ LAYERS = {
         ["base", "support", "media"],
         ["Core", "Gui"],
         libraries=["png"]),
+    # FFmpeg's types, for the program and the capture tool.
+    "av": Layer(["src/Media/Av/*"], ["base"], [], libraries=["av"]),
     "ffmpeg": Layer(
         ["src/Media/FFmpeg/*"],
-        ["base", "support", "media"],
+        ["base", "support", "media", "av"],
         ["Core", "Gui"],
         libraries=["av"]),
     "media": Layer(["src/Media/*"], ["base", "support"], ["Core", "Gui"]),
@@ -123,12 +125,13 @@ LAYERS = {
         ["tools/screencapture/Movie/Screen/*"], ["base", "x11", "movie core"], [],
         libraries=["xcb"]),
     "movie encode": Layer(
-        ["tools/screencapture/Movie/Encode/*"], ["base", "movie core"], [], libraries=["av"]),
+        ["tools/screencapture/Movie/Encode/*"], ["base", "movie core", "av"], [],
+        libraries=["av"]),
     "movie sound": Layer(
         ["tools/screencapture/Movie/Sound/*"], ["base"], [], libraries=["pulse"]),
     "movie": Layer(
         ["tools/screencapture/Movie/*"],
-        ["base", "x11", "capture tool", "movie core", "movie screen", "movie encode",
+        ["base", "x11", "capture tool", "av", "movie core", "movie screen", "movie encode",
          "movie sound"],
         []),
     "capture tool": Layer(

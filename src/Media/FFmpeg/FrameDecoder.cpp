@@ -1,6 +1,7 @@
 #include "Media/FFmpeg/FrameDecoder.h"
 
-#include "Media/FFmpeg/Text.h"
+#include "Media/Av/Text.h"
+#include "Media/FFmpeg/Tracks.h"
 
 #include <new>
 
@@ -8,22 +9,6 @@ namespace {
 
 /// 8K has 33 million; every frame that the codec keeps takes memory for as many.
 constexpr std::int64_t maximumPixels = std::int64_t{36} << 20;
-
-/// The track that players show; none when there is no picture but a cover.
-AVStream* pictureTrackOf(AVFormatContext& file)
-{
-    AVStream* found = nullptr;
-    for (unsigned i = 0; i < file.nb_streams; ++i) {
-        AVStream* const stream = file.streams[i];
-        const bool isMoving = stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
-                              (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
-        const bool isDefault = (stream->disposition & AV_DISPOSITION_DEFAULT) != 0;
-        if (isMoving &&
-            (!found || (isDefault && (found->disposition & AV_DISPOSITION_DEFAULT) == 0)))
-            found = stream;
-    }
-    return found;
-}
 
 } // namespace
 
@@ -35,14 +20,13 @@ FrameDecoder::FrameDecoder(AVFormatContext& file, AVStream& stream, const Patien
 {
     if (!m_packet)
         throw std::bad_alloc();
-    for (unsigned i = 0; i < file.nb_streams; ++i)
-        file.streams[i]->discard = file.streams[i] == &stream ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+    Tracks::readOnly(file, &stream);
 }
 
 Result<std::unique_ptr<FrameDecoder>> FrameDecoder::open(AVFormatContext& file,
                                                          const Patience& patience)
 {
-    AVStream* const stream = pictureTrackOf(file);
+    AVStream* const stream = Tracks::picture(file);
     if (!stream)
         return Failure{"there is no video in it"};
     std::unique_ptr<FrameDecoder> decoder(new FrameDecoder(file, *stream, patience));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Media/FFmpeg/Handles.h"
+#include "Media/Av/Handles.h"
 #include "Media/FFmpeg/Patience.h"
 #include "Support/Result.h"
 

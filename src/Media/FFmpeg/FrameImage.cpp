@@ -1,5 +1,7 @@
 #include "Media/FFmpeg/FrameImage.h"
 
+#include "Media/FFmpeg/FrameColours.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -40,37 +42,6 @@ QSize fitted(QSize size, QSize box)
     const QSizeF scaled = QSizeF(size).scaled(QSizeF(box), Qt::KeepAspectRatio);
     return {std::max(1, static_cast<int>(std::lround(scaled.width()))),
             std::max(1, static_cast<int>(std::lround(scaled.height())))};
-}
-
-struct Matrix {
-    AVColorSpace name;
-    int coefficients; // as swscale calls them
-};
-
-constexpr std::array matrices{
-    Matrix{AVCOL_SPC_BT709, SWS_CS_ITU709},        Matrix{AVCOL_SPC_FCC, SWS_CS_FCC},
-    Matrix{AVCOL_SPC_BT470BG, SWS_CS_ITU601},      Matrix{AVCOL_SPC_SMPTE170M, SWS_CS_ITU601},
-    Matrix{AVCOL_SPC_SMPTE240M, SWS_CS_SMPTE240M}, Matrix{AVCOL_SPC_BT2020_NCL, SWS_CS_BT2020},
-    Matrix{AVCOL_SPC_BT2020_CL, SWS_CS_BT2020},
-};
-
-/// The matrix of the frame's colours; one that says nothing is taken by its size, as players do.
-int matrixOf(const AVFrame& frame)
-{
-    for (const Matrix& matrix : matrices) {
-        if (matrix.name == frame.colorspace)
-            return matrix.coefficients;
-    }
-    return frame.width >= 1280 || frame.height > 576 ? SWS_CS_ITU709 : SWS_CS_ITU601;
-}
-
-bool isFullRange(const AVFrame& frame)
-{
-    // Formats of their own from when there was no tag.
-    constexpr std::array formats{AV_PIX_FMT_YUVJ411P, AV_PIX_FMT_YUVJ420P, AV_PIX_FMT_YUVJ422P,
-                                 AV_PIX_FMT_YUVJ440P, AV_PIX_FMT_YUVJ444P};
-    return frame.color_range == AVCOL_RANGE_JPEG ||
-           std::find(formats.begin(), formats.end(), frame.format) != formats.end();
 }
 
 bool hasAlpha(const AVFrame& frame)
@@ -146,9 +117,9 @@ Result<QImage> FrameImage::render(const AVFrame& frame, QSize box)
     if (image.isNull() || !m_scaler)
         return Failure{"a frame of this kind cannot be shown"};
     constexpr int one = 1 << 16;
-    sws_setColorspaceDetails(m_scaler.get(), sws_getCoefficients(matrixOf(frame)),
-                             isFullRange(frame) ? 1 : 0, sws_getCoefficients(SWS_CS_DEFAULT), 1, 0,
-                             one, one);
+    sws_setColorspaceDetails(m_scaler.get(), sws_getCoefficients(FrameColours::matrixOf(frame)),
+                             FrameColours::isFullRange(frame) ? 1 : 0,
+                             sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, one, one);
     const std::array<std::uint8_t*, 4> planes = {image.bits()};
     const std::array<int, 4> strides = {static_cast<int>(image.bytesPerLine())};
     if (sws_scale(m_scaler.get(), frame.data, frame.linesize, 0, frame.height, planes.data(),

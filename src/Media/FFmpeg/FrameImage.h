@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Media/FFmpeg/Handles.h"
+#include "Media/Av/Handles.h"
+#include "Media/FFmpeg/Converters.h"
 #include "Media/Orientation.h"
 #include "Support/Result.h"
 

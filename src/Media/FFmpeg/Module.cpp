@@ -1,5 +1,7 @@
 #include "Media/MediaModule.h"
 
+#include "Media/FFmpeg/Export/Concatenation.h"
+#include "Media/FFmpeg/Export/Remux.h"
 #include "Media/FFmpeg/Video.h"
 
 #include <QtGlobal>
@@ -8,6 +10,7 @@ extern "C" Q_DECL_EXPORT const MediaModule* tamrikMediaModule();
 
 const MediaModule* tamrikMediaModule()
 {
-    static const MediaModule module = {.openFrames = Video::open};
+    static const MediaModule module = {
+        .openFrames = Video::open, .remux = remuxMovie, .concatenate = concatenateMovies};
     return &module;
 }

@@ -1,8 +1,9 @@
 #include "Media/FFmpeg/VideoFile.h"
 
-#include "Media/FFmpeg/Text.h"
+#include "Media/Av/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <utility>
@@ -29,6 +30,41 @@ int isOver(void* patience)
     return static_cast<const Patience*>(patience)->isOver() ? 1 : 0;
 }
 
+std::uint64_t numberIn(const std::uint8_t* bytes, int count)
+{
+    std::uint64_t number = 0;
+    for (int i = 0; i < count; ++i)
+        number = number << 8 | bytes[i];
+    return number;
+}
+
+/// Where to stop reading: before a fragment of a movie whose table is broken off, since FFmpeg
+/// takes the whole file for unreadable then. Otherwise the file's own end. Boxes as in ISO/IEC
+/// 14496-12.
+std::int64_t readableEnd(const RegularFile& file, const Patience& patience)
+{
+    constexpr std::uint64_t shortHeader = 8, longHeader = 16;
+    const auto size = static_cast<std::uint64_t>(file.size);
+    std::array<std::uint8_t, longHeader> header = {};
+    for (std::uint64_t at = 0; at + shortHeader <= size && !patience.isOver();) {
+        const ssize_t count =
+            pread(file.descriptor.get(), header.data(), header.size(), static_cast<off_t>(at));
+        if (count < static_cast<ssize_t>(shortHeader))
+            break;
+        std::uint64_t length = numberIn(header.data(), 4);
+        if (length == 1 && count == static_cast<ssize_t>(longHeader))
+            length = numberIn(header.data() + shortHeader, 8);
+        if (length < shortHeader)
+            break;
+        if (length > size - at) {
+            const bool isTable = std::equal(header.begin() + 4, header.begin() + 8, "moof");
+            return isTable ? static_cast<std::int64_t>(at) : file.size;
+        }
+        at += length;
+    }
+    return file.size;
+}
+
 } // namespace
 
 VideoFile::VideoFile(RegularFile file, const Patience& patience)
@@ -46,6 +82,7 @@ Result<std::unique_ptr<VideoFile>> VideoFile::open(const std::string& path,
     Result<RegularFile> file = RegularFile::open(path);
     if (!file)
         return file.failure();
+    file->size = readableEnd(*file, patience);
     std::unique_ptr<VideoFile> video(new VideoFile(std::move(*file), patience));
     if (const PossibleFailure failure = video->openContext())
         return Failure{"cannot read " + path + ": " + failure->message};
@@ -79,8 +116,10 @@ int VideoFile::read(void* self, std::uint8_t* bytes, int size)
     auto& file = *static_cast<VideoFile*>(self);
     if (file.m_patience.isOver())
         return AVERROR_EXIT;
+    const std::int64_t left = std::max<std::int64_t>(file.m_file.size - file.m_position, 0);
     const ssize_t count =
-        pread(file.m_file.descriptor.get(), bytes, static_cast<std::size_t>(size), file.m_position);
+        pread(file.m_file.descriptor.get(), bytes,
+              static_cast<std::size_t>(std::min<std::int64_t>(size, left)), file.m_position);
     if (count < 0)
         return AVERROR(errno);
     file.m_position += count;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Media/FFmpeg/Handles.h"
+#include "Media/Av/Handles.h"
 #include "Media/FFmpeg/Patience.h"
 #include "Support/RegularFile.h"
 #include "Support/Result.h"
@@ -20,6 +20,9 @@ public:
 
     AVFormatContext& context() { return *m_context; }
 
+    /// In bytes; nothing beyond can be read.
+    std::int64_t size() const { return m_file.size; }
+
 private:
     VideoFile(RegularFile file, const Patience& patience);
     PossibleFailure openContext();
@@ -31,5 +34,5 @@ private:
     const Patience& m_patience;
     std::int64_t m_position = 0;
     Av::Io m_io;
-    Av::Format m_context; // goes before what it reads from
+    Av::Input m_context; // goes before what it reads from
 };

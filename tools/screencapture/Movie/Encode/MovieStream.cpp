@@ -1,5 +1,7 @@
 #include "Movie/Encode/MovieStream.h"
 
+#include "Media/Av/Text.h"
+
 #include <utility>
 
 namespace {

@@ -1,5 +1,7 @@
 #include "Movie/Encode/SoundEncoder.h"
 
+#include "Media/Av/Text.h"
+
 namespace {
 
 constexpr int channels = 2;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Movie/Encode/Encoder.h"
+#include "Media/Av/Encoder.h"
 
 #include <cstdint>
 #include <span>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Media/Av/Encoder.h"
 #include "Movie/Core/Picture.h"
-#include "Movie/Encode/Encoder.h"
 
 #include <cstdint>
 

@@ -1,4 +1,4 @@
-#include "Media/FFmpeg/Text.h"
+#include "Media/Av/Text.h"
 
 #include <array>
 

@@ -1,4 +1,6 @@
-#include "Movie/Encode/Encoder.h"
+#include "Media/Av/Encoder.h"
+
+#include "Media/Av/Text.h"
 
 Result<Av::Codec> Encoder::codecNamed(const char* name)
 {

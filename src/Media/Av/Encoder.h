@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Movie/Encode/Handles.h"
+#include "Media/Av/Handles.h"
 #include "Support/Result.h"
 
 #include <vector>

@@ -1,0 +1,42 @@
+#include "Media/FFmpeg/Tracks.h"
+
+namespace {
+
+bool isDefault(const AVStream& stream)
+{
+    return (stream.disposition & AV_DISPOSITION_DEFAULT) != 0;
+}
+
+AVStream* firstOf(AVFormatContext& file, AVMediaType type)
+{
+    AVStream* found = nullptr;
+    for (unsigned i = 0; i < file.nb_streams; ++i) {
+        AVStream* const stream = file.streams[i];
+        const bool isMeant = stream->codecpar->codec_type == type &&
+                             (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
+        if (isMeant && (!found || (isDefault(*stream) && !isDefault(*found))))
+            found = stream;
+    }
+    return found;
+}
+
+} // namespace
+
+AVStream* Tracks::picture(AVFormatContext& file)
+{
+    return firstOf(file, AVMEDIA_TYPE_VIDEO);
+}
+
+AVStream* Tracks::sound(AVFormatContext& file)
+{
+    return firstOf(file, AVMEDIA_TYPE_AUDIO);
+}
+
+void Tracks::readOnly(AVFormatContext& file, const AVStream* wanted, const AVStream* alsoWanted)
+{
+    for (unsigned i = 0; i < file.nb_streams; ++i) {
+        AVStream* const stream = file.streams[i];
+        const bool isRead = stream == wanted || stream == alsoWanted;
+        stream->discard = isRead ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+    }
+}
