@@ -32,6 +32,17 @@ AVStream* Tracks::sound(AVFormatContext& file)
     return firstOf(file, AVMEDIA_TYPE_AUDIO);
 }
 
+std::optional<std::int64_t> Tracks::endOfSample(AVStream& track, std::int64_t time)
+{
+    const int number = av_index_search_timestamp(&track, time, AVSEEK_FLAG_ANY);
+    if (number < 0 || avformat_index_get_entry(&track, number)->timestamp != time)
+        return {};
+    const bool isLast = number + 1 == avformat_index_get_entries_count(&track);
+    const std::int64_t end =
+        isLast ? track.duration : avformat_index_get_entry(&track, number + 1)->timestamp;
+    return end > time ? std::optional(end) : std::nullopt;
+}
+
 void Tracks::readOnly(AVFormatContext& file, const AVStream* wanted, const AVStream* alsoWanted)
 {
     for (unsigned i = 0; i < file.nb_streams; ++i) {

@@ -2,6 +2,9 @@
 
 #include "Media/Av/Handles.h"
 
+#include <cstdint>
+#include <optional>
+
 /// The tracks of a file that are meant; null when there is none.
 namespace Tracks {
 
@@ -9,6 +12,11 @@ namespace Tracks {
 AVStream* picture(AVFormatContext& file);
 
 AVStream* sound(AVFormatContext& file);
+
+/// By the file's table, until when it shows or sounds what is decoded at `time`; both in the
+/// track's ticks. Absent when the table does not say. For tracks that show what they decode at
+/// once.
+std::optional<std::int64_t> endOfSample(AVStream& track, std::int64_t time);
 
 /// Other tracks are not read any more. `wanted` may be null.
 void readOnly(AVFormatContext& file, const AVStream* wanted, const AVStream* alsoWanted = nullptr);

@@ -96,8 +96,6 @@ PossibleFailure Concatenation::findKind()
             m_turn.assign(turn, turn + size);
         return {};
     }
-    if (m_patience.isOver())
-        return ExportPatience::cancelled();
     return Failure{"there is no picture in any segment"};
 }
 
@@ -207,5 +205,6 @@ MovieExport::Outcome concatenateMovies(const QStringList& segments, const QStrin
     for (const QString& segment : segments)
         paths.push_back(QFile::encodeName(segment).toStdString());
     return ExportPatience::outcome(
+        cancellation,
         Concatenation(QFile::encodeName(destination).toStdString(), cancellation).run(paths));
 }

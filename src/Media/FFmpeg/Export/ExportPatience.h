@@ -20,8 +20,12 @@ inline Failure cancelled()
     return {"it was cancelled"};
 }
 
-inline MovieExport::Outcome outcome(const PossibleFailure& failure)
+/// What fails when it is cancelled fails for that reason.
+inline MovieExport::Outcome outcome(const Cancellation& cancellation,
+                                    const PossibleFailure& failure)
 {
+    if (failure && cancellation.isCancelled())
+        return {MovieExport::End::failed, cancelled().message};
     if (failure)
         return {MovieExport::End::failed, failure->message};
     return {MovieExport::End::completed, {}};

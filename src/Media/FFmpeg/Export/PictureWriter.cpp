@@ -34,7 +34,7 @@ Result<PictureWriter> PictureWriter::create(const PictureKind& kind)
     context.thread_count = 1;
     av_opt_set(context.priv_data, "preset", "superfast", 0);
     av_opt_set(context.priv_data, "tune", "zerolatency", 0);
-    av_opt_set(context.priv_data, "crf", "17", 0);
+    av_opt_set(context.priv_data, "crf", "15", 0);
     av_opt_set(context.priv_data, "forced-idr", "1", 0);
     if (PossibleFailure failure = open(context))
         return *failure;

@@ -100,8 +100,6 @@ PossibleFailure Remux::findFirst()
         if (!m_first.back())
             return Failure{"there is no memory left"};
     }
-    if (m_patience.isOver())
-        return ExportPatience::cancelled();
     return m_hasKey ? std::nullopt : PossibleFailure(nothingToPlay());
 }
 
@@ -160,8 +158,15 @@ bool Remux::readPacket()
         if (error < 0)
             return false;
         // Half a packet is where the file is broken off.
-        if ((m_packet->flags & AV_PKT_FLAG_CORRUPT) == 0 && m_packet->size > 0)
-            return true;
+        if ((m_packet->flags & AV_PKT_FLAG_CORRUPT) != 0 || m_packet->size == 0)
+            continue;
+        // What FFmpeg says of fragments is a guess or nothing, and the last sample would be lost.
+        const bool isPicture = m_packet->stream_index == m_picture->index;
+        if (m_packet->pts == m_packet->dts) {
+            const auto end = Tracks::endOfSample(isPicture ? *m_picture : *m_sound, m_packet->dts);
+            m_packet->duration = end ? *end - m_packet->dts : m_packet->duration;
+        }
+        return true;
     }
     return false;
 }
@@ -202,7 +207,8 @@ PossibleFailure Remux::copy(AVPacket& packet)
 MovieExport::Outcome remuxMovie(const QString& source, const QString& destination,
                                 const Cancellation& cancellation)
 {
-    return ExportPatience::outcome(Remux(QFile::encodeName(source).toStdString(),
+    return ExportPatience::outcome(cancellation,
+                                   Remux(QFile::encodeName(source).toStdString(),
                                          QFile::encodeName(destination).toStdString(), cancellation)
                                        .run());
 }
