@@ -2,7 +2,6 @@
 
 #include "Platform/CaptureTool.h"
 #include "Platform/Screens.h"
-#include "Support/CaptureFiles.h"
 #include "Support/Guarded.h"
 #include "Support/Log.h"
 #include "Support/Process.h"
@@ -12,9 +11,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStringDecoder>
-#include <QThreadPool>
 #include <QUuid>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -35,14 +35,6 @@ void remove(const QList<QUrl>& files)
 {
     for (const QUrl& file : files)
         QFile::remove(file.toLocalFile()); // one that stays does no harm
-}
-
-QStringList paths(const QList<QUrl>& files)
-{
-    QStringList result;
-    for (const QUrl& file : files)
-        result += file.toLocalFile();
-    return result;
 }
 
 QUrl newSegment(const QString& folder)
@@ -76,12 +68,12 @@ Process::Command toolCommand(const RecordingSession& session, const QUrl& segmen
 RecordingManager::RecordingManager(RecordingTools tools, QObject* parent)
     : QObject(parent)
     , m_tools(std::move(tools))
+    , m_finisher(m_tools)
 {
 }
 
 RecordingManager::~RecordingManager()
 {
-    m_exports.cancel();
     interrupt();
     m_film.reset();
     if (m_session && m_discardOnFinish) {
@@ -274,8 +266,6 @@ void RecordingManager::note(const QList<QUrl>& segments, bool discarded)
                             .discarded = discarded});
 }
 
-// Finishing
-
 void RecordingManager::finishSession()
 {
     m_state = RecordingState::idle;
@@ -284,79 +274,14 @@ void RecordingManager::finishSession()
     if (!m_session)
         return;
     const RecordingSession session = *std::exchange(m_session, std::nullopt);
-    const Recorded recorded = {.segments = std::exchange(m_segments, {}),
-                               .finalURL = session.finalURL,
-                               .journal = std::exchange(m_journal, nullptr),
-                               .completion = session.completion};
-    if (m_discardOnFinish) {
-        recorded.journal->remove();
-        remove(recorded.segments);
-        recorded.completion({});
-        return;
-    }
-    finish(recorded);
-}
-
-void RecordingManager::finish(const Recorded& recorded)
-{
-    if (recorded.segments.isEmpty()) {
-        recorded.journal->remove();
-        recorded.completion({});
-    } else if (recorded.segments.size() == 1) {
-        remux(recorded);
-    } else {
-        concatenate(recorded);
-    }
-}
-
-void RecordingManager::remux(const Recorded& recorded)
-{
-    using Outcome = MovieExport::Outcome;
-    const auto exported = [this, recorded](const Outcome& outcome) {
-        if (outcome.end == MovieExport::End::failed)
-            Log::line(QStringLiteral("mp4 remux failed: ") +
-                      QString::fromStdString(outcome.reason));
-        if (!outcome.succeeded()) {
-            moveUnfinished(recorded);
-            return;
-        }
-        // In this order: a segment without its journal is only waste, a journal without some of its
-        // segments would make less than the whole of the file that is there already.
-        recorded.journal->remove();
-        remove(recorded.segments);
-        recorded.completion(recorded.finalURL);
-    };
-    m_tools.remux(recorded.segments.front().toLocalFile(), recorded.finalURL.toLocalFile(),
-                  Guarded::once<const Outcome&>(this, exported), m_exports);
-}
-
-void RecordingManager::concatenate(const Recorded& recorded)
-{
-    using Outcome = MovieExport::Outcome;
-    const auto exported = [recorded](const Outcome& outcome) {
-        recorded.journal->remove();
-        remove(recorded.segments);
-        recorded.completion(outcome.succeeded() ? recorded.finalURL : QUrl());
-    };
-    m_tools.concatenate(paths(recorded.segments), recorded.finalURL.toLocalFile(),
-                        Guarded::once<const Outcome&>(this, exported), m_exports);
-}
-
-void RecordingManager::moveUnfinished(const Recorded& recorded)
-{
-    const QFileInfo wanted(recorded.finalURL.toLocalFile());
-    const QString fallback =
-        wanted.path() + QLatin1Char('/') + wanted.completeBaseName() + QStringLiteral(".mov");
-    const auto moved = Guarded::once<bool>(this, [recorded, fallback](bool succeeded) {
-        recorded.journal->remove();
-        recorded.completion(succeeded ? QUrl::fromLocalFile(fallback) : QUrl());
-    });
-    // It may go to another disk.
-    QThreadPool::globalInstance()->start(
-        [segment = recorded.segments.front().toLocalFile(), fallback, moved] {
-            QFile::remove(fallback);
-            moved(CaptureFiles::move(segment, fallback));
-        });
+    const RecordedSegments recorded = {.segments = std::exchange(m_segments, {}),
+                                       .finalURL = session.finalURL,
+                                       .journal = std::exchange(m_journal, nullptr),
+                                       .completion = session.completion};
+    if (m_discardOnFinish)
+        m_finisher.discard(recorded);
+    else
+        m_finisher.finish(recorded);
 }
 
 // Recovery
@@ -370,22 +295,21 @@ void RecordingManager::recover(const Recovered& recovered, int attempts)
 {
     auto search = RecordingJournal::claimAbandoned(m_tools.folder);
     for (auto& [journal, entry] : search.found) {
+        RecordedSegments left = {.segments = {},
+                                 .finalURL = entry.finalURL,
+                                 .journal = std::move(journal),
+                                 .completion = [recovered, asGIF = entry.asGIF](const QUrl& file) {
+                                     if (!file.isEmpty())
+                                         recovered(file, asGIF);
+                                 }};
+        std::copy_if(entry.segments.begin(), entry.segments.end(),
+                     std::back_inserter(left.segments), exists);
         if (entry.discarded) {
-            journal->remove();
-            remove(entry.segments);
+            m_finisher.discard(left);
             continue;
         }
-        QList<QUrl> filmed;
-        std::copy_if(entry.segments.begin(), entry.segments.end(), std::back_inserter(filmed),
-                     [](const QUrl& segment) { return exists(segment); });
         QDir().mkpath(QFileInfo(entry.finalURL.toLocalFile()).path());
-        finish({.segments = filmed,
-                .finalURL = entry.finalURL,
-                .journal = std::move(journal),
-                .completion = [recovered, asGIF = entry.asGIF](const QUrl& file) {
-                    if (!file.isEmpty())
-                        recovered(file, asGIF);
-                }});
+        m_finisher.finish(left);
     }
     if (search.othersAreHeld && attempts > 1) {
         m_tools.clock.after(recoveryPause, Guarded::once(this, [this, recovered, attempts] {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Media/Cancellation.h"
+#include "RecordingFinisher.h"
 #include "RecordingJournal.h"
 #include "RecordingTools.h"
 #include "RecordingTypes.h"
@@ -55,14 +55,6 @@ public:
     void recover(const Recovered& recovered);
 
 private:
-    /// What became of a session, or is left of one.
-    struct Recorded {
-        QList<QUrl> segments;
-        QUrl finalURL;
-        std::shared_ptr<RecordingJournal> journal;
-        std::function<void(const QUrl& file)> completion;
-    };
-
     void launchSegment();
     void segmentEnded(const QUrl& segment);
     void logErrors() const;
@@ -71,11 +63,6 @@ private:
     void beginAfresh();
     void note(const QList<QUrl>& segments, bool discarded);
     void finishSession();
-
-    void finish(const Recorded& recorded);
-    void remux(const Recorded& recorded);
-    void concatenate(const Recorded& recorded);
-    void moveUnfinished(const Recorded& recorded);
     void recover(const Recovered& recovered, int attempts);
 
     RecordingTools m_tools;
@@ -90,5 +77,5 @@ private:
     bool m_pendingResume = false;
     bool m_startedNotified = false;
     std::shared_ptr<RecordingJournal> m_journal; // the session's
-    Cancellation m_exports;
+    RecordingFinisher m_finisher;
 };

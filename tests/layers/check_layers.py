@@ -83,8 +83,8 @@ LAYERS = {
         ["Core", "Gui"]),
     "services": Layer(
         ["src/HotKey.*", "src/CaptureManager.*", "src/ChipThumbnail.*", "src/Preferences.*",
-         "src/RecordingJournal.*", "src/RecordingManager.*", "src/RecordingTools.*",
-         "src/ScreenWatcher.*"],
+         "src/RecordingFinisher.*", "src/RecordingJournal.*", "src/RecordingManager.*",
+         "src/RecordingTools.*", "src/ScreenWatcher.*"],
         MODEL_AND_BELOW + ["platform", "media"],
         ["Core", "Gui"]),
     "kit": Layer(

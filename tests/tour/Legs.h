@@ -11,6 +11,7 @@ void screenshot(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamr
 /// Begins with one chip.
 void chips(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 void adjusting(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
+void recording(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 /// `program` is the path of what `tamrik` runs.
 void secondStart(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik,
                  const QString& program);

@@ -52,6 +52,7 @@ int main(int argc, char** argv)
         Legs::screenshot(tour, **desktop, *tamrik);
         Legs::chips(tour, **desktop, *tamrik);
         Legs::adjusting(tour, **desktop, *tamrik);
+        Legs::recording(tour, **desktop, *tamrik);
         Legs::secondStart(tour, **desktop, *tamrik, program);
         Legs::statusMenu(tour, **desktop, *tamrik);
     }

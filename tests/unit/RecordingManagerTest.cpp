@@ -1,5 +1,7 @@
 #include "unit/RecordingFixture.h"
 
+#include <QThreadPool>
+
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using State = RecordingState;
@@ -514,6 +516,14 @@ TEST_F(RecordingManagerTest, ASegmentThatCannotBeMovedEitherStaysAndGivesNothing
     ASSERT_TRUE(runUntil([this] { return !results.isEmpty(); }));
     EXPECT_THAT(results, ElementsAre(nothing));
     EXPECT_EQ(segmentFiles(), QStringList{QFileInfo(run(0).file()).fileName()});
+    // The next start tries again: nobody holds the journal any more.
+    exports.clear();
+    QThreadPool::globalInstance()->waitForDone();
+    manager->recover([this](const QUrl& file, bool) { results.append(file); });
+    ASSERT_EQ(exports.size(), 1u);
+    complete(MovieExport::End::completed);
+    EXPECT_EQ(results.back(), QUrl::fromLocalFile(finalPath()));
+    EXPECT_TRUE(isTidy());
 }
 
 TEST_F(RecordingManagerTest, AFailedJoinGivesNothingAndDeletesTheSegments)
