@@ -98,9 +98,7 @@ void RecordingFinisher::moveUnfinished(const RecordedSegments& recorded)
         recorded.completion(succeeded ? QUrl::fromLocalFile(fallback) : QUrl());
     });
     // It may go to another disk.
-    QThreadPool::globalInstance()->start(
-        [segment = recorded.segments.front().toLocalFile(), fallback, moved] {
-            QFile::remove(fallback);
-            moved(CaptureFiles::move(segment, fallback));
-        });
+    QThreadPool::globalInstance()->start([segment = recorded.segments.front().toLocalFile(),
+                                          fallback,
+                                          moved] { moved(CaptureFiles::move(segment, fallback)); });
 }

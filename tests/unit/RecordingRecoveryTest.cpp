@@ -188,7 +188,9 @@ TEST_F(RecordingRecoveryTest, AProgramThatGoesInTheMiddleOfADiscardLeavesNothing
     start();
     recordAndPause();
     manager->togglePause();
+    EXPECT_FALSE(journal().value(QStringLiteral("discarded")).toBool(true));
     manager->stop(true);
+    EXPECT_TRUE(journal().value(QStringLiteral("discarded")).toBool()); // should it be killed
     write(run(1).file(), "film");
     manager.reset();
     EXPECT_TRUE(isTidy());
