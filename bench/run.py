@@ -9,7 +9,7 @@ import sys
 
 from desktops import ROOT, Failed
 
-NAMES = ["still", "movie", "overlay", "confirm", "chips", "flatten", "idle"]
+NAMES = ["still", "movie", "overlay", "confirm", "chips", "flatten", "finish", "idle"]
 
 
 class Report:

@@ -22,9 +22,9 @@ int main(int argc, char** argv)
     const QStringList segments = words.mid(2);
     QElapsedTimer timer;
     timer.start();
-    const MovieExport::Outcome outcome =
-        segments.size() == 1 ? MovieExport::remux(segments.front(), words[1])
-                             : MovieExport::concatenate(segments, words[1]);
+    const MovieExport::Outcome outcome = segments.size() == 1
+                                             ? MovieExport::remux(segments.front(), words[1])
+                                             : MovieExport::concatenate(segments, words[1]);
     if (!outcome.succeeded()) {
         std::fprintf(stderr, "%s\n", outcome.reason.c_str());
         return 1;

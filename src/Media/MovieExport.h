@@ -11,11 +11,12 @@
 /// Makes a plain MP4 file of the movies that the capture tool films: its index in front, so that it
 /// plays before all of it was read, and readable by its owner alone.
 ///
-/// A file that stands at `destination` is removed at the beginning, a link itself and not what it
-/// points at. The new one has another, hidden name in the same folder until it is complete and on
-/// the disk itself; then it is renamed, so that whoever sees `destination` sees all of it, and the
-/// segments may be deleted without a power cut taking both. Nothing stays behind of an export that
-/// fails or is cancelled. Sources are only read. No function logs anything.
+/// A file that stands at `destination` is removed as soon as it is known that there is something to
+/// take its place, a link itself and not what it points at. The new file has its name when it is
+/// complete and on the disk itself: whoever sees it sees all of it, and the segments may be deleted
+/// then without a power cut taking both. Until then it has none (a hidden one in the same folder on
+/// file systems where every file has a name), so that nothing stays behind of an export that fails,
+/// is cancelled or is killed. Sources are only read. Nothing is logged.
 namespace MovieExport {
 
 enum class End {

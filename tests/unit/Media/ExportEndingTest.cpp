@@ -1,26 +1,25 @@
 #include "Media/MovieExport.h"
 
 #include "Support/Guarded.h"
+#include "support/ChildProcess.h"
 #include "support/EventLoop.h"
 #include "support/TemporaryFolder.h"
 #include "unit/Media/FilmedSegment.h"
 #include "unit/Media/PlayedMovie.h"
 
-#include <QObject>
+#include <QCoreApplication>
 #include <QThread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <optional>
-#include <sched.h>
-#include <sstream>
 #include <thread>
 
-#include <sys/mount.h>
-#include <sys/wait.h>
+#include <signal.h>
 #include <unistd.h>
 
 namespace {
@@ -40,88 +39,61 @@ protected:
     }
 
     /// So much work that nobody waits for its end.
-    QStringList endless() const { return QStringList(5000, m_segment); }
+    QStringList endless() const { return QStringList(1000, m_segment); }
 
     TemporaryFolder m_folder;
     QString m_segment = QString::fromStdString(m_folder / "segment");
     QString m_target = QString::fromStdString(m_folder / "out/film.mp4");
 };
 
-/// Runs `work` in a process of its own.
-class Fork {
-public:
-    template <class Work>
-    explicit Fork(Work work)
-        : m_id(fork())
-    {
-        if (m_id == 0) {
-            work();
-            _exit(0);
-        }
-    }
-    ~Fork() { end(SIGKILL); }
-
-    void end(int signal)
-    {
-        if (m_id <= 0)
-            return;
-        kill(m_id, signal);
-        wait();
-    }
-    int wait()
-    {
-        int status = -1;
-        EXPECT_EQ(waitpid(m_id, &status, 0), m_id);
-        m_id = -1;
-        return status;
-    }
-
-    /// Whether it has a file below `folder` open, with or without a name. Linux.
-    bool hasOpenBelow(const std::string& folder) const
-    {
+/// Waits until the process has a file below `folder` open, with or without a name. Linux.
+[[nodiscard]] bool awaitOpenBelow(const std::string& folder, pid_t process)
+{
+    const auto deadline = std::chrono::steady_clock::now() + 30s;
+    const std::string descriptors = "/proc/" + std::to_string(process) + "/fd";
+    while (std::chrono::steady_clock::now() < deadline) {
         std::error_code error;
-        const std::string descriptors = "/proc/" + std::to_string(m_id) + "/fd";
         for (const auto& entry : fs::directory_iterator(descriptors, error)) {
             const fs::path target = fs::read_symlink(entry.path(), error);
             if (target.string().starts_with(folder + "/"))
                 return true;
         }
-        return false;
+        std::this_thread::sleep_for(1ms);
     }
-
-private:
-    pid_t m_id;
-};
+    return false;
+}
 
 } // namespace
 
 TEST_F(ExportEnding, KilledLeavesNothing)
 {
     fs::create_directory(m_folder / "out");
-    Fork fork([&] { MovieExport::concatenate(endless(), m_target); });
-    const auto deadline = std::chrono::steady_clock::now() + 30s;
-    while (!fork.hasOpenBelow(m_folder / "out")) {
-        ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-        std::this_thread::sleep_for(1ms);
-    }
-    fork.end(SIGKILL);
+    Command command{{TAMRIK_EXPORT_PROGRAM, m_target.toStdString()}, {}};
+    for (const QString& segment : endless())
+        command.words.push_back(segment.toStdString());
+    ChildProcess program(command);
+    ASSERT_TRUE(awaitOpenBelow(m_folder / "out", program.id()));
+    program.send(SIGKILL);
+    EXPECT_EQ(program.wait().signal, SIGKILL);
     EXPECT_TRUE(fs::is_empty(m_folder / "out"));
 }
 
 TEST_F(ExportEnding, CancelledLeavesNothingAndSaysSo)
 {
     fs::create_directory(m_folder / "out");
+    writeFile(m_target.toStdString(), "old");
     const Cancellation cancellation;
     std::optional<MovieExport::Outcome> outcome;
     MovieExport::concatenateInBackground(
         endless(), m_target,
         Guarded::once<const MovieExport::Outcome&>(
-            qApp, [&](const MovieExport::Outcome& ended) { outcome = ended; }),
+            QCoreApplication::instance(),
+            [&](const MovieExport::Outcome& ended) { outcome = ended; }),
         cancellation);
-    // In the middle of it, wherever that is.
-    std::this_thread::sleep_for(20ms);
+    const bool isWriting = awaitOpenBelow(m_folder / "out", getpid());
     cancellation.cancel();
     ASSERT_TRUE(runUntil([&] { return outcome.has_value(); }));
+    EXPECT_TRUE(isWriting);
     EXPECT_EQ(outcome->end, MovieExport::End::failed);
     EXPECT_THAT(outcome->reason, HasSubstr("cancelled"));
     EXPECT_TRUE(fs::is_empty(m_folder / "out"));
@@ -136,7 +108,8 @@ TEST_F(ExportEnding, InTheBackgroundReportsOnceFromAnotherThread)
     std::atomic<int> calls = 0;
     std::atomic<bool> isElsewhere = false;
     const auto completion = [&](const MovieExport::Outcome& outcome) {
-        isElsewhere = QThread::currentThread() != qApp->thread() && outcome.succeeded();
+        isElsewhere = QThread::currentThread() != QCoreApplication::instance()->thread() &&
+                      outcome.succeeded();
         ++calls;
     };
     MovieExport::remuxInBackground(m_segment, m_target, completion);
@@ -149,47 +122,39 @@ TEST_F(ExportEnding, InTheBackgroundReportsOnceFromAnotherThread)
     EXPECT_EQ(PlayedMovie::of(m_target.toStdString()).frames.size(), 120U);
 }
 
-/// What exports onto a disk of so many KiB say, and what is there afterwards.
-std::string exportOntoSmallDisk(const QStringList& segments, const QString& target, int kib)
+/// What exports onto a disk of so many KiB of its own say, and what is there after each.
+std::string exportOntoSmallDisk(const QString& segment, const QString& target, int kib)
 {
-    const std::string disk = fs::path(target.toStdString()).parent_path();
+    const fs::path disk = fs::path(target.toStdString()).parent_path();
     fs::create_directory(disk);
-    int ends[2] = {};
-    EXPECT_EQ(pipe(ends), 0);
-    Fork fork([&] {
-        std::ostringstream said;
-        // Only the superuser mounts, in a name space of its own everybody is that.
-        const int spaces = CLONE_NEWNS | (geteuid() == 0 ? 0 : CLONE_NEWUSER);
-        const std::string options = "size=" + std::to_string(kib) + "k";
-        if (unshare(spaces) != 0 ||
-            mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("tmpfs", disk.c_str(), "tmpfs", 0, options.c_str()) != 0)
-        {
-            said << "no disk: " << strerror(errno);
-        } else {
-            said << MovieExport::remux(segments.front(), target).reason << "\n"
-                 << MovieExport::concatenate(segments, target).reason << "\n"
-                 << std::distance(fs::directory_iterator(disk), {}) << " files\n";
-        }
-        const std::string text = said.str();
-        _exit(write(ends[1], text.data(), text.size()) < 0);
-    });
-    close(ends[1]);
-    std::string said(1000, '\0');
-    said.resize(static_cast<std::size_t>(std::max<ssize_t>(read(ends[0], said.data(), 1000), 0)));
-    close(ends[0]);
-    fork.wait();
-    return said;
+    const std::string script = "mount -t tmpfs -o size=" + std::to_string(kib) +
+                               "k tmpfs \"$1\" || exit 90\n"
+                               "for segments in \"$4\" \"$4 $4\"; do\n"
+                               "  \"$2\" \"$3\" $segments\n"
+                               "  ls -A \"$1\"\n"
+                               "done\n";
+    Command command;
+    command.words = {"unshare", "--mount"};
+    if (geteuid() != 0)
+        command.words.push_back("--map-root-user");
+    for (const std::string& word :
+         {std::string("sh"), std::string("-c"), script, std::string("sh"), disk.string(),
+          std::string(TAMRIK_EXPORT_PROGRAM), target.toStdString(), segment.toStdString()})
+        command.words.push_back(word);
+    const Outcome outcome = run(command);
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.error, "");
+    return outcome.output;
 }
 
 TEST_F(ExportEnding, AFullDiskIsAFailureThatLeavesNothing)
 {
     const std::string line =
         "cannot write " + m_target.toStdString() + ": No space left on device\n";
-    EXPECT_EQ(exportOntoSmallDisk({m_segment, m_segment}, m_target, 4), line + line + "0 files\n");
+    EXPECT_EQ(exportOntoSmallDisk(m_segment, m_target, 4), line + line);
 }
 
 TEST_F(ExportEnding, ALargeEnoughDiskIsNone)
 {
-    EXPECT_EQ(exportOntoSmallDisk({m_segment, m_segment}, m_target, 4000), "\n\n1 files\n");
+    EXPECT_EQ(exportOntoSmallDisk(m_segment, m_target, 4000), "\nfilm.mp4\n\nfilm.mp4\n");
 }

@@ -130,3 +130,10 @@ std::string FilmedSegment::bytes() const
     const std::vector<std::uint8_t> all = stream.take();
     return {all.begin(), all.end()};
 }
+
+std::string FilmedSegment::withoutFirstFragment(const std::string& bytes)
+{
+    const std::size_t first = bytes.find("moof") - 4;
+    const std::size_t second = bytes.find("moof", first + 8) - 4;
+    return bytes.substr(0, first) + bytes.substr(second);
+}

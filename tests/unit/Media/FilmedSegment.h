@@ -23,4 +23,7 @@ struct FilmedSegment {
 
     /// The file's bytes: a fragment every half second, a key frame every second.
     std::string bytes() const;
+
+    /// `bytes` as if the first fragment, with the first key frame, had never been.
+    static std::string withoutFirstFragment(const std::string& bytes);
 };

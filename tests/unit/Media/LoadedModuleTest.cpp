@@ -10,4 +10,7 @@ TEST(LoadedModule, IsFoundFromTheProgramAndWorks)
     const auto reader = FrameReader::open(QStringLiteral("/nothing/here.mp4"));
     ASSERT_FALSE(reader);
     EXPECT_NE(reader.failure().message.find("/nothing/here.mp4"), std::string::npos);
+    const auto outcome = MovieExport::remux(QStringLiteral("/nothing/here.mov"), {});
+    EXPECT_EQ(outcome.end, MovieExport::End::failed);
+    EXPECT_NE(outcome.reason.find("/nothing/here.mov"), std::string::npos);
 }

@@ -41,9 +41,14 @@ Av::Codec decoderOf(const AVStream& stream)
 void addFrame(PlayedMovie& movie, const AVFrame& frame, const AVStream& stream)
 {
     const auto at = [&](int x, int y) { return int{frame.data[0][y * frame.linesize[0] + x]}; };
+    std::string luma;
+    for (int y = 0; y < frame.height; ++y) {
+        const std::uint8_t* const row = frame.data[0] + std::ptrdiff_t{y} * frame.linesize[0];
+        luma.append(row, row + frame.width);
+    }
     movie.frames.push_back({seconds(frame.best_effort_timestamp, stream.time_base),
                             at(frame.width / 2, frame.height / 2), at(0, frame.height / 2),
-                            at(frame.width / 2, 0)});
+                            at(frame.width / 2, 0), std::move(luma)});
 }
 
 void addSound(PlayedMovie& movie, const AVFrame& frame, const AVStream& stream)
@@ -51,15 +56,19 @@ void addSound(PlayedMovie& movie, const AVFrame& frame, const AVStream& stream)
     movie.soundRate = frame.sample_rate;
     const auto start = static_cast<std::ptrdiff_t>(
         std::llround(seconds(frame.best_effort_timestamp, stream.time_base) * frame.sample_rate));
-    const void* const plane = frame.data[0];
-    const auto* const samples = static_cast<const float*>(plane);
-    for (int i = 0; i < frame.nb_samples; ++i) {
-        const std::ptrdiff_t place = start + i;
-        if (place < 0)
-            continue;
-        if (movie.samples.size() <= static_cast<std::size_t>(place))
-            movie.samples.resize(static_cast<std::size_t>(place) + 1);
-        movie.samples[static_cast<std::size_t>(place)] = samples[i];
+    const auto samplesOf = [&](int channel) {
+        const void* const plane = frame.data[channel];
+        return static_cast<const float*>(plane);
+    };
+    const float* const left = samplesOf(0);
+    const float* const right = samplesOf(frame.ch_layout.nb_channels > 1 ? 1 : 0);
+    const auto end =
+        static_cast<std::size_t>(std::max<std::ptrdiff_t>(start + frame.nb_samples, 0));
+    movie.samples.resize(std::max(movie.samples.size(), end));
+    movie.rightSamples.resize(movie.samples.size());
+    for (std::ptrdiff_t i = std::max<std::ptrdiff_t>(-start, 0); i < frame.nb_samples; ++i) {
+        movie.samples[static_cast<std::size_t>(start + i)] = left[i];
+        movie.rightSamples[static_cast<std::size_t>(start + i)] = right[i];
     }
 }
 
@@ -154,7 +163,7 @@ std::vector<int> PlayedMovie::greys() const
 
 int PlayedMovie::loudestBetween(int from, int to) const
 {
-    const auto begin = samples.begin() + from;
+    const auto begin = samples.begin() + std::min<std::ptrdiff_t>(from, std::ssize(samples));
     const auto end = samples.begin() + std::min<std::ptrdiff_t>(to, std::ssize(samples));
     const auto louder = [](float a, float b) { return std::abs(a) < std::abs(b); };
     return static_cast<int>(std::max_element(begin, end, louder) - samples.begin());

@@ -18,10 +18,11 @@ struct PlayedMovie {
         double duration = 0; ///< As its header says, in seconds.
     };
     struct Frame {
-        double time;  ///< In seconds.
-        int grey;     ///< In the middle.
-        int edgeGrey; ///< Halfway down the left edge.
-        int topGrey;  ///< In the middle of the upper edge.
+        double time;      ///< In seconds.
+        int grey;         ///< In the middle.
+        int edgeGrey;     ///< Halfway down the left edge.
+        int topGrey;      ///< In the middle of the upper edge.
+        std::string luma; ///< All of its brightness, row by row.
     };
 
     Track picture;
@@ -31,7 +32,8 @@ struct PlayedMovie {
     std::string colours; ///< Range, primaries, transfer and matrix, as FFmpeg calls them.
     double turn = 0;     ///< Counterclockwise, in degrees.
     std::vector<Frame> frames;
-    std::vector<float> samples; ///< The left channel, from 0 s on.
+    std::vector<float> samples;      ///< The left channel, from 0 s on.
+    std::vector<float> rightSamples; ///< As many; of a single channel the same.
     int soundRate = 0;
     bool hasIndexInFront = false;
 

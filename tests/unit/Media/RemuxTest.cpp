@@ -139,6 +139,16 @@ TEST_F(Remux, OfASourceThatIsBrokenOffAnywhereKeepsWhatIsThere)
     }
 }
 
+TEST_F(Remux, BeginsWithAKeyFrameAndLeavesThatWhereItWas)
+{
+    const FilmedSegment segment = FilmedSegment::steady(2.5, 10, 90);
+    expectRemuxed(file(FilmedSegment::withoutFirstFragment(segment.bytes())));
+    const PlayedMovie movie = PlayedMovie::of(m_target);
+    ASSERT_EQ(movie.frames.size(), 15U);
+    EXPECT_TRUE(movie.picture.packets.front().isKey);
+    EXPECT_NEAR(movie.frames.front().time, 1, 1e-5);
+}
+
 TEST_F(Remux, KeepsTurnColoursAndEditLists)
 {
     // The sound begins before 0, the pictures are decoded before 0: both by edit lists.
@@ -200,6 +210,11 @@ TEST_F(Remux, MakesAacOfSoundThatMp4CannotHold)
         std::abs(movie.samples.at(static_cast<std::size_t>(movie.loudestBetween(20'000, 40'000)))),
         0.5, 0.03)
         << "one channel is as loud as it was";
+    double difference = 0;
+    for (std::size_t i = 0; i < movie.samples.size(); ++i)
+        difference =
+            std::max(difference, std::abs(double{movie.samples[i]} - movie.rightSamples[i]));
+    EXPECT_LT(difference, 0.02) << "on both sides";
 }
 
 TEST_F(Remux, ReplacesWhatStandsThere)

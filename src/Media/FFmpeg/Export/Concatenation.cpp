@@ -184,8 +184,12 @@ PossibleFailure Concatenation::writePictures(std::vector<Av::Packet> packets)
         if (PossibleFailure failure = writeHeld(packet->pts))
             return failure;
         m_held = std::move(packet);
+        PossibleFailure failure =
+            m_sound ? m_sound->writeUpTo(samplesAt(m_held->pts)) : std::nullopt;
+        if (failure)
+            return failure;
     }
-    return m_sound && m_held ? m_sound->writeUpTo(samplesAt(m_held->pts)) : std::nullopt;
+    return {};
 }
 
 PossibleFailure Concatenation::writeHeld(std::int64_t until)

@@ -63,10 +63,13 @@ AVStream* MovieWriter::addTrack(const AVCodecParameters& parameters, AVRational 
     return track;
 }
 
-PossibleFailure MovieWriter::begin()
+PossibleFailure MovieWriter::begin(std::optional<std::int64_t> indexRoom)
 {
     AVDictionary* options = nullptr;
-    av_dict_set(&options, "movflags", "+faststart", 0);
+    if (indexRoom)
+        av_dict_set_int(&options, "moov_size", *indexRoom, 0);
+    else
+        av_dict_set(&options, "movflags", "+faststart", 0);
     av_dict_set_int(&options, "movie_timescale", movieTicks, 0);
     const int error = avformat_write_header(m_output.get(), &options);
     av_dict_free(&options);

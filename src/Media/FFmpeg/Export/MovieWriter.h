@@ -3,6 +3,7 @@
 #include "Media/Av/Handles.h"
 #include "Media/FFmpeg/Export/OutputFile.h"
 
+#include <optional>
 #include <vector>
 
 /// Writes packets into an MP4 file whose index comes first.
@@ -20,7 +21,9 @@ public:
     /// `ticks`. Null when there is no memory left.
     AVStream* addTrack(const AVCodecParameters& parameters, AVRational ticks);
 
-    PossibleFailure begin();
+    /// `indexRoom` are bytes for an index that is known not to be larger. Without them the samples
+    /// are moved at the end to make room.
+    PossibleFailure begin(std::optional<std::int64_t> indexRoom = {});
 
     /// A track's packets come in order; tracks may be some seconds apart. The packet is taken over.
     PossibleFailure add(AVPacket& packet, const AVStream& track);

@@ -59,7 +59,7 @@ Failure OutputFile::cannotWrite(int error) const
     return {"cannot write " + m_path + ": " + std::generic_category().message(error)};
 }
 
-Result<std::unique_ptr<OutputFile>> OutputFile::create(const std::string& path)
+Result<std::unique_ptr<OutputFile>> OutputFile::create(const std::string& path, Kind kind)
 {
     const std::size_t slash = path.rfind('/');
     const bool hasFolder = slash != std::string::npos;
@@ -71,7 +71,7 @@ Result<std::unique_ptr<OutputFile>> OutputFile::create(const std::string& path)
         return file->cannotWrite(errno);
     // Where that fails something is found out when it is to be replaced.
     unlinkat(file->m_folder.get(), file->m_name.c_str(), 0);
-    if (file->openNameless())
+    if (kind == Kind::Nameless && file->openNameless())
         return file;
     if (const PossibleFailure failure = file->openHidden())
         return *failure;

@@ -14,8 +14,12 @@
 /// systems that cannot do this it has a hidden one in the same folder, which goes with this object.
 class OutputFile {
 public:
-    /// Removes what stands at `path`, unless it is a folder.
-    static Result<std::unique_ptr<OutputFile>> create(const std::string& path);
+    enum class Kind { Nameless, Hidden };
+
+    /// Removes what stands at `path`, unless it is a folder. Hidden is for file systems without
+    /// nameless files, which are found out without being told.
+    static Result<std::unique_ptr<OutputFile>> create(const std::string& path,
+                                                      Kind kind = Kind::Nameless);
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
     ~OutputFile();

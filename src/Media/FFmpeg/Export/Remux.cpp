@@ -2,6 +2,7 @@
 
 #include "Media/Av/Text.h"
 #include "Media/FFmpeg/Export/ExportPatience.h"
+#include "Media/FFmpeg/Export/IndexRoom.h"
 #include "Media/FFmpeg/Export/MovieWriter.h"
 #include "Media/FFmpeg/Export/SoundJoin.h"
 #include "Media/FFmpeg/Tracks.h"
@@ -126,7 +127,8 @@ PossibleFailure Remux::addTracks()
             return join.failure();
         m_soundJoin = std::move(*join);
     }
-    return m_movie->begin();
+    return m_movie->begin(
+        m_soundJoin ? std::nullopt : indexRoomFor({m_picture, m_copiedSound ? m_sound : nullptr}));
 }
 
 /// The movie's own; null when there is no memory left.

@@ -1,0 +1,18 @@
+#include "Media/FrameReader.h"
+#include "Media/MediaModule.h"
+#include "Media/MovieExport.h"
+
+#include <gtest/gtest.h>
+
+TEST(MissingModule, MakesVideosUnreadableAndExportsImpossible)
+{
+    EXPECT_FALSE(MediaModule::get());
+    const QString file = QStringLiteral("/nothing/here.mov");
+    EXPECT_FALSE(FrameReader::open(file));
+    for (const MovieExport::Outcome& outcome :
+         {MovieExport::remux(file, file), MovieExport::concatenate({file, file}, file)})
+    {
+        EXPECT_EQ(outcome.end, MovieExport::End::impossible);
+        EXPECT_NE(outcome.reason.find("missing"), std::string::npos);
+    }
+}
