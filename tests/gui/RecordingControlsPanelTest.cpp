@@ -155,6 +155,7 @@ TEST_F(RecordingControlsPanelTest, ALongerTimeGetsMoreRoom)
     clock.advance(300ms);
     EXPECT_GT(panel->frame().width, before.width);
     EXPECT_EQ(panel->frame().origin(), before.origin());
+    EXPECT_EQ(FakePlatform::current().frames[panel.get()], panel->frame().grown(14));
     EXPECT_EQ(panel->findChild<NumberLabel*>()->width(),
               panel->findChild<NumberLabel*>()->sizeHint().width());
     EXPECT_EQ(FakePlatform::current().bodies[panel.get()],
@@ -207,10 +208,13 @@ TEST_F(RecordingControlsPanelTest, ADragOfItsBackgroundMovesIt)
     QTest::mouseMove(label, {22, 2});
     EXPECT_EQ(panel->frame(), before.translated(20, 50));
     EXPECT_EQ(FakePlatform::current().frames[panel.get()], panel->frame().grown(14));
+    FakePlatform::current().mouse = {725, 300};
+    QTest::mouseMove(label, {27, 12});
+    EXPECT_EQ(panel->frame(), before.translated(25, 40));
     QTest::mouseRelease(label, Qt::LeftButton);
     FakePlatform::current().mouse = {0, 0};
     QTest::mouseMove(label, {3, 3});
-    EXPECT_EQ(panel->frame(), before.translated(20, 50));
+    EXPECT_EQ(panel->frame(), before.translated(25, 40));
     EXPECT_TRUE(notes.isEmpty());
 }
 

@@ -5,11 +5,13 @@
 #include "desktop/harness/Clipboard.h"
 #include "desktop/harness/FullScreenWindow.h"
 #include "desktop/harness/TrayIcon.h"
+#include "support/SoundServer.h"
 
 #include <gmock/gmock.h>
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QFileInfo>
 #include <QUrl>
 
@@ -55,7 +57,7 @@ protected:
     }
 
     /// The one film that there is, once it has its chip.
-    Outcome<QString> awaitFilm() const
+    Desktop::Outcome<QString> awaitFilm() const
     {
         if (const auto shown = tamrik->awaitChips(1); !shown)
             return shown.failure();
@@ -65,9 +67,9 @@ protected:
         return all.front();
     }
 
-    Outcome<void> awaitRedIcon(bool wanted) const
+    Desktop::Outcome<void> awaitRedIcon(bool wanted) const
     {
-        return waitFor(QStringLiteral("the icon"), [&]() -> Outcome<void> {
+        return waitFor(QStringLiteral("the icon"), [&]() -> Desktop::Outcome<void> {
             const auto icon = findTrayIcon(*desktop, tamrik->app().pid());
             if (!icon)
                 return icon.failure();
@@ -76,14 +78,15 @@ protected:
                 return image.failure();
             const int red = redPixels(*image);
             const bool isRed = red > icon->width() * icon->height() / 4;
-            return (wanted ? isRed : red == 0) ? Outcome<void>()
+            return (wanted ? isRed : red == 0) ? Desktop::Outcome<void>()
                                                : Failure{QStringLiteral("%1 red").arg(red)};
         });
     }
 
-    void restart()
+    /// Starts the program once more, in an environment to which `extra` adds.
+    void restart(const QMap<QString, QString>& extra = {})
     {
-        auto launched = Tamrik::startAndAwaitKeys(*desktop, QStringLiteral(TAMRIK_PROGRAM));
+        auto launched = Tamrik::startAndAwaitKeys(*desktop, QStringLiteral(TAMRIK_PROGRAM), extra);
         ASSERT_TRUE(succeeded(launched));
         tamrik = std::move(*launched);
     }
@@ -189,6 +192,38 @@ TEST_F(Recording, TheKeyStopsItAndAGIFIsDeliveredAsItsFilm)
     EXPECT_TRUE(path->endsWith(QStringLiteral(".mp4")));
     EXPECT_TRUE(succeeded(RecordingControls::awaitNone(*desktop, *tamrik)));
     EXPECT_TRUE(tamrik->overlay().isEmpty());
+}
+
+TEST_F(Recording, TheMicrophoneIsInTheFilmButNeverInOneForAGIF)
+{
+    const SoundServer sound;
+    ASSERT_TRUE(succeeded(tamrik->app().stop()));
+    const QString folder = desktop->home() + QStringLiteral("/.config/tamrik");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    QFile preferences(folder + QStringLiteral("/preferences.json"));
+    ASSERT_TRUE(preferences.open(QIODevice::WriteOnly));
+    preferences.write(R"({"recordMic": true})");
+    preferences.close();
+    ASSERT_NO_FATAL_FAILURE(
+        restart({{QStringLiteral("PULSE_SERVER"), QString::fromStdString(sound.address())}}));
+
+    ASSERT_NO_FATAL_FAILURE(record());
+    ASSERT_TRUE(succeeded(controls->click(Control::Stop)));
+    const auto path = awaitFilm();
+    ASSERT_TRUE(succeeded(path));
+    const auto film = Film::read(*path);
+    ASSERT_TRUE(succeeded(film));
+    EXPECT_TRUE(film->hasSound);
+
+    ASSERT_TRUE(succeeded(tamrik->putChipsAway()));
+    ASSERT_TRUE(QFile::remove(*path));
+    ASSERT_NO_FATAL_FAILURE(record("alt+Return"));
+    ASSERT_TRUE(succeeded(controls->click(Control::Stop)));
+    const auto second = awaitFilm();
+    ASSERT_TRUE(succeeded(second));
+    const auto silent = Film::read(*second);
+    ASSERT_TRUE(succeeded(silent));
+    EXPECT_FALSE(silent->hasSound);
 }
 
 TEST_F(Recording, WhatIsThrownAwayLeavesNothing)
