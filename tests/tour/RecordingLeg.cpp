@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <thread>
 
 using namespace Desktop;
+using namespace std::chrono_literals;
 using Control = RecordingControls::Control;
 
 namespace {
@@ -67,7 +69,8 @@ void Legs::recording(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
                       return Failure{QStringLiteral("the controls are in the film")};
                   return controls->awaitPaused(false);
               });
-    tour.step(QStringLiteral("Its first button pauses"), [&]() -> Outcome<void> {
+    tour.step(QStringLiteral("After a second its first button pauses"), [&]() -> Outcome<void> {
+        std::this_thread::sleep_for(1200ms);
         if (const auto clicked = controls->click(Control::Pause); !clicked)
             return clicked;
         return controls->awaitPaused(true);
@@ -102,7 +105,7 @@ void Legs::recording(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
                   const auto film = Film::read(films().front());
                   if (!film)
                       return film.failure();
-                  if (film->size != area.size() || film->seconds <= 0)
+                  if (film->size != area.size() || film->seconds < 1)
                       return Failure{QStringLiteral("it is %1x%2, %3 s")
                                          .arg(film->size.width())
                                          .arg(film->size.height())
