@@ -16,6 +16,7 @@
 #include <QPointer>
 #include <QWindow>
 
+#include <algorithm>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -32,6 +33,9 @@ constexpr int separatorHeight = 18;
 constexpr double textSize = 13;
 constexpr double symbolSize = 12;
 constexpr auto tick = 300ms;
+
+/// How long panels and docks get to move after the screens have changed.
+constexpr auto settlingTime = 200ms;
 
 /// Room for the shadow on every side, in points: what is beside the recorded rectangle must not
 /// darken it.
@@ -80,7 +84,8 @@ private:
 };
 
 RecordingControlsPanel::RecordingControlsPanel(Rect near, Clock clock, Callbacks callbacks)
-    : m_clock(std::move(clock))
+    : m_recorded(near)
+    , m_clock(std::move(clock))
     , m_callbacks(std::move(callbacks))
     , m_bar(new ChromeBarView(this))
     , m_dot(new Dot)
@@ -97,8 +102,10 @@ RecordingControlsPanel::RecordingControlsPanel(Rect near, Clock clock, Callbacks
 
     fillBar();
     fit();
-    positionNear(near);
+    positionNearRecording();
     tellTime();
+    connect(&m_screenWatcher, &ScreenWatcher::changed, this,
+            &RecordingControlsPanel::screensChanged);
     Platform::onCompositingChanged(this, [this] {
         updateBody();
         update();
@@ -148,11 +155,25 @@ void RecordingControlsPanel::fit()
     resize(size + QSize(2 * shadowMargin, 2 * shadowMargin));
 }
 
-void RecordingControlsPanel::positionNear(Rect rect)
+void RecordingControlsPanel::positionNearRecording()
 {
     if (const auto origin =
-            RecordingControlsPlacement::origin(rect, m_frame.size(), screenFrames()))
+            RecordingControlsPlacement::origin(m_recorded, m_frame.size(), screenFrames()))
         place(*origin);
+}
+
+void RecordingControlsPanel::screensChanged()
+{
+    m_clock.after(settlingTime, [self = QPointer(this), change = ++m_screenChanges] {
+        if (!self || change != self->m_screenChanges)
+            return;
+        const Point middle = {self->m_frame.x + self->m_frame.width / 2,
+                              self->m_frame.y + self->m_frame.height / 2};
+        const auto screens = Platform::screens();
+        if (std::none_of(screens.begin(), screens.end(),
+                         [&](const auto& screen) { return screen.frame.contains(middle); }))
+            self->positionNearRecording();
+    });
 }
 
 void RecordingControlsPanel::place(Point origin)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ChromeViews.h"
+#include "ScreenWatcher.h"
 #include "Support/Clock.h"
 #include "Support/Geometry.h"
 #include "Symbols.h"
@@ -56,13 +57,16 @@ private:
     void fillBar();
     ChromeButton* makeButton(Symbols::Symbol symbol, const char* meaning,
                              std::function<void()> action);
-    void positionNear(Geometry::Rect rect);
+    void positionNearRecording();
+    /// Comes back from a screen that is no longer there.
+    void screensChanged();
     void fit();
     void place(Geometry::Point origin);
     void tellTime();
     void refresh();
     void updateBody();
 
+    Geometry::Rect m_recorded;
     Clock m_clock;
     Callbacks m_callbacks;
     // Children.
@@ -71,6 +75,8 @@ private:
     NumberLabel* m_timeLabel;
     ChromeButton* m_pauseButton = nullptr;
 
+    ScreenWatcher m_screenWatcher;
+    int m_screenChanges = 0;
     Geometry::Rect m_frame;
     bool m_tellsTime = true;
     std::optional<Geometry::Point> m_dragPoint; // where the pointer was, while it drags the panel

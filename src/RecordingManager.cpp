@@ -89,10 +89,11 @@ bool RecordingManager::isPaused() const
 
 double RecordingManager::elapsed() const
 {
-    const double running =
-        m_segmentStart ? static_cast<double>(m_segmentStart->msecsTo(m_tools.clock.now())) / 1000
-                       : 0;
-    return m_activeAccum + running;
+    if (!m_segmentStart)
+        return m_activeAccum;
+    // Somebody may set the clock back meanwhile.
+    const qint64 running = std::max(m_segmentStart->msecsTo(m_tools.clock.now()), qint64{0});
+    return m_activeAccum + static_cast<double>(running) / 1000;
 }
 
 void RecordingManager::start(const RecordingSession& session)

@@ -224,3 +224,32 @@ TEST_F(RecordingControlsPanelTest, WithoutAScreenItStaysWhereItIs)
     make();
     EXPECT_EQ(panel->frame().origin(), Point());
 }
+
+TEST_F(RecordingControlsPanelTest, ComesBackFromAScreenThatIsGone)
+{
+    const auto first = FakePlatform::current().screens;
+    auto both = first;
+    both.push_back({.name = QStringLiteral("B"),
+                    .frame = {1440, 0, 1280, 800},
+                    .visibleFrame = {1440, 0, 1280, 800},
+                    .scale = 1,
+                    .handle = nullptr});
+    FakePlatform::current().screens = both;
+    make({2000, 300, 300, 200});
+    auto* label = panel->findChild<NumberLabel*>();
+    QTest::mousePress(label, Qt::LeftButton, {}, {2, 2});
+    FakePlatform::current().mouse = {30, 40};
+    QTest::mouseMove(label, {32, 2});
+    QTest::mouseRelease(label, Qt::LeftButton);
+    const Rect there = panel->frame();
+    ASSERT_GT(there.x, 1440);
+    FakePlatform::current().changeScreens(both); // another change
+    clock.advance(200ms);
+    EXPECT_EQ(panel->frame(), there);
+    FakePlatform::current().changeScreens(first);
+    clock.advance(199ms);
+    EXPECT_EQ(panel->frame(), there);
+    clock.advance(1ms);
+    EXPECT_EQ(panel->frame().maxY(), 300 - 14);
+    EXPECT_EQ(panel->frame().maxX(), 1440 - 12);
+}

@@ -482,6 +482,18 @@ TEST_F(RecordingManagerTest, ElapsedCountsFromTheLaunchToTheHandledEndOfEachSegm
     EXPECT_DOUBLE_EQ(manager->elapsed(), 4);
 }
 
+TEST_F(RecordingManagerTest, AClockThatIsSetBackTakesNothingAway)
+{
+    start();
+    clock.advance(2s);
+    recordAndPause();
+    manager->togglePause();
+    clock.set(QDateTime(QDate(2024, 3, 5), QTime(13, 0)));
+    EXPECT_DOUBLE_EQ(manager->elapsed(), 2);
+    recordAndPause();
+    EXPECT_DOUBLE_EQ(manager->elapsed(), 2);
+}
+
 TEST_F(RecordingManagerTest, AFailedRewrapIsLoggedAndLeavesTheSegmentUnderTheFinalName)
 {
     write(fallbackPath(), "older");
