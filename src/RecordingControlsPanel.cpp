@@ -12,6 +12,7 @@
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>
 #include <QWindow>
@@ -248,9 +249,17 @@ void RecordingControlsPanel::closeEvent(QCloseEvent* event)
     event->accept();
 }
 
-void RecordingControlsPanel::paintEvent(QPaintEvent*)
+void RecordingControlsPanel::paintEvent(QPaintEvent* event)
 {
+    // The bar covers all but its round corners, and is what changes.
+    constexpr int cornerReach = 4;
+    const QRect covered =
+        m_bar->geometry().adjusted(cornerReach, cornerReach, -cornerReach, -cornerReach);
+    const QRegion bare = event->region() - covered;
+    if (bare.isEmpty())
+        return;
     QPainter painter(this);
+    painter.setClipRegion(bare);
     SoftShadow::paint(painter, m_bar->geometry(), m_bar->cornerRadius());
 }
 
