@@ -307,6 +307,7 @@ TEST_F(Concatenate, LeavesOutWhatCannotBePlayed)
     const std::string broken = film.bytes();
     add(broken.substr(0, broken.rfind("moof") + 20)); // the last half second is lost
     add("This is no movie.");
+    add(FilmedSegment::withoutFirstFragment(FilmedSegment::steady(0.9, 10, 80).bytes()));
     const PlayedMovie movie = joined();
     EXPECT_EQ(movie.frames.size(), 5U + 5U + 25U);
     EXPECT_NEAR(movie.picture.duration, 0.5 + 0.5 + 2.5, 3 * tick);

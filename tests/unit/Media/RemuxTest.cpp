@@ -102,6 +102,19 @@ TEST_F(Remux, CopiesEveryPacketAsItIs)
     EXPECT_EQ(status.st_mode & 0777, 0600U);
 }
 
+TEST_F(Remux, HasRoomForALargeIndex)
+{
+    FilmedSegment segment;
+    segment.width = segment.height = 16;
+    for (int i = 0; i < 5000; ++i)
+        segment.frames.push_back({i * 0.01 + (i % 7) * 0.001, 100}); // hardly two as long
+    segment.duration = 50;
+    expectRemuxed(file(segment.bytes()));
+    const PlayedMovie movie = PlayedMovie::packetsOf(m_target);
+    EXPECT_EQ(movie.picture.packets.size(), 5000U);
+    EXPECT_TRUE(movie.hasIndexInFront);
+}
+
 TEST_F(Remux, WithoutSound)
 {
     expectRemuxed(file(FilmedSegment::steady(0.5, 10, 90).bytes()));

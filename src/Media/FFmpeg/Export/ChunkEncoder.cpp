@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::int64_t chunkLength = 2 * Segment::ticksASecond;
+constexpr std::int64_t chunkLength = std::int64_t{2} * Segment::ticksASecond;
 constexpr std::int64_t betweenKeys = Segment::ticksASecond;
 
 } // namespace
@@ -77,17 +77,11 @@ PossibleFailure ChunkEncoder::openWriter()
 /// The first frame that shows in the chunk.
 Av::Frame ChunkEncoder::firstOf(const Chunk& chunk)
 {
-    const std::int64_t earliest = chunk.segment.keys.front();
-    // Key frames are found by when they are decoded: where they show later than that, the frames
-    // between belong to an earlier one.
-    Av::Frame frame;
-    for (std::int64_t from = std::max(chunk.begin, earliest); !m_patience.isOver();) {
-        frame = m_decoder->seek(from) ? m_decoder->next() : nullptr;
-        if (from <= earliest || (frame && frame->pts <= chunk.begin))
-            break;
-        const std::int64_t start = m_decoder->firstTime();
-        from = start == INT64_MIN ? earliest : std::clamp(start - 1, earliest, from - 1);
-    }
+    // Where pictures refer to later ones, a key frame shows later than it is decoded; what shows
+    // between belongs to the one before, which is where FFmpeg goes then.
+    if (!m_decoder->seek(std::max(chunk.begin, chunk.segment.keys.front())))
+        return nullptr;
+    Av::Frame frame = m_decoder->next();
     while (frame && frame->pts < chunk.begin)
         frame = m_decoder->next();
     return frame;

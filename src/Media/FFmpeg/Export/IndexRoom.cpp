@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::int64_t headers = 32 << 10;     // of the file and its tracks
+constexpr std::int64_t headers = 8 << 10;      // of the file and its tracks
 constexpr std::int64_t chunkBytes = 512 << 10; // two chunks in a row have twice as many
 
 /// What ISO/IEC 14496-12, 8.6 and 8.7, has in tables for each sample, chunk, or change.
@@ -58,7 +58,7 @@ std::optional<std::int64_t> indexRoomFor(std::initializer_list<AVStream*> tracks
         if (all.back().samples == 0)
             return {};
         fewest = std::min(fewest, all.back().samples);
-        room += 4 * track->codecpar->extradata_size;
+        room += std::int64_t{4} * track->codecpar->extradata_size;
     }
     for (const Tables& tables : all) {
         // A chunk ends where the other track goes on, or when it is large.

@@ -32,6 +32,7 @@ PossibleFailure MovieWriter::open()
     m_output.reset(context);
     if (!buffer || !m_io || error < 0)
         return Failure{"there is no memory left"};
+    m_io->min_packet_size = bufferSize; // or else every packet would be written by itself
     context->pb = m_io.get();
     context->flags |= AVFMT_FLAG_CUSTOM_IO;
     context->opaque = this;
