@@ -35,6 +35,8 @@ protected:
     {
         FilmedSegment segment = FilmedSegment::steady(2, 30, 100);
         segment.hasSound = true;
+        for (int sample = 0; sample < 90'000; sample += 37)
+            segment.clicks.push_back(sample); // some ten kilobytes a second
         writeFile(m_folder / "segment", segment.bytes());
     }
 
@@ -151,7 +153,7 @@ TEST_F(ExportEnding, AFullDiskIsAFailureThatLeavesNothing)
 {
     const std::string line =
         "cannot write " + m_target.toStdString() + ": No space left on device\n";
-    EXPECT_EQ(exportOntoSmallDisk(m_segment, m_target, 4), line + line);
+    EXPECT_EQ(exportOntoSmallDisk(m_segment, m_target, 24), line + line);
 }
 
 TEST_F(ExportEnding, ALargeEnoughDiskIsNone)
