@@ -77,7 +77,9 @@ protected:
             if (!image)
                 return image.failure();
             const int red = redPixels(*image);
-            const bool isRed = red > icon->width() * icon->height() / 4;
+            // Of a disc that fills the icon but for its rim; a tray may give the icon more room.
+            const int side = qRound(22 * scale());
+            const bool isRed = red > side * side / 3;
             return (wanted ? isRed : red == 0) ? Desktop::Outcome<void>()
                                                : Failure{QStringLiteral("%1 red").arg(red)};
         });
