@@ -67,6 +67,7 @@ void AppDelegate::applicationDidFinishLaunching(Platform::SingleInstance& instan
     if (!Platform::preflightScreenCaptureAccess())
         (void)Platform::requestScreenCaptureAccess(); // the program works on whatever the answer is
     instance.onStartedAgain(Guarded::any(this, [this] { applicationStartedAgain(); }));
+    m_recording.recover();
     m_clock.after(fontDelay, [] { Chrome::loadFont(); });
 }
 

@@ -82,6 +82,7 @@ ChromeSeparator::ChromeSeparator(int height, QWidget* parent)
     : QWidget(parent)
 {
     setFixedSize(2, height);
+    setAttribute(Qt::WA_TransparentForMouseEvents); // only to be looked at
 }
 
 void ChromeSeparator::paintEvent(QPaintEvent*)

@@ -63,6 +63,7 @@ void RecordingFlow::start(Geometry::Rect rect, bool asGIF)
         .micEnabled = m_preferences.recordMic() && !asGIF,
         .showClicks = true,
         .finalURL = CaptureFiles::newRecording(m_clock),
+        .asGIF = asGIF,
         .started = Guarded::once(this, [this, rect] { started(rect); }),
         .completion = Guarded::once<const QUrl&>(
             this, [this, asGIF](const QUrl& file) { finished(file, asGIF); }),
@@ -79,8 +80,19 @@ void RecordingFlow::finished(const QUrl& file, bool asGIF)
 {
     m_outside.setRecording(false);
     closeControls();
-    if (file.isEmpty())
-        return;
+    if (!file.isEmpty())
+        handOver(file, asGIF);
+}
+
+void RecordingFlow::recover()
+{
+    callIfSet(m_subsystems.recorder.recover,
+              Guarded::any<const QUrl&, bool>(
+                  this, [this](const QUrl& file, bool asGIF) { handOver(file, asGIF); }));
+}
+
+void RecordingFlow::handOver(const QUrl& file, bool asGIF)
+{
     if (!asGIF || !m_subsystems.gif.exportVideo) {
         m_outside.deliver(file);
         return;

@@ -38,11 +38,16 @@ public:
     /// conversion fails.
     void start(Geometry::Rect rect, bool asGIF);
 
+    /// Delivers the recordings that an earlier run of the program could not finish.
+    void recover();
+
     bool hasControls() const { return m_controls != nullptr; }
 
 private:
     void started(Geometry::Rect rect);
     void finished(const QUrl& file, bool asGIF);
+    /// Delivers a file that was recorded, or the GIF that is made of it.
+    void handOver(const QUrl& file, bool asGIF);
     void showControls(Geometry::Rect near);
     void closeControls();
     Subsystems::RecordingControlsCallbacks controlsCallbacks();

@@ -26,6 +26,8 @@ struct RecordingSession {
     bool showClicks = false;
     /// The MP4 to produce.
     QUrl finalURL;
+    /// Whether whoever asked makes a GIF of it afterwards; for a recording that is interrupted.
+    bool asGIF = false;
     /// Called once, when the first segment is running. Main thread.
     std::function<void()> started;
     /// Called once with the finished file, or with an empty URL when there is none. Main thread.

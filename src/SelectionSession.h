@@ -36,6 +36,7 @@ public:
 
     SelectionMode mode() const { return m_mode; }
     const SelectionHooks& hooks() const { return m_hooks; }
+    const Clock& clock() const { return m_clock; }
 
     /// One a screen, in the order of the screens; empty once finished.
     const std::vector<std::unique_ptr<SelectionWindow>>& windows() const;

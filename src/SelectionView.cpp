@@ -1,6 +1,7 @@
 #include "SelectionView.h"
 
 #include "Chrome.h"
+#include "SelectionHUD.h"
 #include "SelectionSession.h"
 
 #include <QKeyEvent>
@@ -74,6 +75,7 @@ std::optional<Rect> SelectionView::globalSelectionRect() const
 void SelectionView::clear()
 {
     m_model.clear();
+    hideHUD();
     update();
 }
 
@@ -84,6 +86,7 @@ void SelectionView::enterAdjusting()
         session->noteSelection();
         session->setActiveView(this);
     }
+    showHUD();
     update();
 }
 
@@ -103,6 +106,7 @@ void SelectionView::mousePressEvent(QMouseEvent* event)
     const Point p = pointFrom(*event);
     switch (m_model.mouseDown(p)) {
     case SelectionModel::Press::adjusts:
+        hideHUD();
         break;
     case SelectionModel::Press::newSelection:
         clear();
@@ -160,6 +164,52 @@ void SelectionView::keyPressEvent(QKeyEvent* event)
 {
     if (const auto session = m_session.lock())
         session->handleKey(*event);
+}
+
+// The bar beside the selection
+
+void SelectionView::showHUD()
+{
+    const auto session = m_session.lock();
+    if (!m_hud && session) {
+        m_hud = new SelectionHUD(session->mode(), session->hooks(), session->clock(),
+                                 {.onConfirm =
+                                      [this](bool gif) {
+                                          if (const auto open = m_session.lock())
+                                              open->confirmActiveSelection(gif);
+                                      },
+                                  .onCancel =
+                                      [this] {
+                                          if (const auto open = m_session.lock())
+                                              open->finish(std::nullopt);
+                                      },
+                                  .onReadjust = [this] { clear(); }},
+                                 this);
+    }
+    if (!m_hud)
+        return;
+    m_hud->refreshToggleTints(); // the menu may have switched them
+    m_hud->show();
+    positionHUD();
+}
+
+void SelectionView::hideHUD()
+{
+    if (m_hud)
+        m_hud->hide();
+}
+
+void SelectionView::positionHUD()
+{
+    if (!m_hud || m_hud->isHidden())
+        return;
+    const Rect& selection = m_model.selectionRect();
+    m_hud->update(static_cast<int>(selection.width), static_cast<int>(selection.height));
+    const Geometry::Size size = {static_cast<double>(m_hud->width()),
+                                 static_cast<double>(m_hud->height())};
+    const Point origin = m_model.hudOrigin(size);
+    const auto corner = flip().topLeftFromBottomLeft(Point{origin.x, origin.y + size.height});
+    m_hud->move(static_cast<int>(std::lround(corner.x)), static_cast<int>(std::lround(corner.y)));
 }
 
 Geometry::Flip SelectionView::flip() const

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 
+class SelectionHUD;
 class SelectionSession;
 
 /// Dims one screen and lets the user drag out a rectangle on it. The selection's logic is
@@ -23,6 +24,9 @@ public:
                   std::optional<QPixmap> backdrop, QWidget* parent);
 
     const SelectionModel& model() const { return m_model; }
+
+    /// Null until there has been a selection to adjust.
+    SelectionHUD* hud() const { return m_hud; }
 
     /// The selection in global points; absent when it is smaller than the minimum.
     std::optional<Geometry::Rect> globalSelectionRect() const;
@@ -52,6 +56,10 @@ private:
     Geometry::Point pointFrom(const QMouseEvent& event) const;
     QRectF widgetRect(Geometry::Rect viewRect) const;
 
+    void showHUD();
+    void hideHUD();
+    void positionHUD();
+
     QString sizeLabel() const;
     Geometry::Point sizeLabelPosition() const;
     /// What the selection's outline, brackets and label cover, and its inside.
@@ -66,4 +74,5 @@ private:
     Geometry::Point m_screenOrigin;
     SelectionModel m_model;
     std::optional<QPixmap> m_backdrop;
+    SelectionHUD* m_hud = nullptr; // a child
 };

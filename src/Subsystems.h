@@ -23,6 +23,8 @@ struct Subsystems {
         std::function<bool()> isPaused;
         /// Recorded seconds, pauses not counted.
         std::function<double()> elapsed;
+        /// Finishes what recordings that were interrupted have left, and hands over each file.
+        std::function<void(std::function<void(const QUrl& file, bool asGIF)> recovered)> recover;
     };
 
     /// An open editor. The controller keeps it until it reports that its window closed.

@@ -4,6 +4,8 @@
 #include "Platform/Application.h"
 #include "Platform/Defaults.h"
 #include "Preferences.h"
+#include "RecordingControlsPanel.h"
+#include "RecordingManager.h"
 #include "Support/Clock.h"
 #include "Support/Log.h"
 
@@ -42,6 +44,41 @@ std::shared_ptr<Subsystems::Editor> makeImageEditor(const QUrl& image)
     return editor;
 }
 
+/// `recorder` outlives what comes back.
+Subsystems::Recorder recorderSubsystem(RecordingManager& recorder)
+{
+    return {
+        .state = [&] { return recorder.state(); },
+        .start = [&](const RecordingSession& session) { recorder.start(session); },
+        .togglePause = [&] { recorder.togglePause(); },
+        .restart = [&] { recorder.restart(); },
+        .stop = [&](bool discard) { recorder.stop(discard); },
+        .isPaused = [&] { return recorder.isPaused(); },
+        .elapsed = [&] { return recorder.elapsed(); },
+        .recover =
+            [&](const RecordingManager::Recovered& recovered) { recorder.recover(recovered); },
+    };
+}
+
+std::shared_ptr<Subsystems::Panel>
+makeRecordingControls(Geometry::Rect near, const Subsystems::RecordingControlsCallbacks& callbacks)
+{
+    // It is closed from within one of its own buttons.
+    const std::shared_ptr<RecordingControlsPanel> panel(
+        new RecordingControlsPanel(near, Clock::system(),
+                                   {.isPaused = callbacks.isPaused,
+                                    .elapsed = callbacks.elapsed,
+                                    .onPauseResume = callbacks.onPauseResume,
+                                    .onStop = callbacks.onStop,
+                                    .onRestart = callbacks.onRestart,
+                                    .onDelete = callbacks.onDelete}),
+        [](RecordingControlsPanel* closed) { closed->deleteLater(); });
+    return std::make_shared<Subsystems::Panel>(
+        Subsystems::Panel{.stop = [panel] { panel->stopTimer(); },
+                          .orderFrontRegardless = [panel] { panel->orderFrontRegardless(); },
+                          .close = [panel] { panel->close(); }});
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -66,6 +103,9 @@ int main(int argc, char** argv)
     Subsystems subsystems;
     subsystems.loadChipContent = ChipThumbnail::loadInBackground;
     subsystems.editors.makeImageEditor = makeImageEditor;
+    RecordingManager recorder(RecordingTools::system());
+    subsystems.recorder = recorderSubsystem(recorder);
+    subsystems.controls.make = makeRecordingControls;
     AppDelegate delegate(preferences, Clock::system(), std::move(subsystems));
     QTimer::singleShot(0, &delegate, [&] { delegate.applicationDidFinishLaunching(instance); });
     return QApplication::exec();

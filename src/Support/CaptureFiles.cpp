@@ -4,6 +4,9 @@
 
 #include <QDir>
 #include <QLocale>
+#include <QUuid>
+
+#include <cstdio>
 
 namespace {
 
@@ -16,6 +19,12 @@ QString timestamp(const Clock& clock)
 QUrl fileNamed(const QString& name)
 {
     return QUrl::fromLocalFile(CaptureFiles::folder() + QLatin1Char('/') + name);
+}
+
+/// Within a file system; replaces what is there.
+bool rename(const QString& from, const QString& to)
+{
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
 }
 
 } // namespace
@@ -38,6 +47,29 @@ QUrl CaptureFiles::newScreenshot(const Clock& clock)
 QUrl CaptureFiles::newRecording(const Clock& clock)
 {
     return fileNamed(QStringLiteral("Tamrik Rec ") + timestamp(clock) + QStringLiteral(".mp4"));
+}
+
+QString CaptureFiles::temporaryFolder()
+{
+    // /tmp may be memory: too small for a long film, and empty after a restart.
+    const QString lasting = QStringLiteral("/var/tmp");
+    if (qEnvironmentVariableIsEmpty("TMPDIR") && QFileInfo(lasting).isWritable())
+        return lasting;
+    return QDir::tempPath();
+}
+
+bool CaptureFiles::move(const QString& from, const QString& to)
+{
+    if (rename(from, to))
+        return true;
+    const QString copy = QFileInfo(to).path() + QStringLiteral("/.tamrik-") +
+                         QUuid::createUuid().toString(QUuid::WithoutBraces);
+    if (QFile::copy(from, copy) && rename(copy, to)) {
+        QFile::remove(from);
+        return true;
+    }
+    QFile::remove(copy);
+    return false;
 }
 
 std::optional<QByteArray> CaptureFiles::contents(const QUrl& url)

@@ -27,6 +27,14 @@ QUrl newScreenshot(const Clock& clock);
 /// The file for a recording that starts now.
 QUrl newRecording(const Clock& clock);
 
+/// Where a recording lies until it is finished: $TMPDIR, or else what outlives a restart of the
+/// machine.
+QString temporaryFolder();
+
+/// Moves a file, also onto another file system, and replaces what has the new name; until it is
+/// complete nothing does. Whether it worked. Any thread; may take as long as copying does.
+bool move(const QString& from, const QString& to);
+
 /// The bytes of a file; absent when it cannot be read.
 std::optional<QByteArray> contents(const QUrl& file);
 

@@ -1,5 +1,9 @@
 #include "Support/Process.h"
 
+#include <csignal>
+
+#include <fcntl.h>
+
 namespace {
 
 constexpr int quitGraceMilliseconds = 3000;
@@ -27,6 +31,14 @@ PossibleFailure Process::start(const Command& command, std::function<void()> end
         environment.insert(it.key(), it.value());
     m_process.setProcessEnvironment(environment);
 
+    if (command.keepsErrors)
+        m_process.setProcessChannelMode(QProcess::ForwardedOutputChannel);
+    if (command.sharedDescriptor >= 0) {
+        // In the child alone, or all other children would get it too.
+        m_process.setChildProcessModifier(
+            [shared = command.sharedDescriptor] { fcntl(shared, F_SETFD, 0); });
+    }
+
     m_process.start(command.program, command.arguments);
     // Only waits until the child has replaced its image, which takes a millisecond or two.
     if (!m_process.waitForStarted(-1))
@@ -35,4 +47,15 @@ PossibleFailure Process::start(const Command& command, std::function<void()> end
         &m_process, &QProcess::finished, this, [ended = std::move(ended)] { ended(); },
         Qt::QueuedConnection);
     return std::nullopt;
+}
+
+void Process::interrupt()
+{
+    if (const qint64 pid = m_process.processId(); pid > 0)
+        kill(static_cast<pid_t>(pid), SIGINT);
+}
+
+QByteArray Process::errors()
+{
+    return m_process.readAllStandardError();
 }

@@ -10,7 +10,8 @@
 
 #include <functional>
 
-/// One child process. Its standard streams are the program's own.
+/// One child process. Its standard streams are the program's own, unless the command says
+/// otherwise.
 class Process : public QObject {
 public:
     struct Command {
@@ -18,6 +19,10 @@ public:
         QStringList arguments;
         /// Set in the child's environment on top of the program's own.
         QMap<QString, QString> environment;
+        /// Whether what it says on standard error is kept for `errors` instead.
+        bool keepsErrors = false;
+        /// A descriptor of ours that it gets too, under the same number; -1 for none.
+        int sharedDescriptor = -1;
     };
 
     explicit Process(QObject* parent = nullptr);
@@ -29,6 +34,12 @@ public:
     /// Starts the child. `ended` is called once on the main thread, never before this function has
     /// returned, when the child has exited or was killed; not at all when starting failed.
     [[nodiscard]] PossibleFailure start(const Command& command, std::function<void()> ended);
+
+    /// Sends the child SIGINT; does nothing once it has ended.
+    void interrupt();
+
+    /// What the child has said on standard error, if that is kept; all of it once it has ended.
+    QByteArray errors();
 
 private:
     QProcess m_process;

@@ -187,6 +187,16 @@ void setBody(QWidget& window, const QRectF& body, double)
     FakePlatform::current().bodies[&window] = body;
 }
 
+QColor systemRed()
+{
+    return {0xFF, 0x3B, 0x30};
+}
+
+QColor systemOrange()
+{
+    return {0xFF, 0x95, 0x00};
+}
+
 QColor controlAccentColor()
 {
     return {0x0A, 0x84, 0xFF};

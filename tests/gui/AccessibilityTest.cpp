@@ -1,5 +1,7 @@
 // What a screen reader gets to say of everything that the program shows.
 
+#include "RecordingControlsPanel.h"
+#include "SelectionHUD.h"
 #include "gui/AppDelegateFixture.h"
 
 #include <QAccessible>
@@ -55,6 +57,34 @@ TEST_F(AppDelegateTest, EveryWindowAndControlHasANameForScreenReaders)
     }
     // The menu, its submenu, a chip and the overlay at the least.
     EXPECT_GE(windows, 4);
+}
+
+TEST_F(AppDelegateTest, TheBarsOfARecordingHaveNamesForScreenReaders)
+{
+    launch();
+    app->toggleRecording();
+    drag({100, 100}, {400, 300});
+    SelectionHUD* hud = SelectionSession::current->windows().front()->view().hud();
+    ASSERT_TRUE(hud);
+    QAccessibleInterface* bar = QAccessible::queryAccessibleInterface(hud);
+    EXPECT_EQ(nameless(*bar), QStringList());
+    // A switch says whether it is on, and the size can be read.
+    hud->refreshToggleTints();
+    QStringList spoken;
+    for (int i = 0; i < bar->childCount(); ++i) {
+        if (!isDecoration(*bar->child(i)))
+            spoken += bar->child(i)->text(QAccessible::Name) +
+                      (bar->child(i)->state().checkable ? QStringLiteral(" (switch)") : QString());
+    }
+    EXPECT_EQ(spoken.join(u'|'),
+              QStringLiteral("300 × 200|Record microphone audio (switch)|"
+                             "Camera bubble on/off (switch)|Redo selection|Record as GIF|Record|"
+                             "Cancel (Esc)"));
+
+    RecordingControlsPanel controlsPanel(
+        {100, 100, 200, 200}, clock.clock(),
+        {[] { return false; }, [] { return 0.0; }, [] {}, [] {}, [] {}, [] {}});
+    EXPECT_EQ(nameless(*QAccessible::queryAccessibleInterface(&controlsPanel)), QStringList());
 }
 
 TEST_F(AppDelegateTest, TheOverlayTellsScreenReadersWhatItSaysOnScreen)

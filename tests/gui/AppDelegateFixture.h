@@ -72,6 +72,7 @@ protected:
         r.restart = note("restart");
         r.isPaused = [] { return true; };
         r.elapsed = [] { return 12.5; };
+        r.recover = [this](auto handOver) { recovered = std::move(handOver); };
         subsystems.loadChipContent = [](const QUrl&, const auto& completion) {
             QImage picture(160, 90, QImage::Format_RGB32);
             picture.fill(Qt::blue);
@@ -207,6 +208,7 @@ protected:
     Subsystems subsystems;
     RecordingState recorderState = RecordingState::idle;
     std::vector<RecordingSession> recordings;
+    std::function<void(const QUrl& file, bool asGIF)> recovered;
     Geometry::Rect controlsNear;
     Subsystems::RecordingControlsCallbacks controls;
     QList<std::pair<QUrl, QUrl>> gifExports;

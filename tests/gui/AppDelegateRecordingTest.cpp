@@ -29,6 +29,7 @@ TEST_F(AppDelegateTest, ARecordingStartsWithItsRectangleNameAndMicrophone)
     EXPECT_EQ(recordings[0].rect, (Geometry::Rect{100, 600, 300, 200}));
     EXPECT_TRUE(recordings[0].micEnabled);
     EXPECT_TRUE(recordings[0].showClicks);
+    EXPECT_FALSE(recordings[0].asGIF);
     EXPECT_EQ(recordings[0].finalURL,
               QUrl::fromLocalFile(CaptureFiles::folder() +
                                   QStringLiteral("/Tamrik Rec 2024-03-05 at 14.07.09.mp4")));
@@ -42,6 +43,7 @@ TEST_F(AppDelegateTest, AGIFRecordingNeverCarriesAudio)
     record(true);
     ASSERT_EQ(recordings.size(), 1u);
     EXPECT_FALSE(recordings[0].micEnabled);
+    EXPECT_TRUE(recordings[0].asGIF);
 }
 
 TEST_F(AppDelegateTest, AStartedRecordingShowsInTheMenuAndItsControls)
@@ -134,6 +136,21 @@ TEST_F(AppDelegateTest, AFailedConversionDeliversTheMP4)
     finishRecording(file("/movies/a.mp4"));
     finishGIF(false);
     EXPECT_EQ(chips(), QList<QUrl>{file("/movies/a.mp4")});
+}
+
+TEST_F(AppDelegateTest, WhatAnInterruptedRecordingLeftIsDeliveredAsAnyOther)
+{
+    launch();
+    ASSERT_TRUE(recovered);
+    recovered(file("/movies/a.mp4"), false);
+    EXPECT_EQ(chips(), QList<QUrl>{file("/movies/a.mp4")});
+    EXPECT_EQ(FakePlatform::current().pasteboard.at(0).fileURL, chips().at(0));
+    recovered(file("/movies/b.mp4"), true);
+    ASSERT_EQ(gifExports.size(), 1);
+    finishGIF(true);
+    EXPECT_EQ(chips().back(), file("/movies/b.gif"));
+    app.reset();
+    recovered(file("/movies/c.mp4"), false);
 }
 
 TEST_F(AppDelegateTest, ARecordingWithoutAScreenEndsAtOnce)

@@ -30,7 +30,7 @@ class Layer:
 
 MODEL_AND_BELOW = ["base", "support", "model"]
 SERVICES_AND_BELOW = MODEL_AND_BELOW + ["platform", "media", "services"]
-EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection", "chips", "editor"]
+EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection", "chips", "controls", "editor"]
 
 LAYERS = {
     # What the capture tool shares with the program: it starts without Qt.
@@ -75,7 +75,8 @@ LAYERS = {
     "media": Layer(["src/Media/*"], ["base", "support"], ["Core", "Gui"]),
     "model": Layer(
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
-         "src/ChipPlacement.*", "src/ChipContent.*", "src/CaptureKind.*", "src/RecordingTypes.*",
+         "src/ChipPlacement.*", "src/ChipContent.*", "src/CaptureKind.*",
+         "src/RecordingControlsPlacement.*", "src/RecordingTypes.*",
          "src/Editor/Annotation*", "src/Editor/BaseImage.*", "src/Editor/Sidecar*",
          "src/Editor/CanvasLayer.*", "src/Editor/CanvasModel.*", "src/Editor/CanvasPicture.*",
          "src/Editor/EditorLayout.*", "src/Editor/ScaledPicture.*", "src/Editor/UndoHistory.*"],
@@ -83,22 +84,27 @@ LAYERS = {
         ["Core", "Gui"]),
     "services": Layer(
         ["src/HotKey.*", "src/CaptureManager.*", "src/ChipThumbnail.*", "src/Preferences.*",
-         "src/ScreenWatcher.*"],
+         "src/RecordingFinisher.*", "src/RecordingJournal.*", "src/RecordingManager.*",
+         "src/RecordingTools.*", "src/ScreenWatcher.*"],
         MODEL_AND_BELOW + ["platform", "media"],
         ["Core", "Gui"]),
     "kit": Layer(
         ["src/Chrome.*", "src/ChromeButton.*", "src/ChromeViews.*", "src/Fade.*",
-         "src/SoftShadow.*", "src/StatusIcon.*", "src/Symbols.*", "src/SymbolDesigns/*"],
+         "src/NumberLabel.*", "src/SoftShadow.*", "src/StatusIcon.*", "src/Symbols.*", "src/SymbolDesigns/*"],
         ["base", "support"],
         ["Core", "Gui", "Widgets"]),
     # Panels meet through callbacks: each is a layer of its own, which no other panel includes.
     "selection": Layer(
-        ["src/SelectionOverlay.*", "src/SelectionSession.*", "src/SelectionWindow.*",
-         "src/SelectionView.*"],
+        ["src/SelectionHUD.*", "src/SelectionOverlay.*", "src/SelectionSession.*",
+         "src/SelectionWindow.*", "src/SelectionView.*"],
         SERVICES_AND_BELOW + ["kit"],
         ["Core", "Gui", "Widgets"]),
     "chips": Layer(
         ["src/ChipManager.*", "src/ChipPanel.*", "src/ChipView.*", "src/PassThroughOverlay.*"],
+        SERVICES_AND_BELOW + ["kit"],
+        ["Core", "Gui", "Widgets"]),
+    "controls": Layer(
+        ["src/RecordingControlsPanel.*"],
         SERVICES_AND_BELOW + ["kit"],
         ["Core", "Gui", "Widgets"]),
     "editor": Layer(

@@ -3,6 +3,16 @@
 #include <QGuiApplication>
 #include <QPalette>
 
+QColor Platform::systemRed()
+{
+    return {0xFF, 0x3B, 0x30};
+}
+
+QColor Platform::systemOrange()
+{
+    return {0xFF, 0x95, 0x00};
+}
+
 QColor Platform::controlAccentColor()
 {
     return QGuiApplication::palette().color(QPalette::Active, QPalette::Highlight);

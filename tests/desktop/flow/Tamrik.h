@@ -25,6 +25,7 @@ public:
                       const QMap<QString, QString>& extra = {});
 
     Desktop::App& app() { return *m_app; }
+    const Desktop::App& app() const { return *m_app; }
 
     /// The windows of the overlay that are on the screen, one a screen while a selection is open.
     QList<Desktop::Window> overlay() const;

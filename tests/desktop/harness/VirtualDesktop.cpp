@@ -4,6 +4,7 @@
 #include "desktop/harness/Server.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
@@ -130,6 +131,12 @@ Outcome<std::unique_ptr<VirtualDesktop>> VirtualDesktop::start(const Options& op
             environment.insert(QString::fromLocal8Bit(variable.left(equals)),
                                QString::fromLocal8Bit(variable.mid(equals + 1)));
     }
+    // What programs leave among the temporary files is this desktop's own too.
+    const QString temporary =
+        environment.value(QStringLiteral("HOME")) + QStringLiteral("/temporary");
+    if (!QDir().mkpath(temporary))
+        return Failure{QStringLiteral("there can be no folder for temporary files")};
+    environment.insert(QStringLiteral("TMPDIR"), temporary);
     std::unique_ptr<VirtualDesktop> desktop(new VirtualDesktop(name, options, environment));
     const QFileInfo authority(environment.value(QStringLiteral("XAUTHORITY")));
     QFile cookie(authority.path() + QStringLiteral("/cookie"));

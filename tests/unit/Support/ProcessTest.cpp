@@ -75,3 +75,41 @@ TEST(Process, LetsAChildThatIsAboutToEndEndBeforeItGoes)
     }
     EXPECT_TRUE(QFile::exists(file));
 }
+
+TEST(Process, InterruptsTheChild)
+{
+    Process process;
+    bool ended = false;
+    process.interrupt(); // nobody to interrupt
+    auto command = shell(QStringLiteral("trap 'echo stopped >&2; exit' INT; echo on >&2;"
+                                        "while :; do sleep 0.01; done"));
+    command.keepsErrors = true;
+    ASSERT_FALSE(process.start(command, [&] { ended = true; }));
+    QByteArray said;
+    ASSERT_TRUE(runUntil([&] { return (said += process.errors()).contains("on"); }));
+    process.interrupt();
+    ASSERT_TRUE(runUntil([&] { return ended; }));
+    EXPECT_EQ(said + process.errors(), "on\nstopped\n");
+    process.interrupt();
+}
+
+TEST(Process, SharesADescriptorWithThisChildAlone)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("shared")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    const auto says = [&](bool shared) {
+        Process process;
+        bool ended = false;
+        auto command =
+            shell(QStringLiteral("[ -e /proc/self/fd/%1 ] && echo yes >&2 || echo no >&2")
+                      .arg(file.handle()));
+        command.keepsErrors = true;
+        command.sharedDescriptor = shared ? file.handle() : -1;
+        EXPECT_FALSE(process.start(command, [&] { ended = true; }));
+        EXPECT_TRUE(runUntil([&] { return ended; }));
+        return process.errors();
+    };
+    EXPECT_EQ(says(true), "yes\n");
+    EXPECT_EQ(says(false), "no\n");
+}

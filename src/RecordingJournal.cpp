@@ -1,0 +1,199 @@
+#include "RecordingJournal.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QUuid>
+
+#include <cstdio>
+#include <optional>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using Entry = RecordingJournal::Entry;
+
+const QString prefix = QStringLiteral("tamrik-rec-");
+const QString suffix = QStringLiteral(".json");
+const QString unfinishedSuffix = QStringLiteral(".json.new");
+const QString brokenSuffix = QStringLiteral(".broken");
+
+/// More than any journal holds, in bytes: a segment takes some sixty.
+constexpr qint64 largestFile = 1 << 20;
+
+constexpr int formatVersion = 1;
+
+QByteArray native(const QString& path)
+{
+    return QFile::encodeName(path);
+}
+
+bool lock(const FileDescriptor& file)
+{
+    return flock(file.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+bool writeAll(const FileDescriptor& file, const QByteArray& bytes)
+{
+    qsizetype written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = ::write(file.get(), bytes.constData() + written,
+                                      static_cast<std::size_t>(bytes.size() - written));
+        if (count <= 0)
+            return false;
+        written += count;
+    }
+    return fdatasync(file.get()) == 0;
+}
+
+std::optional<QByteArray> readAll(const FileDescriptor& file)
+{
+    QFile reader;
+    if (!reader.open(file.get(), QIODevice::ReadOnly, QFileDevice::DontCloseHandle) ||
+        reader.size() > largestFile)
+        return std::nullopt;
+    return reader.read(largestFile);
+}
+
+QByteArray toJson(const Entry& entry)
+{
+    QJsonArray segments;
+    for (const QUrl& segment : entry.segments)
+        segments += segment.fileName(QUrl::FullyDecoded);
+    const QJsonObject root = {
+        {QStringLiteral("version"), formatVersion},
+        {QStringLiteral("film"), entry.finalURL.toLocalFile()},
+        {QStringLiteral("gif"), entry.asGIF},
+        {QStringLiteral("discarded"), entry.discarded},
+        {QStringLiteral("segments"), segments},
+    };
+    return QJsonDocument(root).toJson();
+}
+
+/// What a journal in `folder` says; absent when it does not make sense.
+std::optional<Entry> fromJson(const QByteArray& bytes, const QString& folder)
+{
+    static const QRegularExpression segmentName(
+        QRegularExpression::anchoredPattern(QStringLiteral("tamrik-seg-[0-9A-F-]{36}\\.mov")));
+    const QJsonObject root = QJsonDocument::fromJson(bytes).object();
+    const QString film = root.value(QStringLiteral("film")).toString();
+    const QJsonValue gif = root.value(QStringLiteral("gif"));
+    const QJsonValue discarded = root.value(QStringLiteral("discarded"));
+    const QJsonValue segments = root.value(QStringLiteral("segments"));
+    if (root.value(QStringLiteral("version")).toInt() != formatVersion ||
+        !QDir::isAbsolutePath(film) || !film.endsWith(QStringLiteral(".mp4")) || !gif.isBool() ||
+        !discarded.isBool() || !segments.isArray())
+        return std::nullopt;
+    Entry entry{QUrl::fromLocalFile(film), gif.toBool(), {}, discarded.toBool()};
+    const QJsonArray names = segments.toArray();
+    for (const QJsonValue& name : names) {
+        if (!segmentName.match(name.toString()).hasMatch())
+            return std::nullopt;
+        entry.segments += QUrl::fromLocalFile(folder + QLatin1Char('/') + name.toString());
+    }
+    return entry;
+}
+
+/// A file of the user's own at `path`, open; none when there is none, or something else is there.
+FileDescriptor openOwn(const QString& path)
+{
+    FileDescriptor file(
+        open(native(path).constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    struct stat status = {};
+    if (file && fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) &&
+        status.st_uid == geteuid())
+        return file;
+    return FileDescriptor();
+}
+
+/// Whether `path` still is the name of `file`, which may have been replaced or removed meanwhile.
+bool isNamed(const FileDescriptor& file, const QString& path)
+{
+    struct stat opened = {};
+    struct stat named = {};
+    return fstat(file.get(), &opened) == 0 && lstat(native(path).constData(), &named) == 0 &&
+           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
+/// A journal that was being written when the program ended: the one before it is complete.
+void removeUnfinished(const QString& path)
+{
+    const FileDescriptor file = openOwn(path);
+    if (file && lock(file) && isNamed(file, path))
+        QFile::remove(path);
+}
+
+} // namespace
+
+RecordingJournal::RecordingJournal(const QString& folder)
+    : m_path(folder + QLatin1Char('/') + prefix +
+             QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() + suffix)
+{
+}
+
+RecordingJournal::RecordingJournal(QString path, FileDescriptor file)
+    : m_path(std::move(path))
+    , m_file(std::move(file))
+{
+}
+
+bool RecordingJournal::write(const Entry& entry)
+{
+    const QString unfinished = m_path.chopped(suffix.size()) + unfinishedSuffix;
+    QFile::remove(unfinished); // left over from a write that failed
+    FileDescriptor file(open(native(unfinished).constData(),
+                             O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                             S_IRUSR | S_IWUSR));
+    if (!file || !lock(file) || !writeAll(file, toJson(entry)) ||
+        std::rename(native(unfinished).constData(), native(m_path).constData()) != 0)
+    {
+        QFile::remove(unfinished);
+        return false;
+    }
+    m_file = std::move(file); // locked before it got its name, so there is no gap
+    return true;
+}
+
+void RecordingJournal::remove()
+{
+    if (m_file && isNamed(m_file, m_path))
+        QFile::remove(m_path);
+}
+
+RecordingJournal::Search RecordingJournal::claimAbandoned(const QString& folder)
+{
+    Search search;
+    const QDir names(folder);
+    for (const QString& name : names.entryList({prefix + QLatin1Char('*') + unfinishedSuffix}))
+        removeUnfinished(names.filePath(name));
+    for (const QString& name : names.entryList({prefix + QLatin1Char('*') + suffix})) {
+        const QString path = names.filePath(name);
+        FileDescriptor file = openOwn(path);
+        if (!file)
+            continue;
+        if (!lock(file)) {
+            search.othersAreHeld = true;
+            continue;
+        }
+        if (!isNamed(file, path))
+            continue;
+        const auto bytes = readAll(file);
+        const auto entry = bytes ? fromJson(*bytes, names.path()) : std::nullopt;
+        if (!entry) {
+            std::rename(native(path).constData(), native(path + brokenSuffix).constData());
+            continue;
+        }
+        search.found.push_back(
+            {std::unique_ptr<RecordingJournal>(new RecordingJournal(path, std::move(file))),
+             *entry});
+    }
+    return search;
+}

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "Support/FileDescriptor.h"
+
+#include <QList>
+#include <QString>
+#include <QUrl>
+
+#include <memory>
+#include <vector>
+
+/// A small file beside a recording's segments that says what they are to become, so that the next
+/// start of the program can finish what this one did not.
+///
+/// Whoever holds the journal has its file locked, until the object goes or the process ends,
+/// however it ends. Main thread only.
+class RecordingJournal {
+public:
+    struct Entry {
+        /// The MP4 to produce.
+        QUrl finalURL;
+        bool asGIF = false;
+        /// The segments, oldest first, also one that is still being filmed. All lie in the
+        /// journal's folder.
+        QList<QUrl> segments;
+        /// Whether nobody wants the segments any more.
+        bool discarded = false;
+
+        friend bool operator==(const Entry&, const Entry&) = default;
+    };
+
+    /// A journal of a new name in `folder`. There is no file before the first `write`.
+    explicit RecordingJournal(const QString& folder);
+
+    /// Puts `entry` in place of what the file said, in one step. Whether it worked.
+    bool write(const Entry& entry);
+
+    /// Removes the file, if there is one.
+    void remove();
+
+    /// Is open, and holds the lock; another process that gets it holds the lock too, for as long as
+    /// it runs. -1 before the first `write`, different after each.
+    int lockedDescriptor() const { return m_file.get(); }
+
+    struct Found;
+    struct Search;
+
+    /// The journals in `folder` that nobody holds any more, now held by the caller. Broken ones are
+    /// put aside under another name.
+    static Search claimAbandoned(const QString& folder);
+
+private:
+    RecordingJournal(QString path, FileDescriptor file);
+
+    QString m_path;
+    FileDescriptor m_file;
+};
+
+struct RecordingJournal::Found {
+    std::unique_ptr<RecordingJournal> journal;
+    Entry entry;
+};
+
+struct RecordingJournal::Search {
+    std::vector<Found> found;
+    /// Whether there are journals that somebody else holds.
+    bool othersAreHeld = false;
+};

@@ -1,0 +1,320 @@
+// What is left of a recording when the program goes, and what the next start makes of it.
+
+#include "unit/RecordingFixture.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <array>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::Pair;
+
+namespace {
+
+class RecordingRecoveryTest : public RecordingFixture {
+protected:
+    void recover()
+    {
+        manager->recover(
+            [this](const QUrl& file, bool asGIF) { recovered.emplace_back(file, asGIF); });
+    }
+
+    /// The program goes; `films` says whether the tool leaves a film meanwhile.
+    void crash(bool films = true)
+    {
+        if (films && manager->state() != RecordingState::paused)
+            write(runs.back()->file(), "film");
+        makeManager();
+    }
+
+    QJsonObject journal() const
+    {
+        const QStringList names = journals();
+        return names.size() == 1
+                   ? QJsonDocument::fromJson(contents(segmentFolder() + u'/' + names.front()))
+                         .object()
+                   : QJsonObject();
+    }
+
+    QString journalPath() const { return segmentFolder() + u'/' + journals().value(0); }
+
+    void startAsGIF()
+    {
+        auto asGIF = session();
+        asGIF.asGIF = true;
+        manager->start(asGIF);
+    }
+
+    std::vector<std::pair<QUrl, bool>> recovered;
+};
+
+} // namespace
+
+TEST_F(RecordingRecoveryTest, TheJournalNamesEachSegmentBeforeItStarts)
+{
+    QStringList atLaunch;
+    start();
+    EXPECT_EQ(journal().value(QStringLiteral("film")), finalPath());
+    EXPECT_EQ(journal().value(QStringLiteral("segments")).toArray(),
+              QJsonArray{QFileInfo(run(0).file()).fileName()});
+    EXPECT_EQ(QFileInfo(journalPath()).permissions() &
+                  ~(QFile::ReadUser | QFile::WriteUser | QFile::ReadOwner | QFile::WriteOwner),
+              QFile::Permissions());
+    recordAndPause();
+    manager->togglePause();
+    EXPECT_EQ(
+        journal().value(QStringLiteral("segments")).toArray(),
+        (QJsonArray{QFileInfo(run(0).file()).fileName(), QFileInfo(run(1).file()).fileName()}));
+    EXPECT_EQ(named("*").size(), 2); // the journal and the first segment
+}
+
+TEST_F(RecordingRecoveryTest, TheJournalIsThereWhenTheToolStartsAndTheToolHoldsIt)
+{
+    start();
+    EXPECT_GE(run(0).command.sharedDescriptor, 0);
+    EXPECT_EQ(journals().size(), 1);
+}
+
+TEST_F(RecordingRecoveryTest, TheJournalStaysUntilTheFilmIsThere)
+{
+    start();
+    manager->stop(false);
+    end();
+    EXPECT_EQ(journals().size(), 1);
+    complete(MovieExport::End::completed);
+    EXPECT_TRUE(isTidy());
+}
+
+TEST_F(RecordingRecoveryTest, ASegmentLeftAloneBecomesTheFilm)
+{
+    start();
+    crash();
+    recover();
+    ASSERT_EQ(exports.size(), 1u);
+    EXPECT_TRUE(exports[0].copies);
+    EXPECT_EQ(exports[0].sources, QStringList{run(0).file()});
+    EXPECT_EQ(exports[0].destination, finalPath());
+    complete(MovieExport::End::completed);
+    EXPECT_THAT(recovered, ElementsAre(Pair(QUrl::fromLocalFile(finalPath()), false)));
+    EXPECT_TRUE(isTidy());
+    EXPECT_EQ(manager->state(), RecordingState::idle);
+
+    recover();
+    EXPECT_EQ(exports.size(), 1u);
+}
+
+TEST_F(RecordingRecoveryTest, SegmentsLeftAloneAreJoinedInOrder)
+{
+    startAsGIF();
+    recordAndPause();
+    manager->togglePause();
+    recordAndPause();
+    manager->togglePause();
+    QDir(folder.filePath(QStringLiteral("captures"))).removeRecursively();
+    crash();
+    recover();
+    ASSERT_EQ(exports.size(), 1u);
+    EXPECT_EQ(exports[0].sources, (QStringList{run(0).file(), run(1).file(), run(2).file()}));
+    complete(MovieExport::End::completed);
+    EXPECT_THAT(recovered, ElementsAre(Pair(QUrl::fromLocalFile(finalPath()), true)));
+    EXPECT_TRUE(isTidy());
+}
+
+TEST_F(RecordingRecoveryTest, ASegmentThatNeverCameIsLeftOut)
+{
+    start();
+    recordAndPause();
+    manager->togglePause();
+    crash(false);
+    recover();
+    ASSERT_EQ(exports.size(), 1u);
+    EXPECT_EQ(exports[0].sources, QStringList{run(0).file()});
+}
+
+TEST_F(RecordingRecoveryTest, ASessionWithoutAnyFilmLeavesNothing)
+{
+    start();
+    crash(false);
+    recover();
+    EXPECT_TRUE(exports.empty());
+    EXPECT_TRUE(recovered.empty());
+    EXPECT_TRUE(isTidy());
+}
+
+TEST_F(RecordingRecoveryTest, AnExportThatTheProgramDidNotSeeTheEndOfIsMadeAgain)
+{
+    start();
+    manager->stop(false);
+    end();
+    crash(false);
+    EXPECT_TRUE(exports[0].cancellation.isCancelled());
+    exports[0].completion({MovieExport::End::failed, "cancelled"});
+    exports[0].completion = {}; // with the process its hold on the journal ends
+    EXPECT_TRUE(results.isEmpty());
+    recover();
+    ASSERT_EQ(exports.size(), 2u);
+    EXPECT_FALSE(exports[1].cancellation.isCancelled());
+    EXPECT_EQ(exports[1].sources, QStringList{run(0).file()});
+}
+
+TEST_F(RecordingRecoveryTest, WhatWasThrownAwayDoesNotComeBack)
+{
+    start();
+    recordAndPause();
+    manager->togglePause();
+    manager->restart();
+    crash();
+    recover();
+    EXPECT_TRUE(exports.empty());
+    EXPECT_TRUE(isTidy());
+
+    start();
+    manager->restart();
+    end();
+    crash();
+    recover();
+    ASSERT_EQ(exports.size(), 1u);
+    EXPECT_EQ(exports[0].sources, QStringList{runs.back()->file()});
+}
+
+TEST_F(RecordingRecoveryTest, AProgramThatGoesInTheMiddleOfADiscardLeavesNothing)
+{
+    start();
+    recordAndPause();
+    manager->togglePause();
+    EXPECT_FALSE(journal().value(QStringLiteral("discarded")).toBool(true));
+    manager->stop(true);
+    EXPECT_TRUE(journal().value(QStringLiteral("discarded")).toBool()); // should it be killed
+    write(run(1).file(), "film");
+    manager.reset();
+    EXPECT_TRUE(isTidy());
+}
+
+TEST_F(RecordingRecoveryTest, ARunningRecordingIsLeftAlone)
+{
+    start();
+    write(run(0).file(), "film");
+    recover();
+    EXPECT_TRUE(exports.empty());
+    manager->stop(false);
+    end();
+    EXPECT_EQ(exports.size(), 1u);
+}
+
+TEST_F(RecordingRecoveryTest, AToolThatOutlivesItsProgramIsWaitedFor)
+{
+    start();
+    // As in a process that has got the descriptor.
+    const int tools = dup(run(0).command.sharedDescriptor);
+    crash();
+    recover();
+    clock.advance(3s);
+    EXPECT_TRUE(exports.empty());
+    close(tools);
+    clock.advance(1s);
+    EXPECT_EQ(exports.size(), 1u);
+}
+
+TEST_F(RecordingRecoveryTest, AnotherProcessThatHoldsAJournalKeepsIt)
+{
+    start();
+    crash();
+    std::array<int, 2> go{};
+    ASSERT_EQ(pipe(go.data()), 0);
+    std::array<int, 2> ready{};
+    ASSERT_EQ(pipe(ready.data()), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        const auto held = RecordingJournal::claimAbandoned(segmentFolder());
+        char byte = held.found.size() == 1 ? 'y' : 'n';
+        (void)!::write(ready[1], &byte, 1);
+        (void)!read(go[0], &byte, 1);
+        _exit(0);
+    }
+    char byte = 0;
+    ASSERT_EQ(read(ready[0], &byte, 1), 1);
+    EXPECT_EQ(byte, 'y');
+    recover();
+    EXPECT_TRUE(exports.empty());
+    ASSERT_EQ(::write(go[1], &byte, 1), 1);
+    ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    recover();
+    EXPECT_EQ(exports.size(), 1u);
+    for (const int descriptor : {go[0], go[1], ready[0], ready[1]})
+        close(descriptor);
+}
+
+TEST_F(RecordingRecoveryTest, BrokenJournalsArePutAside)
+{
+    start();
+    crash();
+    const QString path = journalPath();
+    const QByteArray good = contents(path);
+    const QList<QByteArray> broken = {
+        "",
+        "{",
+        "[]",
+        good.left(good.size() / 2),
+        QByteArray(good).replace("\"version\": 1", "\"version\": 2"),
+        QByteArray(good).replace("\"gif\": false", "\"gif\": 1"),
+        QByteArray(good).replace("\"film\": \"/", "\"film\": \""),
+        QByteArray(good).replace("tamrik-seg-", "../tamrik-seg-"),
+        QByteArray(good).replace("tamrik-seg-", "\\u0000"),
+        QByteArray(2 << 20, ' '),
+        QByteArray(1 << 19, '['),
+    };
+    for (const QByteArray& bytes : broken) {
+        ASSERT_NE(bytes, good);
+        write(path, bytes);
+        recover();
+        EXPECT_TRUE(exports.empty()) << bytes.left(300).constData();
+        EXPECT_TRUE(journals().isEmpty());
+        EXPECT_EQ(named("*.broken").size(), 1);
+        EXPECT_EQ(contents(path + QStringLiteral(".broken")), bytes);
+        EXPECT_EQ(segmentFiles().size(), 1);
+    }
+    write(path, good);
+    recover();
+    EXPECT_EQ(exports.size(), 1u);
+}
+
+TEST_F(RecordingRecoveryTest, OnlyPlainFilesAreTakenForJournals)
+{
+    start();
+    crash();
+    const QString path = journalPath();
+    const QString real = folder.filePath(QStringLiteral("elsewhere"));
+    ASSERT_TRUE(QFile::rename(path, real));
+    ASSERT_TRUE(QFile::link(real, path));
+    recover();
+    ASSERT_TRUE(QFile::remove(path));
+    ASSERT_TRUE(QDir().mkdir(path));
+    recover();
+    EXPECT_TRUE(QDir().rmdir(path));
+    EXPECT_TRUE(exports.empty());
+}
+
+TEST_F(RecordingRecoveryTest, AJournalThatWasBeingWrittenGoes)
+{
+    const QString unfinished = segmentFolder() + QStringLiteral("/tamrik-rec-1.json.new");
+    write(unfinished, "{\"vers");
+    recover();
+    EXPECT_TRUE(isTidy());
+}
+
+TEST_F(RecordingRecoveryTest, WithoutAPlaceForAJournalItRecordsAllTheSame)
+{
+    QDir(segmentFolder()).removeRecursively();
+    start();
+    EXPECT_EQ(manager->state(), RecordingState::recording);
+    EXPECT_EQ(run(0).command.sharedDescriptor, -1);
+    manager->stop(false);
+    end(false);
+    EXPECT_EQ(results.size(), 1);
+}
