@@ -102,11 +102,17 @@ std::vector<Point> customOrigins(Point anchor, const std::vector<Size>& oldestFi
 
 Size ChipPlacement::chipSize(Size picture)
 {
-    const double scale = std::min({largestThumbnail.width / std::max(picture.width, 1.0),
-                                   largestThumbnail.height / std::max(picture.height, 1.0), 1.0});
-    // What is rounded must not make a chip larger than the largest by a hair.
-    return {std::clamp(scale * picture.width, smallestChip.width, largestThumbnail.width),
-            std::clamp(scale * picture.height, smallestChip.height, largestThumbnail.height)};
+    const double width = std::max(picture.width, 1.0);
+    const double height = std::max(picture.height, 1.0);
+    const Size most = largestThumbnail;
+    // Multiplied before it is divided: a whole number by a hair more would cost a row of pixels.
+    Size size = {width, height};
+    if (width > most.width || height > most.height) {
+        size = most.width * height <= most.height * width
+                   ? Size{most.width, most.width * height / width}
+                   : Size{most.height * width / height, most.height};
+    }
+    return {std::max(size.width, smallestChip.width), std::max(size.height, smallestChip.height)};
 }
 
 Point ChipPlacement::firstSlotOrigin(const Anchor& anchor, Size chip, Rect visible)

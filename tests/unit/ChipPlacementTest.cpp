@@ -31,6 +31,7 @@ TEST(ChipSize, APictureIsFittedInto220By150)
 {
     EXPECT_EQ(ChipPlacement::chipSize({2880, 1800}), (Size{220, 137.5}));
     EXPECT_EQ(ChipPlacement::chipSize({1000, 1500}), (Size{100, 150}));
+    EXPECT_EQ(ChipPlacement::chipSize({360, 180}), (Size{220, 110})); // and not a hair more
 }
 
 TEST(ChipSize, ASmallPictureIsNotEnlargedButTheChipHasALeastSize)
