@@ -11,6 +11,7 @@
 #include "Platform/Pasteboard.h"
 #include "Platform/Screens.h"
 #include "Platform/WindowTraits.h"
+#include "StatusIcon.h"
 #include "Support/Log.h"
 #include "Support/ReplaceFile.h"
 
@@ -85,6 +86,7 @@ EditorWindowController::EditorWindowController(const QUrl& image, Clock clock, C
 
     m_window->setObjectName(QStringLiteral("EditorWindow"));
     m_window->setWindowTitle(asTitle(fileName()));
+    m_window->setWindowIcon(StatusIcon::icon(false));
     m_window->setWindowFilePath(m_imageURL.toLocalFile());
     m_window->setMinimumSize(static_cast<int>(EditorLayout::smallestWindow.width),
                              static_cast<int>(EditorLayout::smallestWindow.height));

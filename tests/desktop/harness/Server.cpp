@@ -80,12 +80,12 @@ bool Server::hasProperty(std::uint32_t window, const QByteArray& name) const
     return !property(window, name).isEmpty();
 }
 
-bool Server::selectionIsOwned(const QByteArray& name) const
+std::uint32_t Server::selectionOwner(const QByteArray& name) const
 {
     const auto cookie = xcb_get_selection_owner(m_connection, atom(name));
     const Reply<xcb_get_selection_owner_reply_t> reply(
         xcb_get_selection_owner_reply(m_connection, cookie, nullptr));
-    return reply && reply->owner != XCB_WINDOW_NONE;
+    return reply ? reply->owner : 0;
 }
 
 } // namespace Desktop

@@ -40,7 +40,9 @@ public:
     /// The property's 32-bit values.
     QList<std::uint32_t> numbers(std::uint32_t window, const QByteArray& name) const;
     bool hasProperty(std::uint32_t window, const QByteArray& name) const;
-    bool selectionIsOwned(const QByteArray& name) const;
+    /// The window that owns a selection; 0 when none does.
+    std::uint32_t selectionOwner(const QByteArray& name) const;
+    bool selectionIsOwned(const QByteArray& name) const { return selectionOwner(name) != 0; }
 
 private:
     Server(xcb_connection_t* connection, std::uint32_t root);
