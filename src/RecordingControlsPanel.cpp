@@ -23,7 +23,6 @@
 using namespace std::chrono_literals;
 using Geometry::Point;
 using Geometry::Rect;
-using Geometry::Size;
 using Symbols::Symbol;
 
 namespace {

@@ -5,6 +5,7 @@
 #include "Support/Guarded.h"
 #include "Support/Log.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QThreadPool>
@@ -49,6 +50,8 @@ void RecordingFinisher::discard(const RecordedSegments& recorded)
 
 void RecordingFinisher::finish(const RecordedSegments& recorded)
 {
+    // It may have been taken away meanwhile.
+    QDir().mkpath(QFileInfo(recorded.finalURL.toLocalFile()).path());
     if (recorded.segments.isEmpty()) {
         discard(recorded);
     } else if (recorded.segments.size() == 1) {

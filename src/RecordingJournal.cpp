@@ -94,7 +94,7 @@ std::optional<Entry> fromJson(const QByteArray& bytes, const QString& folder)
         return std::nullopt;
     Entry entry{QUrl::fromLocalFile(film), gif.toBool(), {}, discarded.toBool()};
     const QJsonArray names = segments.toArray();
-    for (const QJsonValue& name : names) {
+    for (const auto& name : names) {
         if (!segmentName.match(name.toString()).hasMatch())
             return std::nullopt;
         entry.segments += QUrl::fromLocalFile(folder + QLatin1Char('/') + name.toString());

@@ -7,7 +7,6 @@
 #include "Support/Process.h"
 #include "Support/ToolRectangle.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStringDecoder>
@@ -134,7 +133,7 @@ void RecordingManager::togglePause()
 
 void RecordingManager::stop(bool discard)
 {
-    m_discardOnFinish = m_discardOnFinish || discard;
+    const bool wasDiscarded = std::exchange(m_discardOnFinish, m_discardOnFinish || discard);
     switch (m_state) {
     case RecordingState::recording:
     case RecordingState::pausing:
@@ -146,8 +145,11 @@ void RecordingManager::stop(bool discard)
     case RecordingState::paused:
         finishSession();
         return;
-    case RecordingState::idle:
     case RecordingState::stopping:
+        if (discard && !wasDiscarded)
+            note(m_segments + QList{m_filming}, true);
+        return;
+    case RecordingState::idle:
     case RecordingState::restarting:
         return;
     }
@@ -309,7 +311,6 @@ void RecordingManager::recover(const Recovered& recovered, int attempts)
             m_finisher.discard(left);
             continue;
         }
-        QDir().mkpath(QFileInfo(entry.finalURL.toLocalFile()).path());
         m_finisher.finish(left);
     }
     if (search.othersAreHeld && attempts > 1) {

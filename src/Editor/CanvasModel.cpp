@@ -3,6 +3,7 @@
 #include "Editor/AnnotationRenderer.h"
 
 #include <algorithm>
+#include <limits>
 
 using Geometry::Point;
 
@@ -45,6 +46,7 @@ double CanvasModel::textSize(double strokeWidth)
 
 void CanvasModel::setTool(EditorTool tool)
 {
+    endPress();
     m_tool = tool;
     select(std::nullopt);
 }
@@ -67,9 +69,8 @@ Annotation CanvasModel::annotation(AnnotationKind kind, Point p) const
 
 CanvasModel::Press CanvasModel::mouseDown(Point p)
 {
+    endPress();
     m_dragStart = p;
-    redrawSelection();
-    m_didMoveSelection = false;
     switch (m_tool) {
     case EditorTool::select:
         select(m_places.highestAt(p));
@@ -129,12 +130,13 @@ void CanvasModel::beginDraft(AnnotationKind kind, Point p)
 
 void CanvasModel::addCounter(Point p)
 {
-    std::int64_t largest = 0;
+    std::optional<std::int64_t> largest;
     for (const Annotation& a : m_annotations)
-        largest = std::max(largest, a.number.value_or(0));
+        largest = std::max(largest, a.number); // one that is absent is the least
+    constexpr auto last = std::numeric_limits<std::int64_t>::max();
     Annotation counter = annotation(AnnotationKind::counter, p);
-    counter.number = largest + 1;
-    append(std::move(counter));
+    counter.number = largest ? std::min(*largest, last - 1) + 1 : 1;
+    append(counter);
 }
 
 void CanvasModel::append(const Annotation& annotation)
@@ -187,19 +189,27 @@ void CanvasModel::mouseDragged(Point p)
 
 void CanvasModel::mouseUp()
 {
-    m_dragStart.reset();
     if (m_tool == EditorTool::select) {
-        redrawSelection();
-        if (std::exchange(m_didMoveSelection, false))
-            changed();
+        endPress();
         return;
     }
+    m_dragStart.reset();
     const auto draft = std::exchange(m_draft, std::nullopt);
     if (!draft)
         return;
     redraw(AnnotationRenderer::painted(*draft));
     if (isWorthKeeping(*draft))
         append(*draft);
+}
+
+/// A release may never come: another program can take the pointer in the middle of a drag.
+void CanvasModel::endPress()
+{
+    cancelDraft();
+    m_dragStart.reset();
+    redrawSelection();
+    if (std::exchange(m_didMoveSelection, false))
+        changed();
 }
 
 void CanvasModel::cancelDraft()
@@ -216,7 +226,7 @@ void CanvasModel::commitText(const QString& typed, Point origin)
     Annotation label = annotation(AnnotationKind::text, origin);
     label.text = trimmed;
     label.fontSize = textSize(m_strokeWidth);
-    append(std::move(label));
+    append(label);
 }
 
 void CanvasModel::deleteSelection()

@@ -88,6 +88,7 @@ public:
     void redo();
 
 private:
+    void endPress();
     Annotation annotation(AnnotationKind kind, Geometry::Point p) const;
     void select(std::optional<qsizetype> index);
     void redrawSelection() const;

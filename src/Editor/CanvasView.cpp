@@ -123,7 +123,10 @@ void CanvasView::commitActiveTextField()
         return;
     // It may be one of its own events that ends it, and hiding it takes the focus from it.
     field->disconnect(this);
-    const QString typed = field->text();
+    const QString typed = field->finished();
+    // Hiding it would have Qt look for the next widget, and scroll to where that begins.
+    if (window()->focusWidget() == field)
+        setFocus();
     field->hide();
     field->deleteLater();
     m_model.commitText(typed, m_editingTextOrigin);
@@ -176,7 +179,7 @@ void CanvasView::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Escape:
         if (m_model.selectedID())
             m_model.deselect();
-        else
+        else if (!event->isAutoRepeat()) // held, it ends one thing
             window()->close();
         return;
     default: // all other keys

@@ -6,7 +6,9 @@
 namespace EditorLayout {
 
 inline constexpr double toolbarHeight = 46;
+/// With a title bar, whose height is up to the desktop.
 inline constexpr Geometry::Size smallestWindow = {940, 360};
+inline constexpr double titleBarHeight = 28;
 
 /// The magnification at which a picture is first shown: never enlarged.
 double initialMagnification(Geometry::Size picture, Geometry::Size visible);

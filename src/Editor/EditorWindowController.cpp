@@ -88,8 +88,9 @@ EditorWindowController::EditorWindowController(const QUrl& image, Clock clock, C
     m_window->setWindowTitle(asTitle(fileName()));
     m_window->setWindowIcon(StatusIcon::icon(false));
     m_window->setWindowFilePath(m_imageURL.toLocalFile());
-    m_window->setMinimumSize(static_cast<int>(EditorLayout::smallestWindow.width),
-                             static_cast<int>(EditorLayout::smallestWindow.height));
+    m_window->setMinimumSize(
+        static_cast<int>(EditorLayout::smallestWindow.width),
+        static_cast<int>(EditorLayout::smallestWindow.height - EditorLayout::titleBarHeight));
     m_window->willClose = [this] { windowWillClose(); };
     buildUI(magnification);
     Platform::setFrame(*m_window, {visible.x + (visible.width - content.width) / 2,
@@ -176,23 +177,29 @@ void EditorWindowController::connectToolbar()
 void EditorWindowController::addShortcuts()
 {
     CanvasModel& model = m_canvas->model();
-    const std::pair<QKeyCombination, std::function<void()>> commands[] = {
-        {Qt::CTRL | Qt::Key_Z, [&model] { model.undo(); }},
-        {Qt::CTRL | Qt::SHIFT | Qt::Key_Z, [&model] { model.redo(); }},
-        {Qt::CTRL | Qt::Key_C, [this] { copyFlattened(); }},
-        {Qt::CTRL | Qt::SHIFT | Qt::Key_C, [this] { copyFlattened(); }},
-        {Qt::CTRL | Qt::Key_S, [this] { exportFlattened(); }},
-        {Qt::CTRL | Qt::SHIFT | Qt::Key_S, [this] { exportFlattened(); }},
-        {Qt::CTRL | Qt::Key_W, [this] { m_window->close(); }},
-        {Qt::CTRL | Qt::SHIFT | Qt::Key_W, [this] { m_window->close(); }},
-        {Qt::CTRL | Qt::Key_Plus, [this] { m_zoomView->zoomIn(); }},
-        {Qt::CTRL | Qt::Key_Equal, [this] { m_zoomView->zoomIn(); }},
-        {Qt::CTRL | Qt::Key_Minus, [this] { m_zoomView->zoomOut(); }},
-        {Qt::CTRL | Qt::Key_0, [this] { m_zoomView->setMagnification(1); }},
+    struct Command {
+        QKeyCombination keys;
+        bool repeats; // while the keys are held
+        std::function<void()> action;
     };
-    for (const auto& [keys, command] : commands) {
+    const Command commands[] = {
+        {Qt::CTRL | Qt::Key_Z, true, [&model] { model.undo(); }},
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_Z, true, [&model] { model.redo(); }},
+        {Qt::CTRL | Qt::Key_C, false, [this] { copyFlattened(); }},
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_C, false, [this] { copyFlattened(); }},
+        {Qt::CTRL | Qt::Key_S, false, [this] { exportFlattened(); }},
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_S, false, [this] { exportFlattened(); }},
+        {Qt::CTRL | Qt::Key_W, false, [this] { m_window->close(); }},
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_W, false, [this] { m_window->close(); }},
+        {Qt::CTRL | Qt::Key_Plus, true, [this] { m_zoomView->zoomIn(); }},
+        {Qt::CTRL | Qt::Key_Equal, true, [this] { m_zoomView->zoomIn(); }},
+        {Qt::CTRL | Qt::Key_Minus, true, [this] { m_zoomView->zoomOut(); }},
+        {Qt::CTRL | Qt::Key_0, false, [this] { m_zoomView->setMagnification(1); }},
+    };
+    for (const auto& [keys, repeats, action] : commands) {
         auto* shortcut = new QShortcut(QKeySequence(keys), m_window.get());
-        connect(shortcut, &QShortcut::activated, this, command);
+        shortcut->setAutoRepeat(repeats);
+        connect(shortcut, &QShortcut::activated, this, action);
         // While a label is typed these keys are its field's.
         connect(m_canvas, &CanvasView::typingChanged, shortcut,
                 [shortcut](bool isTyping) { shortcut->setEnabled(!isTyping); });

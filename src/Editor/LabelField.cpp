@@ -1,10 +1,14 @@
 #include "Editor/LabelField.h"
 
 #include <QFocusEvent>
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QPainter>
 
 #include <cmath>
+#include <utility>
 
 LabelField::LabelField(QWidget* parent)
     : QLineEdit(parent)
@@ -30,6 +34,27 @@ void LabelField::setLook(const QColor& color, double size)
     faint.setAlphaF(0.55F);
     look.setColor(QPalette::PlaceholderText, faint);
     setPalette(look);
+}
+
+void LabelField::inputMethodEvent(QInputMethodEvent* event)
+{
+    m_composed = event->preeditString();
+    QLineEdit::inputMethodEvent(event);
+}
+
+QString LabelField::finished()
+{
+    QGuiApplication::inputMethod()->commit();
+    // Not every input method answers at once.
+    if (!m_composed.isEmpty())
+        insert(std::exchange(m_composed, {}));
+    return text();
+}
+
+bool LabelField::focusNextPrevChild(bool)
+{
+    Q_EMIT ended(); // there is no next field
+    return true;
 }
 
 void LabelField::paintEvent(QPaintEvent* event)

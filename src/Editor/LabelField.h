@@ -9,6 +9,9 @@ class LabelField : public QLineEdit {
 public:
     explicit LabelField(QWidget* parent);
 
+    /// The text, with what an input method was still at.
+    QString finished();
+
     /// The text's colour and its size in points of the screen.
     void setLook(const QColor& color, double size);
 
@@ -20,5 +23,10 @@ Q_SIGNALS:
 protected:
     void focusOutEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    QString m_composed; ///< Shown in the field, and no part of its text yet.
 };

@@ -52,7 +52,7 @@ QUrl CaptureFiles::newRecording(const Clock& clock)
 QString CaptureFiles::temporaryFolder()
 {
     // /tmp may be memory: too small for a long film, and empty after a restart.
-    const QString lasting = QStringLiteral("/var/tmp");
+    QString lasting = QStringLiteral("/var/tmp");
     if (qEnvironmentVariableIsEmpty("TMPDIR") && QFileInfo(lasting).isWritable())
         return lasting;
     return QDir::tempPath();

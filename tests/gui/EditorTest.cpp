@@ -18,6 +18,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QInputMethodEvent>
+#include <QShortcut>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -132,7 +134,7 @@ TEST_F(EditorTest, APictureOpensAtItsSizeOnScreen)
     open(file);
     EXPECT_EQ(editor->window().windowTitle(), QStringLiteral("shot.png"));
     EXPECT_EQ(editor->window().windowFilePath(), file.toLocalFile());
-    EXPECT_EQ(editor->window().minimumSize(), QSize(940, 360));
+    EXPECT_EQ(editor->window().minimumSize(), QSize(940, 332));
     EXPECT_EQ(canvas().size(), QSize(400, 300));
     EXPECT_EQ(FakePlatform::current().front.back(), &editor->window());
     // Centred on the visible frame of 1440 x 875.
@@ -306,6 +308,76 @@ TEST_F(EditorTest, WhileALabelIsTypedUndoIsItsOwn)
     EXPECT_NE(field()->text(), QStringLiteral("one"));
 }
 
+TEST_F(EditorTest, ALabelsKeysAreItsOwnAndTheClipboardToo)
+{
+    open(picture("shot.png", 400, 300));
+    chooseTool(EditorTool::text);
+    click({60, 70});
+    QTest::keyClicks(field(), QStringLiteral("one"));
+    press(Qt::Key_A, Qt::ControlModifier);
+    press(Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(field()->text(), QString());
+    press(Qt::Key_V, Qt::ControlModifier);
+    press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(field()->text(), QStringLiteral("oneone"));
+    for (const Qt::Key key : {Qt::Key_C, Qt::Key_S, Qt::Key_W})
+        press(key, Qt::ControlModifier);
+    EXPECT_TRUE(FakePlatform::current().pasteboard.empty());
+    EXPECT_EQ(editor->window().windowTitle(), QStringLiteral("shot.png"));
+    EXPECT_TRUE(editor->window().isVisible());
+    // There is no next field: Tab ends it, and what is seen stays.
+    editor->zoomView().setMagnification(8);
+    const QPoint place = canvas().pos();
+    press(Qt::Key_Tab);
+    EXPECT_FALSE(canvas().isTyping());
+    EXPECT_EQ(canvas().pos(), place);
+    EXPECT_EQ(editor->window().focusWidget(), &canvas());
+    ASSERT_EQ(model().annotations().size(), 1);
+    EXPECT_EQ(model().annotations().front().text, QStringLiteral("oneone"));
+}
+
+TEST_F(EditorTest, WhatAnInputMethodWasStillAtIsPartOfTheLabel)
+{
+    open(picture("shot.png", 400, 300));
+    chooseTool(EditorTool::text);
+    click({60, 70});
+    QTest::keyClicks(field(), QStringLiteral("a "));
+    QInputMethodEvent composing(QStringLiteral("かな"), {});
+    QCoreApplication::sendEvent(field(), &composing);
+    QTest::mouseClick(button("Save flattened copy next to the original"), Qt::LeftButton);
+    ASSERT_EQ(model().annotations().size(), 1);
+    EXPECT_EQ(model().annotations().front().text, QStringLiteral("a かな"));
+
+    // What it has given away is there once.
+    click({60, 170});
+    QCoreApplication::sendEvent(field(), &composing);
+    QInputMethodEvent done(QString(), {});
+    done.setCommitString(QStringLiteral("仮名"));
+    QCoreApplication::sendEvent(field(), &done);
+    press(Qt::Key_Return);
+    EXPECT_EQ(model().annotations().back().text, QStringLiteral("仮名"));
+}
+
+TEST_F(EditorTest, AHeldKeyDoesOneThing)
+{
+    open(picture("shot.png", 400, 300));
+    drag({50, 60}, {150, 160});
+    chooseTool(EditorTool::select);
+    click({100, 110});
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier, QString(), false);
+    QKeyEvent again(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier, QString(), true);
+    QCoreApplication::sendEvent(&canvas(), &escape);
+    EXPECT_FALSE(model().selectedID());
+    QCoreApplication::sendEvent(&canvas(), &again);
+    EXPECT_TRUE(editor->window().isVisible());
+    for (const QShortcut* shortcut : editor->window().findChildren<QShortcut*>()) {
+        const QString keys = shortcut->key().toString();
+        EXPECT_EQ(shortcut->autoRepeat(), !keys.endsWith(u'C') && !keys.endsWith(u'S') &&
+                                              !keys.endsWith(u'W') && !keys.endsWith(u'0'))
+            << keys.toStdString();
+    }
+}
+
 TEST_F(EditorTest, AnotherWindowOrAMenuDoesNotEndTyping)
 {
     open(picture("shot.png", 400, 300));
@@ -427,8 +499,21 @@ TEST_F(EditorTest, TheMagnificationHasItsLimitsAndKeepsTheMiddle)
     press(Qt::Key_Plus, Qt::ControlModifier);
     EXPECT_EQ(view.magnification(), 1.25);
     press(Qt::Key_Minus, Qt::ControlModifier);
+    EXPECT_EQ(view.magnification(), 1);
+    press(Qt::Key_Equal, Qt::ControlModifier);
+    EXPECT_EQ(view.magnification(), 1.25);
     press(Qt::Key_0, Qt::ControlModifier);
     EXPECT_EQ(view.magnification(), 1);
+    // The middle of what is seen stays there.
+    view.setMagnification(4);
+    const QPoint middle = view.viewport()->rect().center();
+    const auto shown = [&] {
+        return QPointF(canvas().mapFrom(view.viewport(), middle)) / canvas().zoom();
+    };
+    const QPointF before = shown();
+    press(Qt::Key_Plus, Qt::ControlModifier);
+    EXPECT_NEAR(shown().x(), before.x(), 1);
+    EXPECT_NEAR(shown().y(), before.y(), 1);
 }
 
 TEST_F(EditorTest, ALabelBeingTypedFollowsColourAndSize)

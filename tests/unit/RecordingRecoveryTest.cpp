@@ -196,6 +196,15 @@ TEST_F(RecordingRecoveryTest, AProgramThatGoesInTheMiddleOfADiscardLeavesNothing
     EXPECT_TRUE(isTidy());
 }
 
+TEST_F(RecordingRecoveryTest, ADiscardThatComesAfterAStopIsNotedToo)
+{
+    start();
+    manager->stop(false);
+    EXPECT_FALSE(journal().value(QStringLiteral("discarded")).toBool(true));
+    manager->stop(true);
+    EXPECT_TRUE(journal().value(QStringLiteral("discarded")).toBool(false));
+}
+
 TEST_F(RecordingRecoveryTest, ARunningRecordingIsLeftAlone)
 {
     start();

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <random>
 
 using Geometry::Point;
@@ -159,6 +160,44 @@ TEST_F(CanvasModelTest, CountersFollowTheLargestNumber)
     count({300, 300});
     EXPECT_EQ(numbers(), (QList<std::int64_t>{1, 3, 4}));
     EXPECT_EQ(model.annotations().constLast().start, model.annotations().constLast().end);
+}
+
+TEST_F(CanvasModelTest, CountersGoOnFromNumbersBelowZeroAndStopAtTheLast)
+{
+    constexpr auto last = std::numeric_limits<std::int64_t>::max();
+    for (const auto& [there, next] : {std::pair(std::int64_t{-5}, std::int64_t{-4}),
+                                      std::pair(last - 1, last), std::pair(last, last)})
+    {
+        Annotation counter;
+        counter.kind = AnnotationKind::counter;
+        counter.number = there;
+        CanvasModel other({counter});
+        other.setTool(EditorTool::counter);
+        other.mouseDown({10, 10});
+        EXPECT_EQ(other.annotations().back().number, next);
+    }
+}
+
+TEST_F(CanvasModelTest, APressWhoseReleaseNeverCameIsOver)
+{
+    model.setTool(EditorTool::arrow);
+    model.mouseDown({10, 10});
+    model.mouseDragged({50, 50});
+    model.setTool(EditorTool::counter);
+    EXPECT_FALSE(model.draft());
+    count({100, 100});
+    EXPECT_EQ(model.annotations().size(), 1);
+
+    // What was moved stays moved, and is saved.
+    model.setTool(EditorTool::select);
+    model.mouseDown({100, 100});
+    model.mouseDragged({120, 100});
+    const int before = changes;
+    model.mouseDown({300, 300});
+    EXPECT_EQ(changes, before + 1);
+    EXPECT_EQ(model.annotations().front().start, (Point{120, 100}));
+    model.mouseDragged({310, 300});
+    EXPECT_EQ(model.annotations().front().start, (Point{120, 100}));
 }
 
 TEST_F(CanvasModelTest, TheTextToolAsksForALabel)
