@@ -168,10 +168,10 @@ TEST_F(CanvasModelTest, CountersGoOnFromNumbersBelowZeroAndStopAtTheLast)
     for (const auto& [there, next] : {std::pair(std::int64_t{-5}, std::int64_t{-4}),
                                       std::pair(last - 1, last), std::pair(last, last)})
     {
-        Annotation counter;
-        counter.kind = AnnotationKind::counter;
-        counter.number = there;
-        CanvasModel other({counter});
+        QList<Annotation> counters(1);
+        counters.front().kind = AnnotationKind::counter;
+        counters.front().number = there;
+        CanvasModel other(std::move(counters));
         other.setTool(EditorTool::counter);
         other.mouseDown({10, 10});
         EXPECT_EQ(other.annotations().back().number, next);
