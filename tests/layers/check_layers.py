@@ -36,7 +36,7 @@ LAYERS = {
     # What the capture tool shares with the program: it starts without Qt.
     "base": Layer(
         [f"src/Support/{name}.*" for name in (
-            "FileDescriptor", "Geometry", "RegularFile", "Result", "ScreenTable", "ToolParent")],
+            "FileDescriptor", "Geometry", "OutputFile", "RegularFile", "Result", "ScreenTable", "ToolParent")],
         [],
         []),
     "x11": Layer(

@@ -34,13 +34,13 @@ PossibleFailure takeStill(const Arguments& arguments)
     if (!placement)
         return placement.failure();
 
-    const Result<std::unique_ptr<NewFile>> file = NewFile::create(arguments.file);
+    const Result<std::unique_ptr<OutputFile>> file = newFile(arguments.file);
     if (!file)
         return file.failure();
     const Result<X11::RootImage> image = X11::RootImage::grab(*connection, placement->pixels);
     if (!image)
         return image.failure();
-    if (PossibleFailure failure = (*file)->write(encoded(*image, placement->scale)))
+    if (PossibleFailure failure = (*file)->append(encoded(*image, placement->scale)))
         return failure;
-    return (*file)->publish();
+    return (*file)->publishUnsynced();
 }

@@ -23,14 +23,14 @@ std::span<const std::uint8_t> bytesOf(std::string_view text)
 }
 
 /// Both ways of making a file have to behave alike; here nobody asks the file system which it can.
-class NewFileOf : public testing::TestWithParam<NewFile::Kind> {
+class NewFileOf : public testing::TestWithParam<OutputFile::Kind> {
 protected:
-    Result<std::unique_ptr<NewFile>> create(const std::string& path)
+    Result<std::unique_ptr<OutputFile>> create(const std::string& path)
     {
-        return NewFile::create(path, GetParam());
+        return newFile(path, GetParam());
     }
 
-    std::size_t hiddenFiles() const { return GetParam() == NewFile::Kind::Hidden ? 1 : 0; }
+    std::size_t hiddenFiles() const { return GetParam() == OutputFile::Kind::Hidden ? 1 : 0; }
 
     TemporaryFolder m_folder;
 };
@@ -40,11 +40,11 @@ TEST_P(NewFileOf, AppearsWhenItIsPublished)
     const std::string path = m_folder / "new";
     auto file = create(path);
     ASSERT_TRUE(file) << file.failure().message;
-    EXPECT_FALSE((*file)->write(bytesOf("one ")));
-    EXPECT_FALSE((*file)->write(bytesOf("two")));
+    EXPECT_FALSE((*file)->append(bytesOf("one ")));
+    EXPECT_FALSE((*file)->append(bytesOf("two")));
     EXPECT_EQ(m_folder.names().size(), hiddenFiles());
     EXPECT_FALSE(fs::exists(path));
-    EXPECT_FALSE((*file)->publish());
+    EXPECT_FALSE((*file)->publishUnsynced());
     *file = nullptr;
     EXPECT_EQ(m_folder.names(), std::vector<std::string>{"new"});
     EXPECT_EQ(contentOf(path), "one two");
@@ -56,19 +56,19 @@ TEST_P(NewFileOf, GrowsInItsPlace)
     const std::string path = m_folder / "new";
     auto file = create(path);
     ASSERT_TRUE(file);
-    EXPECT_FALSE((*file)->write(bytesOf("first,")));
-    EXPECT_FALSE((*file)->publish());
+    EXPECT_FALSE((*file)->append(bytesOf("first,")));
+    EXPECT_FALSE((*file)->publishUnsynced());
     EXPECT_FALSE((*file)->isRemoved());
     EXPECT_EQ(contentOf(path), "first,");
-    EXPECT_FALSE((*file)->write(bytesOf("second,")));
+    EXPECT_FALSE((*file)->append(bytesOf("second,")));
     EXPECT_FALSE((*file)->sync());
-    EXPECT_EQ((*file)->size(), 13U);
+    EXPECT_EQ((*file)->size(), 13);
     EXPECT_EQ(contentOf(path), "first,second,");
     (*file)->cutTo(6);
     EXPECT_EQ(contentOf(path), "first,");
-    EXPECT_FALSE((*file)->write(bytesOf("third")));
+    EXPECT_FALSE((*file)->append(bytesOf("third")));
     EXPECT_EQ(contentOf(path), "first,third");
-    EXPECT_EQ((*file)->size(), 11U);
+    EXPECT_EQ((*file)->size(), 11);
     fs::remove(path);
     EXPECT_TRUE((*file)->isRemoved());
 }
@@ -81,8 +81,8 @@ TEST_P(NewFileOf, ReplacesFilesAndLinksThemselves)
     for (const char* const name : {"file", "link"}) {
         auto file = create(m_folder / name);
         ASSERT_TRUE(file) << file.failure().message;
-        EXPECT_FALSE((*file)->write(bytesOf("new")));
-        EXPECT_FALSE((*file)->publish());
+        EXPECT_FALSE((*file)->append(bytesOf("new")));
+        EXPECT_FALSE((*file)->publishUnsynced());
         EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(m_folder / name)));
         EXPECT_EQ(contentOf(m_folder / name), "new");
     }
@@ -95,7 +95,7 @@ TEST_P(NewFileOf, LeavesNothingWhenItIsGivenUp)
     {
         const auto file = create(m_folder / "new");
         ASSERT_TRUE(file);
-        EXPECT_FALSE((*file)->write(bytesOf("content")));
+        EXPECT_FALSE((*file)->append(bytesOf("content")));
     }
     EXPECT_TRUE(m_folder.names().empty());
 }
@@ -106,7 +106,7 @@ TEST_P(NewFileOf, LeavesNothingWhenAFolderTookItsPlace)
         const auto file = create(m_folder / "new");
         ASSERT_TRUE(file);
         fs::create_directory(m_folder / "new");
-        const PossibleFailure failure = (*file)->publish();
+        const PossibleFailure failure = (*file)->publishUnsynced();
         ASSERT_TRUE(failure);
         EXPECT_NE(failure->message.find("directory"), std::string::npos) << failure->message;
     }
@@ -119,8 +119,8 @@ TEST_P(NewFileOf, ALinkPlantedMeanwhileIsReplaced)
     const auto file = create(m_folder / "new");
     ASSERT_TRUE(file);
     fs::create_symlink("victim", m_folder / "new");
-    EXPECT_FALSE((*file)->write(bytesOf("content")));
-    EXPECT_FALSE((*file)->publish());
+    EXPECT_FALSE((*file)->append(bytesOf("content")));
+    EXPECT_FALSE((*file)->publishUnsynced());
     EXPECT_EQ(contentOf(m_folder / "victim"), "precious");
     EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(m_folder / "new")));
     EXPECT_EQ(contentOf(m_folder / "new"), "content");
@@ -133,7 +133,7 @@ TEST_P(NewFileOf, LeavesNothingWhenASignalEndsTheProcess)
         ASSERT_GE(child, 0);
         if (child == 0) {
             const auto file = create(m_folder / "new");
-            if (!file || (*file)->write(bytesOf("content")) ||
+            if (!file || (*file)->append(bytesOf("content")) ||
                 m_folder.names().size() != hiddenFiles())
                 _exit(1);
             raise(signal);
@@ -154,7 +154,7 @@ TEST_P(NewFileOf, IgnoresASignalThatItsCallerIgnores)
         std::signal(SIGHUP, SIG_IGN); // as nohup does
         const auto file = create(m_folder / "new");
         raise(SIGHUP);
-        _exit(file && !(*file)->write(bytesOf("content")) && !(*file)->publish() ? 0 : 1);
+        _exit(file && !(*file)->append(bytesOf("content")) && !(*file)->publishUnsynced() ? 0 : 1);
     }
     int status = 0;
     ASSERT_EQ(waitpid(child, &status, 0), child);
@@ -177,9 +177,9 @@ TEST_P(NewFileOf, RefusesWhatIsNotARegularFile)
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, NewFileOf,
-                         testing::Values(NewFile::Kind::Nameless, NewFile::Kind::Hidden),
+                         testing::Values(OutputFile::Kind::Nameless, OutputFile::Kind::Hidden),
                          [](const auto& test) {
-                             return test.param == NewFile::Kind::Hidden ? "Hidden" : "Nameless";
+                             return test.param == OutputFile::Kind::Hidden ? "Hidden" : "Nameless";
                          });
 
 } // namespace

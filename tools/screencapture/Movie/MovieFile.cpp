@@ -1,6 +1,8 @@
 #include "Movie/MovieFile.h"
 
-MovieFile::MovieFile(std::string path, std::unique_ptr<NewFile> file)
+#include "NewFile.h"
+
+MovieFile::MovieFile(std::string path, std::unique_ptr<OutputFile> file)
     : m_path(std::move(path))
     , m_file(std::move(file))
 {
@@ -8,7 +10,7 @@ MovieFile::MovieFile(std::string path, std::unique_ptr<NewFile> file)
 
 Result<MovieFile> MovieFile::create(const std::string& path)
 {
-    Result<std::unique_ptr<NewFile>> file = NewFile::create(path);
+    Result<std::unique_ptr<OutputFile>> file = newFile(path);
     if (!file)
         return file.failure();
     return MovieFile(path, std::move(*file));
@@ -16,8 +18,8 @@ Result<MovieFile> MovieFile::create(const std::string& path)
 
 PossibleFailure MovieFile::append(std::span<const std::uint8_t> piece)
 {
-    const std::uint64_t before = m_file->size();
-    if (PossibleFailure failure = m_file->write(piece)) {
+    const std::int64_t before = m_file->size();
+    if (PossibleFailure failure = m_file->append(piece)) {
         m_file->cutTo(before);
         return failure;
     }
@@ -26,7 +28,7 @@ PossibleFailure MovieFile::append(std::span<const std::uint8_t> piece)
     if (m_isPublished && m_file->isRemoved())
         return Failure{"the file \"" + m_path + "\" was removed"};
     if (!m_isPublished) {
-        if (PossibleFailure failure = m_file->publish())
+        if (PossibleFailure failure = m_file->publishUnsynced())
             return failure;
         m_isPublished = true;
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NewFile.h"
+#include "Support/OutputFile.h"
 
 #include <memory>
 #include <span>
@@ -20,9 +20,9 @@ public:
     PossibleFailure append(std::span<const std::uint8_t> piece);
 
 private:
-    MovieFile(std::string path, std::unique_ptr<NewFile> file);
+    MovieFile(std::string path, std::unique_ptr<OutputFile> file);
 
     std::string m_path; // for messages
-    std::unique_ptr<NewFile> m_file;
+    std::unique_ptr<OutputFile> m_file;
     bool m_isPublished = false;
 };

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Media/Av/Handles.h"
-#include "Media/FFmpeg/Export/OutputFile.h"
+#include "Support/OutputFile.h"
 
 #include <optional>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "Media/FFmpeg/Export/OutputFile.h"
+#include "Support/OutputFile.h"
 
 #include "support/TemporaryFolder.h"
 
