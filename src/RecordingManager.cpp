@@ -20,10 +20,13 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// How often and how many times journals that somebody holds are looked at again: a capture tool
-/// that has lost its program finishes its file within a moment.
+/// How journals that somebody holds are looked at again. A capture tool that has lost its program
+/// mostly finishes its file within a moment, on a slow disk within minutes; what is held for longer
+/// belongs to another one that records, and the next start looks again.
 constexpr auto recoveryPause = 1s;
-constexpr int recoveryAttempts = 10;
+constexpr int quickRecoveryAttempts = 10;
+constexpr auto slowRecoveryPause = 10s;
+constexpr int recoveryAttempts = quickRecoveryAttempts + 60;
 
 bool exists(const QUrl& file)
 {
@@ -53,6 +56,7 @@ Process::Command toolCommand(const RecordingSession& session, const QUrl& segmen
                       QStringLiteral("-R"), ToolRectangle::text(session.rect, primaryFrame)},
         .environment = tool.environment,
         .keepsErrors = true,
+        .isLeftRunning = true,
     };
     if (session.showClicks)
         command.arguments += QStringLiteral("-k");
@@ -74,10 +78,12 @@ RecordingManager::RecordingManager(RecordingTools tools, QObject* parent)
 RecordingManager::~RecordingManager()
 {
     interrupt();
-    m_film.reset();
+    const bool isFilming = m_film && !m_film->waitForEnd();
     if (m_session && m_discardOnFinish) {
-        m_journal->remove();
         remove(m_segments + QList{m_filming});
+        // A file that is still to come needs somebody to throw it away.
+        if (!isFilming)
+            m_journal->remove();
     }
 }
 
@@ -291,10 +297,10 @@ void RecordingManager::finishSession()
 
 void RecordingManager::recover(const Recovered& recovered)
 {
-    recover(recovered, recoveryAttempts);
+    recover(recovered, 1);
 }
 
-void RecordingManager::recover(const Recovered& recovered, int attempts)
+void RecordingManager::recover(const Recovered& recovered, int attempt)
 {
     auto search = RecordingJournal::claimAbandoned(m_tools.folder);
     for (auto& [journal, entry] : search.found) {
@@ -313,9 +319,9 @@ void RecordingManager::recover(const Recovered& recovered, int attempts)
         }
         m_finisher.finish(left);
     }
-    if (search.othersAreHeld && attempts > 1) {
-        m_tools.clock.after(recoveryPause, Guarded::once(this, [this, recovered, attempts] {
-                                recover(recovered, attempts - 1);
-                            }));
+    if (search.othersAreHeld && attempt < recoveryAttempts) {
+        m_tools.clock.after(
+            attempt < quickRecoveryAttempts ? recoveryPause : slowRecoveryPause,
+            Guarded::once(this, [this, recovered, attempt] { recover(recovered, attempt + 1); }));
     }
 }

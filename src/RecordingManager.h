@@ -23,7 +23,7 @@ class RecordingManager : public QObject {
 public:
     explicit RecordingManager(RecordingTools tools, QObject* parent = nullptr);
 
-    /// Ends a segment that is running.
+    /// Ends a segment that is running: asks the tool, and leaves one that needs long to itself.
     ~RecordingManager() override;
 
     RecordingState state() const { return m_state; }
@@ -63,7 +63,7 @@ private:
     void beginAfresh();
     void note(const QList<QUrl>& segments, bool discarded);
     void finishSession();
-    void recover(const Recovered& recovered, int attempts);
+    void recover(const Recovered& recovered, int attempt);
 
     RecordingTools m_tools;
     RecordingState m_state = RecordingState::idle;

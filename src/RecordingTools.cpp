@@ -23,6 +23,7 @@ Result<RecordingTools::Film> launchTool(const Process::Command& command,
     if (failure)
         return *failure;
     return RecordingTools::Film{.interrupt = [process] { process->interrupt(); },
+                                .waitForEnd = [process] { return process->waitForEnd(); },
                                 .errors = [process] { return process->errors(); }};
 }
 

@@ -13,10 +13,13 @@
 
 /// What a recording is made with.
 struct RecordingTools {
-    /// The capture tool while it films. Going, it waits for the tool, but not for ever.
+    /// The capture tool while it films. Going, it waits for the tool as `waitForEnd` does, and
+    /// leaves it to itself then: one that was asked to end does so when its file is complete.
     struct Film {
         /// Asks it to finish its file and to end.
         std::function<void()> interrupt;
+        /// Waits for it to end, but not for long; whether it has.
+        std::function<bool()> waitForEnd;
         /// What it has said on standard error.
         std::function<QByteArray()> errors;
     };

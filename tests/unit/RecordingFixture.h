@@ -34,6 +34,7 @@ protected:
         std::function<void()> ended;
         int interrupts = 0;
         QByteArray errors;
+        bool endsInTime = true; ///< When it is waited for.
 
         QString file() const { return command.arguments.back(); }
     };
@@ -57,9 +58,10 @@ protected:
                              std::function<void()> ended) -> Result<RecordingTools::Film> {
                 if (!launchError.empty())
                     return Failure{launchError};
-                const auto run = std::make_shared<Run>(Run{command, std::move(ended), 0, {}});
+                const auto run = std::make_shared<Run>(Run{command, std::move(ended), 0, {}, true});
                 runs.push_back(run);
                 return RecordingTools::Film{.interrupt = [run] { ++run->interrupts; },
+                                            .waitForEnd = [run] { return run->endsInTime; },
                                             .errors = [run] { return run->errors; }};
             },
             .remux =

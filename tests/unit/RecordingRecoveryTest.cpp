@@ -230,6 +230,43 @@ TEST_F(RecordingRecoveryTest, AToolThatOutlivesItsProgramIsWaitedFor)
     EXPECT_EQ(exports.size(), 1u);
 }
 
+TEST_F(RecordingRecoveryTest, AToolThatNeedsMinutesForItsFileIsWaitedForToo)
+{
+    start();
+    const int tools = dup(run(0).command.sharedDescriptor);
+    crash();
+    recover();
+    for (int second = 0; second < 300; ++second)
+        clock.advance(1s);
+    EXPECT_TRUE(exports.empty());
+    close(tools);
+    clock.advance(10s);
+    EXPECT_EQ(exports.size(), 1u);
+}
+
+TEST_F(RecordingRecoveryTest, AToolMayFinishItsFileAfterTheProgramsEnd)
+{
+    start();
+    EXPECT_TRUE(run(0).command.isLeftRunning);
+    run(0).endsInTime = false;
+    manager.reset();
+    EXPECT_EQ(run(0).interrupts, 1);
+    EXPECT_EQ(journals().size(), 1);
+}
+
+TEST_F(RecordingRecoveryTest, ASegmentThatComesAfterItsDiscardDoesNotStay)
+{
+    start();
+    run(0).endsInTime = false;
+    manager->stop(true);
+    makeManager();
+    EXPECT_TRUE(segmentFiles().isEmpty());
+    write(run(0).file(), "film");
+    recover();
+    EXPECT_TRUE(exports.empty());
+    EXPECT_TRUE(isTidy());
+}
+
 TEST_F(RecordingRecoveryTest, AnotherProcessThatHoldsAJournalKeepsIt)
 {
     start();

@@ -7,6 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <csignal>
+
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
 
 Process::Command shell(const QString& script, const QMap<QString, QString>& environment = {})
@@ -74,6 +80,32 @@ TEST(Process, LetsAChildThatIsAboutToEndEndBeforeItGoes)
                                    [] { FAIL() << "told of an end after the owner was gone"; }));
     }
     EXPECT_TRUE(QFile::exists(file));
+}
+
+TEST(Process, KillsAChildThatDoesNotEndOrLeavesItRunningAsIsSaid)
+{
+    for (const bool isLeft : {false, true}) {
+        std::array<int, 2> pipe{};
+        ASSERT_EQ(pipe2(pipe.data(), O_CLOEXEC), 0);
+        auto command = shell(QStringLiteral("trap 'echo done >&%1; exit' TERM; echo $$ >&%1;"
+                                            "while :; do sleep 0.01; done")
+                                 .arg(pipe[1]));
+        command.sharedDescriptor = pipe[1];
+        command.isLeftRunning = isLeft;
+        command.grace = std::chrono::milliseconds(1);
+        auto process = std::make_unique<Process>();
+        ASSERT_FALSE(process->start(command, [] { FAIL() << "told of a child it gave up"; }));
+        close(pipe[1]);
+        QFile said;
+        ASSERT_TRUE(said.open(pipe[0], QIODevice::ReadOnly | QIODevice::Unbuffered,
+                              QFileDevice::AutoCloseHandle));
+        const pid_t child = said.readLine().toInt();
+        ASSERT_GT(child, 0);
+        EXPECT_FALSE(process->waitForEnd());
+        process.reset();
+        EXPECT_EQ(kill(child, SIGTERM) == 0, isLeft);
+        EXPECT_EQ(said.readAll(), isLeft ? "done\n" : ""); // to its end
+    }
 }
 
 TEST(Process, InterruptsTheChild)
