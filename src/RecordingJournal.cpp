@@ -74,16 +74,21 @@ QByteArray toJson(const Entry& entry)
         {QStringLiteral("gif"), entry.asGIF},
         {QStringLiteral("discarded"), entry.discarded},
         {QStringLiteral("segments"), segments},
+        {QStringLiteral("lostAttempts"), entry.lostAttempts},
     };
     return QJsonDocument(root).toJson();
 }
 
+bool isNewer(const QJsonObject& root)
+{
+    return root.value(QStringLiteral("version")).toInt() > formatVersion;
+}
+
 /// What a journal in `folder` says; absent when it does not make sense.
-std::optional<Entry> fromJson(const QByteArray& bytes, const QString& folder)
+std::optional<Entry> fromJson(const QJsonObject& root, const QString& folder)
 {
     static const QRegularExpression segmentName(
         QRegularExpression::anchoredPattern(QStringLiteral("tamrik-seg-[0-9A-F-]{36}\\.mov")));
-    const QJsonObject root = QJsonDocument::fromJson(bytes).object();
     const QString film = root.value(QStringLiteral("film")).toString();
     const QJsonValue gif = root.value(QStringLiteral("gif"));
     const QJsonValue discarded = root.value(QStringLiteral("discarded"));
@@ -92,7 +97,11 @@ std::optional<Entry> fromJson(const QByteArray& bytes, const QString& folder)
         !QDir::isAbsolutePath(film) || !film.endsWith(QStringLiteral(".mp4")) || !gif.isBool() ||
         !discarded.isBool() || !segments.isArray())
         return std::nullopt;
-    Entry entry{QUrl::fromLocalFile(film), gif.toBool(), {}, discarded.toBool()};
+    Entry entry{.finalURL = QUrl::fromLocalFile(film),
+                .asGIF = gif.toBool(),
+                .segments = {},
+                .discarded = discarded.toBool(),
+                .lostAttempts = root.value(QStringLiteral("lostAttempts")).toInt()};
     const QJsonArray names = segments.toArray();
     for (const auto& name : names) {
         if (!segmentName.match(name.toString()).hasMatch())
@@ -139,9 +148,10 @@ RecordingJournal::RecordingJournal(const QString& folder)
 {
 }
 
-RecordingJournal::RecordingJournal(QString path, FileDescriptor file)
+RecordingJournal::RecordingJournal(QString path, FileDescriptor file, Entry entry)
     : m_path(std::move(path))
     , m_file(std::move(file))
+    , m_entry(std::move(entry))
 {
 }
 
@@ -159,7 +169,29 @@ bool RecordingJournal::write(const Entry& entry)
         return false;
     }
     m_file = std::move(file); // locked before it got its name, so there is no gap
+    m_entry = entry;
     return true;
+}
+
+void RecordingJournal::beginAttempt()
+{
+    Entry entry = m_entry;
+    ++entry.lostAttempts;
+    (void)write(entry); // on a full disk it is tried all the same
+}
+
+void RecordingJournal::endAttempt()
+{
+    if (!m_file || !isNamed(m_file, m_path))
+        return;
+    Entry entry = m_entry;
+    entry.lostAttempts = 0;
+    (void)write(entry);
+}
+
+void RecordingJournal::putAside()
+{
+    std::rename(native(m_path).constData(), native(m_path + brokenSuffix).constData());
 }
 
 void RecordingJournal::remove()
@@ -185,15 +217,17 @@ RecordingJournal::Search RecordingJournal::claimAbandoned(const QString& folder)
         }
         if (!isNamed(file, path))
             continue;
-        const auto bytes = readAll(file);
-        const auto entry = bytes ? fromJson(*bytes, names.path()) : std::nullopt;
-        if (!entry) {
-            std::rename(native(path).constData(), native(path + brokenSuffix).constData());
+        const QJsonObject root =
+            QJsonDocument::fromJson(readAll(file).value_or(QByteArray())).object();
+        if (isNewer(root))
             continue;
-        }
-        search.found.push_back(
-            {std::unique_ptr<RecordingJournal>(new RecordingJournal(path, std::move(file))),
-             *entry});
+        const auto entry = fromJson(root, names.path());
+        std::unique_ptr<RecordingJournal> journal(
+            new RecordingJournal(path, std::move(file), entry.value_or(Entry())));
+        if (entry)
+            search.found.push_back({std::move(journal), *entry});
+        else
+            journal->putAside();
     }
     return search;
 }

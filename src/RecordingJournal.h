@@ -25,6 +25,9 @@ public:
         QList<QUrl> segments;
         /// Whether nobody wants the segments any more.
         bool discarded = false;
+        /// How often in a row the program has ended without a word while it made the film of what
+        /// an earlier one had left.
+        int lostAttempts = 0;
 
         friend bool operator==(const Entry&, const Entry&) = default;
     };
@@ -38,6 +41,14 @@ public:
     /// Removes the file, if there is one.
     void remove();
 
+    /// Notes that the film is being made of what an earlier program left. Should this one end
+    /// before it has called `endAttempt`, that counts as a lost one.
+    void beginAttempt();
+    void endAttempt();
+
+    /// Gives the file another name, under which nobody looks for it.
+    void putAside();
+
     /// Is open, and holds the lock; another process that gets it holds the lock too, for as long as
     /// it runs. -1 before the first `write`, different after each.
     int lockedDescriptor() const { return m_file.get(); }
@@ -46,14 +57,15 @@ public:
     struct Search;
 
     /// The journals in `folder` that nobody holds any more, now held by the caller. Broken ones are
-    /// put aside under another name.
+    /// put aside; those that a newer version of the program has written are left to it.
     static Search claimAbandoned(const QString& folder);
 
 private:
-    RecordingJournal(QString path, FileDescriptor file);
+    RecordingJournal(QString path, FileDescriptor file, Entry entry);
 
     QString m_path;
     FileDescriptor m_file;
+    Entry m_entry; // as the file has it
 };
 
 struct RecordingJournal::Found {

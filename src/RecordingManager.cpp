@@ -13,20 +13,9 @@
 #include <QUuid>
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
-using namespace std::chrono_literals;
-
 namespace {
-
-/// How journals that somebody holds are looked at again. A capture tool that has lost its program
-/// mostly finishes its file within a moment, on a slow disk within minutes; what is held for longer
-/// belongs to another one that records, and the next start looks again.
-constexpr auto recoveryPause = 1s;
-constexpr int quickRecoveryAttempts = 10;
-constexpr auto slowRecoveryPause = 10s;
-constexpr int recoveryAttempts = quickRecoveryAttempts + 60;
 
 bool exists(const QUrl& file)
 {
@@ -72,6 +61,7 @@ RecordingManager::RecordingManager(RecordingTools tools, QObject* parent)
     : QObject(parent)
     , m_tools(std::move(tools))
     , m_finisher(m_tools)
+    , m_recovery(m_tools, m_finisher)
 {
 }
 
@@ -293,35 +283,7 @@ void RecordingManager::finishSession()
         m_finisher.finish(recorded);
 }
 
-// Recovery
-
 void RecordingManager::recover(const Recovered& recovered)
 {
-    recover(recovered, 1);
-}
-
-void RecordingManager::recover(const Recovered& recovered, int attempt)
-{
-    auto search = RecordingJournal::claimAbandoned(m_tools.folder);
-    for (auto& [journal, entry] : search.found) {
-        RecordedSegments left = {.segments = {},
-                                 .finalURL = entry.finalURL,
-                                 .journal = std::move(journal),
-                                 .completion = [recovered, asGIF = entry.asGIF](const QUrl& file) {
-                                     if (!file.isEmpty())
-                                         recovered(file, asGIF);
-                                 }};
-        std::copy_if(entry.segments.begin(), entry.segments.end(),
-                     std::back_inserter(left.segments), exists);
-        if (entry.discarded) {
-            m_finisher.discard(left);
-            continue;
-        }
-        m_finisher.finish(left);
-    }
-    if (search.othersAreHeld && attempt < recoveryAttempts) {
-        m_tools.clock.after(
-            attempt < quickRecoveryAttempts ? recoveryPause : slowRecoveryPause,
-            Guarded::once(this, [this, recovered, attempt] { recover(recovered, attempt + 1); }));
-    }
+    m_recovery.begin(recovered);
 }

@@ -2,6 +2,7 @@
 
 #include "RecordingFinisher.h"
 #include "RecordingJournal.h"
+#include "RecordingRecovery.h"
 #include "RecordingTools.h"
 #include "RecordingTypes.h"
 
@@ -47,11 +48,9 @@ public:
     /// Seconds recorded since the last restart, pauses not counted.
     double elapsed() const;
 
-    /// Called with each file that was recovered; empty ones do not come.
-    using Recovered = std::function<void(const QUrl& file, bool asGIF)>;
+    using Recovered = RecordingRecovery::Recovered;
 
-    /// Finishes what earlier runs of the program left, as far as no other one is at it. A capture
-    /// tool that has outlived its program is waited for.
+    /// Finishes what earlier runs of the program left, as far as no other one is at it.
     void recover(const Recovered& recovered);
 
 private:
@@ -63,7 +62,6 @@ private:
     void beginAfresh();
     void note(const QList<QUrl>& segments, bool discarded);
     void finishSession();
-    void recover(const Recovered& recovered, int attempt);
 
     RecordingTools m_tools;
     RecordingState m_state = RecordingState::idle;
@@ -78,4 +76,5 @@ private:
     bool m_startedNotified = false;
     std::shared_ptr<RecordingJournal> m_journal; // the session's
     RecordingFinisher m_finisher;
+    RecordingRecovery m_recovery; // goes before what it uses
 };

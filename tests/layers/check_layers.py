@@ -85,7 +85,7 @@ LAYERS = {
     "services": Layer(
         ["src/HotKey.*", "src/CaptureManager.*", "src/ChipThumbnail.*", "src/Preferences.*",
          "src/RecordingFinisher.*", "src/RecordingJournal.*", "src/RecordingManager.*",
-         "src/RecordingTools.*", "src/ScreenWatcher.*"],
+         "src/RecordingRecovery.*", "src/RecordingTools.*", "src/ScreenWatcher.*"],
         MODEL_AND_BELOW + ["platform", "media"],
         ["Core", "Gui"]),
     "kit": Layer(

@@ -42,6 +42,8 @@ protected:
                    : QJsonObject();
     }
 
+    int lostAttempts() const { return journal().value(QStringLiteral("lostAttempts")).toInt(-1); }
+
     QString journalPath() const { return segmentFolder() + u'/' + journals().value(0); }
 
     void startAsGIF()
@@ -307,7 +309,7 @@ TEST_F(RecordingRecoveryTest, BrokenJournalsArePutAside)
         "{",
         "[]",
         good.left(good.size() / 2),
-        QByteArray(good).replace("\"version\": 1", "\"version\": 2"),
+        QByteArray(good).replace("\"version\": 1", "\"version\": 0"),
         QByteArray(good).replace("\"gif\": false", "\"gif\": 1"),
         QByteArray(good).replace("\"film\": \"/", "\"film\": \""),
         QByteArray(good).replace("tamrik-seg-", "../tamrik-seg-"),
@@ -328,6 +330,71 @@ TEST_F(RecordingRecoveryTest, BrokenJournalsArePutAside)
     write(path, good);
     recover();
     EXPECT_EQ(exports.size(), 1u);
+}
+
+TEST_F(RecordingRecoveryTest, AJournalOfANewerProgramIsLeftToIt)
+{
+    start();
+    crash();
+    const QString path = journalPath();
+    const QByteArray newer = "{\"version\": 2, \"films\": []}";
+    write(path, newer);
+    recover();
+    clock.advance(1s);
+    EXPECT_TRUE(exports.empty());
+    EXPECT_EQ(contents(path), newer);
+    EXPECT_EQ(named("*").size(), 2); // with the segment
+}
+
+TEST_F(RecordingRecoveryTest, SegmentsThatEndTheProgramThreeTimesAreLeftAlone)
+{
+    start();
+    crash();
+    for (int attempt = 1; attempt <= 3; ++attempt) {
+        recover();
+        ASSERT_EQ(exports.size(), static_cast<std::size_t>(attempt));
+        EXPECT_EQ(lostAttempts(), attempt);
+        const QByteArray whileExporting = contents(journalPath());
+        // An end that is none of its doing does not count.
+        makeManager();
+        exports.back().completion = {};
+        EXPECT_EQ(lostAttempts(), 0);
+        write(journalPath(), whileExporting);
+    }
+    recover();
+    EXPECT_EQ(exports.size(), 3u);
+    EXPECT_TRUE(journals().isEmpty());
+    EXPECT_EQ(named("*.broken").size(), 1);
+    EXPECT_EQ(segmentFiles().size(), 1);
+}
+
+TEST_F(RecordingRecoveryTest, AFilmThatCannotBePutInItsPlaceIsNotGivenUp)
+{
+    start();
+    crash();
+    recover();
+    QDir(folder.filePath(QStringLiteral("captures"))).removeRecursively();
+    complete(MovieExport::End::impossible);
+    ASSERT_TRUE(runUntil([this] { return lostAttempts() == 0; }));
+}
+
+TEST_F(RecordingRecoveryTest, FilmsAreMadeOneByOneAndTheDangerousLast)
+{
+    start();
+    crash();
+    const QString dangerous = run(0).file();
+    write(journalPath(), contents(journalPath()).replace("Attempts\": 0", "Attempts\": 1"));
+    start();
+    crash();
+    recover();
+    ASSERT_EQ(exports.size(), 1u);
+    EXPECT_EQ(exports[0].sources, QStringList{run(1).file()});
+    complete(MovieExport::End::completed);
+    ASSERT_EQ(exports.size(), 2u);
+    EXPECT_EQ(exports[1].sources, QStringList{dangerous});
+    complete(MovieExport::End::completed);
+    EXPECT_EQ(recovered.size(), 2u);
+    EXPECT_TRUE(isTidy());
 }
 
 TEST_F(RecordingRecoveryTest, OnlyPlainFilesAreTakenForJournals)

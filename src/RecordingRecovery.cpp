@@ -1,0 +1,101 @@
+#include "RecordingRecovery.h"
+
+#include "Support/Guarded.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// How journals that somebody holds are looked at again. A capture tool that has lost its program
+/// mostly finishes its file within a moment, on a slow disk within minutes; what is held for longer
+/// belongs to another one that records, and the next start looks again.
+constexpr auto quickPause = 1s;
+constexpr int quickLooks = 10;
+constexpr auto slowPause = 10s;
+constexpr int allLooks = quickLooks + 60;
+
+constexpr int mostLostAttempts = 3;
+
+bool exists(const QUrl& file)
+{
+    return QFileInfo::exists(file.toLocalFile());
+}
+
+} // namespace
+
+RecordingRecovery::RecordingRecovery(const RecordingTools& tools, RecordingFinisher& finisher)
+    : m_tools(tools)
+    , m_finisher(finisher)
+{
+}
+
+RecordingRecovery::~RecordingRecovery()
+{
+    if (m_current)
+        m_current->endAttempt();
+}
+
+void RecordingRecovery::begin(const Recovered& recovered)
+{
+    look(recovered, 1);
+}
+
+void RecordingRecovery::look(const Recovered& recovered, int number)
+{
+    auto search = RecordingJournal::claimAbandoned(m_tools.folder);
+    for (RecordingJournal::Found& found : search.found)
+        take(std::move(found), recovered);
+    recoverNext();
+    if (search.othersAreHeld && number < allLooks) {
+        m_tools.clock.after(
+            number < quickLooks ? quickPause : slowPause,
+            Guarded::once(this, [this, recovered, number] { look(recovered, number + 1); }));
+    }
+}
+
+void RecordingRecovery::take(RecordingJournal::Found found, const Recovered& recovered)
+{
+    const RecordingJournal::Entry& entry = found.entry;
+    RecordedSegments left = {.segments = {},
+                             .finalURL = entry.finalURL,
+                             .journal = std::move(found.journal),
+                             .completion = [recovered, asGIF = entry.asGIF](const QUrl& file) {
+                                 if (!file.isEmpty())
+                                     recovered(file, asGIF);
+                             }};
+    std::copy_if(entry.segments.begin(), entry.segments.end(), std::back_inserter(left.segments),
+                 exists);
+    if (entry.discarded) {
+        RecordingFinisher::discard(left);
+    } else if (entry.lostAttempts >= mostLostAttempts) {
+        left.journal->putAside();
+    } else {
+        const auto place =
+            std::find_if(m_waiting.begin(), m_waiting.end(), [&](const Waiting& other) {
+                return other.lostAttempts > entry.lostAttempts;
+            });
+        m_waiting.insert(place, {std::move(left), entry.lostAttempts});
+    }
+}
+
+void RecordingRecovery::recoverNext()
+{
+    if (m_current || m_waiting.empty())
+        return;
+    RecordedSegments next = std::move(m_waiting.front().segments);
+    m_waiting.erase(m_waiting.begin());
+    m_current = next.journal;
+    m_current->beginAttempt();
+    next.completion = [this, completion = std::move(next.completion)](const QUrl& file) {
+        std::exchange(m_current, nullptr)->endAttempt();
+        completion(file);
+        recoverNext();
+    };
+    m_finisher.finish(next);
+}
