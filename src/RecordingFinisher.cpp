@@ -1,14 +1,14 @@
 #include "RecordingFinisher.h"
 
 #include "RecordingJournal.h"
-#include "Support/CaptureFiles.h"
+#include "Support/Background.h"
 #include "Support/Guarded.h"
 #include "Support/Log.h"
+#include "Support/MoveFile.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QThreadPool>
 
 namespace {
 
@@ -101,7 +101,8 @@ void RecordingFinisher::moveUnfinished(const RecordedSegments& recorded)
         recorded.completion(succeeded ? QUrl::fromLocalFile(fallback) : QUrl());
     });
     // It may go to another disk.
-    QThreadPool::globalInstance()->start([segment = recorded.segments.front().toLocalFile(),
-                                          fallback,
-                                          moved] { moved(CaptureFiles::move(segment, fallback)); });
+    Background::threads().start([segment = recorded.segments.front().toLocalFile(), fallback, moved,
+                                 cancellation = m_running] {
+        moved(!moveFile(segment, fallback, [&] { return cancellation.isCancelled(); }));
+    });
 }

@@ -1,10 +1,8 @@
 #include "Media/MovieExport.h"
 
 #include "Media/MediaModule.h"
+#include "Support/Background.h"
 
-#include <QThreadPool>
-
-#include <limits>
 #include <utility>
 
 namespace {
@@ -14,15 +12,7 @@ MovieExport::Outcome missingModule()
     return {MovieExport::End::impossible, "the library for video files is missing"};
 }
 
-/// A pool of its own: an export takes minutes, and who reads a thumbnail shall not wait for it.
-QThreadPool& threads()
-{
-    struct Pool : QThreadPool {
-        Pool() { setMaxThreadCount(std::numeric_limits<int>::max()); }
-    };
-    static Pool pool;
-    return pool;
-}
+using Background::threads; // an export takes minutes: who reads a thumbnail shall not wait for it
 
 } // namespace
 

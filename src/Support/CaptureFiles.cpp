@@ -4,9 +4,6 @@
 
 #include <QDir>
 #include <QLocale>
-#include <QUuid>
-
-#include <cstdio>
 
 namespace {
 
@@ -19,12 +16,6 @@ QString timestamp(const Clock& clock)
 QUrl fileNamed(const QString& name)
 {
     return QUrl::fromLocalFile(CaptureFiles::folder() + QLatin1Char('/') + name);
-}
-
-/// Within a file system; replaces what is there.
-bool rename(const QString& from, const QString& to)
-{
-    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
 }
 
 } // namespace
@@ -56,20 +47,6 @@ QString CaptureFiles::temporaryFolder()
     if (qEnvironmentVariableIsEmpty("TMPDIR") && QFileInfo(lasting).isWritable())
         return lasting;
     return QDir::tempPath();
-}
-
-bool CaptureFiles::move(const QString& from, const QString& to)
-{
-    if (rename(from, to))
-        return true;
-    const QString copy = QFileInfo(to).path() + QStringLiteral("/.tamrik-") +
-                         QUuid::createUuid().toString(QUuid::WithoutBraces);
-    if (QFile::copy(from, copy) && rename(copy, to)) {
-        QFile::remove(from);
-        return true;
-    }
-    QFile::remove(copy);
-    return false;
 }
 
 std::optional<QByteArray> CaptureFiles::contents(const QUrl& url)

@@ -31,10 +31,6 @@ QUrl newRecording(const Clock& clock);
 /// machine.
 QString temporaryFolder();
 
-/// Moves a file, also onto another file system, and replaces what has the new name; until it is
-/// complete nothing does. Whether it worked. Any thread; may take as long as copying does.
-bool move(const QString& from, const QString& to);
-
 /// The bytes of a file; absent when it cannot be read.
 std::optional<QByteArray> contents(const QUrl& file);
 

@@ -1,5 +1,7 @@
+#include "Support/Background.h"
 #include "unit/RecordingFixture.h"
 
+#include <QSemaphore>
 #include <QThreadPool>
 
 using namespace std::chrono_literals;
@@ -508,6 +510,22 @@ TEST_F(RecordingManagerTest, AFailedRewrapIsLoggedAndLeavesTheSegmentUnderTheFin
     EXPECT_TRUE(isTidy());
 }
 
+TEST_F(RecordingManagerTest, OtherWorkDoesNotKeepASegmentFromBecomingTheFilm)
+{
+    QSemaphore enough;
+    QThreadPool& others = *QThreadPool::globalInstance();
+    for (int i = 0; i < others.maxThreadCount(); ++i)
+        others.start([&] { enough.acquire(); });
+    start();
+    manager->stop(false);
+    end();
+    complete(MovieExport::End::impossible);
+    EXPECT_TRUE(runUntil([this] { return !results.isEmpty(); }));
+    enough.release(others.maxThreadCount());
+    others.waitForDone();
+    EXPECT_THAT(results, ElementsAre(QUrl::fromLocalFile(fallbackPath())));
+}
+
 TEST_F(RecordingManagerTest, ARewrapThatCannotBeginIsNotLogged)
 {
     start();
@@ -530,7 +548,7 @@ TEST_F(RecordingManagerTest, ASegmentThatCannotBeMovedEitherStaysAndGivesNothing
     EXPECT_EQ(segmentFiles(), QStringList{QFileInfo(run(0).file()).fileName()});
     // The next start tries again: nobody holds the journal any more.
     exports.clear();
-    QThreadPool::globalInstance()->waitForDone();
+    Background::threads().waitForDone();
     manager->recover([this](const QUrl& file, bool) { results.append(file); });
     ASSERT_EQ(exports.size(), 1u);
     complete(MovieExport::End::completed);
