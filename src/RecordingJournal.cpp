@@ -1,5 +1,7 @@
 #include "RecordingJournal.h"
 
+#include "Support/Background.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -9,13 +11,17 @@
 #include <QRegularExpression>
 #include <QUuid>
 
+#include <chrono>
 #include <cstdio>
+#include <future>
 #include <optional>
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -30,6 +36,8 @@ const QString brokenSuffix = QStringLiteral(".broken");
 constexpr qint64 largestFile = 1 << 20;
 
 constexpr int formatVersion = 1;
+
+constexpr auto diskPatience = 100ms;
 
 QByteArray native(const QString& path)
 {
@@ -51,7 +59,31 @@ bool writeAll(const FileDescriptor& file, const QByteArray& bytes)
             return false;
         written += count;
     }
-    return fdatasync(file.get()) == 0;
+    return true;
+}
+
+/// Brings the file to the disk itself. That can take seconds while others write: it goes on
+/// without us after a moment. Whether it has failed by then.
+bool failsToSync(const QString& path)
+{
+    // A copy of an open descriptor would hold the lock too.
+    const auto file =
+        std::make_shared<FileDescriptor>(open(native(path).constData(), O_RDONLY | O_CLOEXEC));
+    const auto succeeded = std::make_shared<std::promise<bool>>();
+    std::future<bool> outcome = succeeded->get_future();
+    Background::threads().start(
+        [file, succeeded] { succeeded->set_value(fdatasync(file->get()) == 0); });
+    return outcome.wait_for(diskPatience) == std::future_status::ready && !outcome.get();
+}
+
+/// The names in the folder, some time soon.
+void syncNames(const QString& folder)
+{
+    Background::threads().start([path = native(folder)] {
+        const FileDescriptor file(open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (file)
+            fsync(file.get()); // where that fails only a power cut can tell
+    });
 }
 
 std::optional<QByteArray> readAll(const FileDescriptor& file)
@@ -162,12 +194,13 @@ bool RecordingJournal::write(const Entry& entry)
     FileDescriptor file(open(native(unfinished).constData(),
                              O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                              S_IRUSR | S_IWUSR));
-    if (!file || !lock(file) || !writeAll(file, toJson(entry)) ||
+    if (!file || !lock(file) || !writeAll(file, toJson(entry)) || failsToSync(unfinished) ||
         std::rename(native(unfinished).constData(), native(m_path).constData()) != 0)
     {
         QFile::remove(unfinished);
         return false;
     }
+    syncNames(QFileInfo(m_path).path());
     m_file = std::move(file); // locked before it got its name, so there is no gap
     m_entry = entry;
     return true;

@@ -35,7 +35,9 @@ public:
     /// A journal of a new name in `folder`. There is no file before the first `write`.
     explicit RecordingJournal(const QString& folder);
 
-    /// Puts `entry` in place of what the file said, in one step. Whether it worked.
+    /// Puts `entry` in place of what the file said, in one step. Whether it worked. Waits for the
+    /// disk for a tenth of a second; a slower one is left to another thread, and a power cut
+    /// meanwhile may cost the file.
     bool write(const Entry& entry);
 
     /// Removes the file, if there is one.

@@ -1,8 +1,4 @@
-#include "Support/Background.h"
 #include "unit/RecordingFixture.h"
-
-#include <QSemaphore>
-#include <QThreadPool>
 
 using namespace std::chrono_literals;
 using testing::ElementsAre;
@@ -494,79 +490,6 @@ TEST_F(RecordingManagerTest, AClockThatIsSetBackTakesNothingAway)
     EXPECT_DOUBLE_EQ(manager->elapsed(), 2);
     recordAndPause();
     EXPECT_DOUBLE_EQ(manager->elapsed(), 2);
-}
-
-TEST_F(RecordingManagerTest, AFailedRewrapIsLoggedAndLeavesTheSegmentUnderTheFinalName)
-{
-    write(fallbackPath(), "older");
-    start();
-    manager->stop(false);
-    end();
-    complete(MovieExport::End::failed, "no space left");
-    EXPECT_EQ(TestLog::takeLines(), QStringList{QStringLiteral("mp4 remux failed: no space left")});
-    ASSERT_TRUE(runUntil([this] { return !results.isEmpty(); }));
-    EXPECT_THAT(results, ElementsAre(QUrl::fromLocalFile(fallbackPath())));
-    EXPECT_EQ(contents(fallbackPath()), "film");
-    EXPECT_TRUE(isTidy());
-}
-
-TEST_F(RecordingManagerTest, OtherWorkDoesNotKeepASegmentFromBecomingTheFilm)
-{
-    QSemaphore enough;
-    QThreadPool& others = *QThreadPool::globalInstance();
-    for (int i = 0; i < others.maxThreadCount(); ++i)
-        others.start([&] { enough.acquire(); });
-    start();
-    manager->stop(false);
-    end();
-    complete(MovieExport::End::impossible);
-    EXPECT_TRUE(runUntil([this] { return !results.isEmpty(); }));
-    enough.release(others.maxThreadCount());
-    others.waitForDone();
-    EXPECT_THAT(results, ElementsAre(QUrl::fromLocalFile(fallbackPath())));
-}
-
-TEST_F(RecordingManagerTest, ARewrapThatCannotBeginIsNotLogged)
-{
-    start();
-    manager->stop(false);
-    end();
-    complete(MovieExport::End::impossible, "there is no library");
-    ASSERT_TRUE(runUntil([this] { return !results.isEmpty(); }));
-    EXPECT_THAT(results, ElementsAre(QUrl::fromLocalFile(fallbackPath())));
-}
-
-TEST_F(RecordingManagerTest, ASegmentThatCannotBeMovedEitherStaysAndGivesNothing)
-{
-    start();
-    manager->stop(false);
-    end();
-    QDir(folder.filePath(QStringLiteral("captures"))).removeRecursively();
-    complete(MovieExport::End::impossible);
-    ASSERT_TRUE(runUntil([this] { return !results.isEmpty(); }));
-    EXPECT_THAT(results, ElementsAre(nothing));
-    EXPECT_EQ(segmentFiles(), QStringList{QFileInfo(run(0).file()).fileName()});
-    // The next start tries again: nobody holds the journal any more.
-    exports.clear();
-    Background::threads().waitForDone();
-    manager->recover([this](const QUrl& file, bool) { results.append(file); });
-    ASSERT_EQ(exports.size(), 1u);
-    complete(MovieExport::End::completed);
-    EXPECT_EQ(results.back(), QUrl::fromLocalFile(finalPath()));
-    EXPECT_TRUE(isTidy());
-}
-
-TEST_F(RecordingManagerTest, AFailedJoinGivesNothingAndDeletesTheSegments)
-{
-    start();
-    recordAndPause();
-    manager->togglePause();
-    manager->stop(false);
-    end();
-    complete(MovieExport::End::failed, "no space left");
-    EXPECT_THAT(results, ElementsAre(nothing));
-    EXPECT_TRUE(isTidy());
-    EXPECT_FALSE(QFile::exists(fallbackPath()));
 }
 
 TEST_F(RecordingManagerTest, TheNextSessionNeedNotWaitForTheExport)

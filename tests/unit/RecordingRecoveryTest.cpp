@@ -1,5 +1,6 @@
 // What is left of a recording when the program goes, and what the next start makes of it.
 
+#include "Support/Background.h"
 #include "unit/RecordingFixture.h"
 
 #include <QJsonArray>
@@ -7,6 +8,8 @@
 #include <QJsonObject>
 
 #include <array>
+#include <condition_variable>
+#include <mutex>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,6 +17,52 @@
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::Pair;
+
+namespace {
+
+/// How files get to the disk here.
+struct Disk {
+    static Disk& get()
+    {
+        static Disk disk;
+        return disk;
+    }
+
+    void setStuck(bool stuck)
+    {
+        const std::lock_guard lock(mutex);
+        isStuck = stuck;
+        changed.notify_all();
+    }
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool isStuck = false;
+    int files = 0;
+    int names = 0; // of folders
+};
+
+int bring(int& count)
+{
+    Disk& disk = Disk::get();
+    std::unique_lock lock(disk.mutex);
+    disk.changed.wait(lock, [&] { return !disk.isStuck; });
+    ++count;
+    return 0;
+}
+
+} // namespace
+
+// In place of the C library's.
+extern "C" int fdatasync(int)
+{
+    return bring(Disk::get().files);
+}
+
+extern "C" int fsync(int)
+{
+    return bring(Disk::get().names);
+}
 
 namespace {
 
@@ -81,6 +130,28 @@ TEST_F(RecordingRecoveryTest, TheJournalIsThereWhenTheToolStartsAndTheToolHoldsI
     start();
     EXPECT_GE(run(0).command.sharedDescriptor, 0);
     EXPECT_EQ(journals().size(), 1);
+}
+
+TEST_F(RecordingRecoveryTest, TheJournalIsOnTheDiskBeforeItHasItsNameUnlessThatTakesLong)
+{
+    Disk& disk = Disk::get();
+    Background::threads().waitForDone();
+    disk.files = disk.names = 0;
+    start();
+    EXPECT_EQ(disk.files, 1);
+    Background::threads().waitForDone();
+    EXPECT_EQ(disk.names, 1);
+
+    disk.setStuck(true);
+    recordAndPause();
+    manager->togglePause();
+    EXPECT_EQ(runs.size(), 2u); // it films all the same
+    EXPECT_EQ(journal().value(QStringLiteral("segments")).toArray().size(), 2);
+    EXPECT_EQ(disk.files, 1);
+    disk.setStuck(false);
+    Background::threads().waitForDone();
+    EXPECT_EQ(disk.files, 2);
+    EXPECT_EQ(disk.names, 2);
 }
 
 TEST_F(RecordingRecoveryTest, TheJournalStaysUntilTheFilmIsThere)

@@ -23,14 +23,14 @@ PossibleFailure MovieFile::append(std::span<const std::uint8_t> piece)
         m_file->cutTo(before);
         return failure;
     }
+    if (!m_isPublished) {
+        PossibleFailure failure = m_file->publish();
+        m_isPublished = !failure;
+        return failure;
+    }
     if (PossibleFailure failure = m_file->sync())
         return failure;
-    if (m_isPublished && m_file->isRemoved())
+    if (m_file->isRemoved())
         return Failure{"the file \"" + m_path + "\" was removed"};
-    if (!m_isPublished) {
-        if (PossibleFailure failure = m_file->publishUnsynced())
-            return failure;
-        m_isPublished = true;
-    }
     return std::nullopt;
 }
