@@ -83,7 +83,10 @@ void RecordingFinisher::concatenate(const RecordedSegments& recorded)
 {
     using Outcome = MovieExport::Outcome;
     const auto exported = [recorded](const Outcome& outcome) {
-        remove(recorded);
+        if (outcome.end == MovieExport::End::unreadable)
+            recorded.journal->loseAttempt(); // the next start tries again, but not for ever
+        else
+            remove(recorded);
         recorded.completion(outcome.succeeded() ? recorded.finalURL : QUrl());
     };
     m_concatenate(paths(recorded.segments), recorded.finalURL.toLocalFile(),

@@ -215,7 +215,7 @@ void RecordingJournal::beginAttempt()
 
 void RecordingJournal::endAttempt()
 {
-    if (!m_file || !isNamed(m_file, m_path))
+    if (m_isAttemptLost || !m_file || !isNamed(m_file, m_path))
         return;
     Entry entry = m_entry;
     entry.lostAttempts = 0;

@@ -26,7 +26,7 @@ public:
         /// Whether nobody wants the segments any more.
         bool discarded = false;
         /// How often in a row the program has ended without a word while it made the film of what
-        /// an earlier one had left.
+        /// an earlier one had left, or could not read that.
         int lostAttempts = 0;
 
         friend bool operator==(const Entry&, const Entry&) = default;
@@ -48,6 +48,9 @@ public:
     void beginAttempt();
     void endAttempt();
 
+    /// However this attempt ends, it counts as a lost one.
+    void loseAttempt() { m_isAttemptLost = true; }
+
     /// Gives the file another name, under which nobody looks for it.
     void putAside();
 
@@ -68,6 +71,7 @@ private:
     QString m_path;
     FileDescriptor m_file;
     Entry m_entry; // as the file has it
+    bool m_isAttemptLost = false;
 };
 
 struct RecordingJournal::Found {

@@ -22,6 +22,7 @@ namespace MovieExport {
 enum class End {
     completed,  ///< The file is in its place.
     failed,     ///< There is no file; `reason` says why. A cancelled export ends so too.
+    unreadable, ///< As failed: the disk did not give some of a segment, which it may another time.
     impossible, ///< It was not begun, since the library for video files is missing.
 };
 
@@ -49,7 +50,8 @@ Outcome remux(const QString& source, const QString& destination,
 /// It has the size of the first segment; pictures of another size are fitted into that. Each
 /// segment is as long as the longer of its picture and its sound. Sound is silent where a segment
 /// has none, and ends with the last segment that has some. Segments in which there is no picture,
-/// missing ones too, are left out; it is a failure when none is left. Uses every core. Any thread.
+/// missing ones too, are left out; it is a failure when none is left, or when a disk fails. Uses
+/// every core. Any thread.
 Outcome concatenate(const QStringList& segments, const QString& destination,
                     const Cancellation& cancellation = {});
 

@@ -449,6 +449,29 @@ TEST_F(RecordingRecoveryTest, AFilmThatCannotBePutInItsPlaceIsNotGivenUp)
     ASSERT_TRUE(runUntil([this] { return lostAttempts() == 0; }));
 }
 
+TEST_F(RecordingRecoveryTest, SegmentsThatCannotBeReadAreTriedAgainAndStay)
+{
+    start();
+    recordAndPause();
+    manager->togglePause();
+    manager->stop(false);
+    end();
+    for (int attempt = 0; attempt <= 3; ++attempt) {
+        ASSERT_EQ(exports.size(), static_cast<std::size_t>(attempt) + 1);
+        complete(MovieExport::End::unreadable);
+        exports.back().completion = {};
+        EXPECT_EQ(lostAttempts(), attempt);
+        EXPECT_EQ(segmentFiles().size(), 2);
+        makeManager();
+        recover();
+    }
+    EXPECT_THAT(results, ElementsAre(QUrl()));
+    EXPECT_TRUE(recovered.empty());
+    EXPECT_EQ(exports.size(), 4u);
+    EXPECT_EQ(named("*.broken").size(), 1);
+    EXPECT_EQ(segmentFiles().size(), 2);
+}
+
 TEST_F(RecordingRecoveryTest, FilmsAreMadeOneByOneAndTheDangerousLast)
 {
     start();

@@ -67,8 +67,9 @@ std::int64_t readableEnd(const RegularFile& file, const Patience& patience)
 
 } // namespace
 
-VideoFile::VideoFile(RegularFile file, const Patience& patience)
-    : m_file(std::move(file))
+VideoFile::VideoFile(std::string path, RegularFile file, const Patience& patience)
+    : m_path(std::move(path))
+    , m_file(std::move(file))
     , m_patience(patience)
 {
 }
@@ -83,7 +84,7 @@ Result<std::unique_ptr<VideoFile>> VideoFile::open(const std::string& path,
     if (!file)
         return file.failure();
     file->size = readableEnd(*file, patience);
-    std::unique_ptr<VideoFile> video(new VideoFile(std::move(*file), patience));
+    std::unique_ptr<VideoFile> video(new VideoFile(path, std::move(*file), patience));
     if (const PossibleFailure failure = video->openContext())
         return Failure{"cannot read " + path + ": " + failure->message};
     return video;
@@ -120,8 +121,11 @@ int VideoFile::read(void* self, std::uint8_t* bytes, int size)
     const ssize_t count =
         pread(file.m_file.descriptor.get(), bytes,
               static_cast<std::size_t>(std::min<std::int64_t>(size, left)), file.m_position);
-    if (count < 0)
-        return AVERROR(errno);
+    if (count < 0) {
+        const int error = AVERROR(errno);
+        file.m_patience.noteUnreadable({"cannot read " + file.m_path + ": " + Av::text(error)});
+        return error;
+    }
     file.m_position += count;
     return count == 0 ? AVERROR_EOF : static_cast<int>(count);
 }

@@ -12,7 +12,7 @@
 /// anything: no reference in a file, however it is named, leads to another one.
 class VideoFile {
 public:
-    /// `patience`, which outlives this, is asked at every read.
+    /// `patience`, which outlives this, is asked at every read, and told of one that fails.
     static Result<std::unique_ptr<VideoFile>> open(const std::string& path,
                                                    const Patience& patience);
     VideoFile(const VideoFile&) = delete;
@@ -24,12 +24,13 @@ public:
     std::int64_t size() const { return m_file.size; }
 
 private:
-    VideoFile(RegularFile file, const Patience& patience);
+    VideoFile(std::string path, RegularFile file, const Patience& patience);
     PossibleFailure openContext();
 
     static int read(void* self, std::uint8_t* bytes, int size);
     static std::int64_t seek(void* self, std::int64_t offset, int whence);
 
+    std::string m_path; // for messages
     RegularFile m_file;
     const Patience& m_patience;
     std::int64_t m_position = 0;

@@ -30,6 +30,9 @@ public:
 
     PossibleFailure run(const std::vector<std::string>& paths);
 
+    /// Whether it failed since some of a segment could not be read.
+    bool metUnreadable() const { return m_patience.unreadable().has_value(); }
+
 private:
     PossibleFailure inspect(const std::vector<std::string>& paths);
     PossibleFailure findKind();
@@ -65,6 +68,9 @@ PossibleFailure Concatenation::run(const std::vector<std::string>& paths)
         return failure;
     if (m_patience.isOver())
         return ExportPatience::cancelled();
+    // A disk that cannot be read is not a segment's end.
+    if (PossibleFailure failure = m_patience.unreadable())
+        return failure;
     return m_output->publish();
 }
 
@@ -75,7 +81,7 @@ PossibleFailure Concatenation::inspect(const std::vector<std::string>& paths)
         if (Result<Segment> segment = Segment::inspect(path, m_patience))
             m_segments.push_back(std::move(*segment));
     }
-    return {};
+    return m_patience.unreadable();
 }
 
 /// The first picture says how all of them are.
@@ -165,6 +171,8 @@ PossibleFailure Concatenation::write()
     OrderedWork<Packets> work(chunks.size(), std::move(workers));
     for (std::size_t i = 0; i < chunks.size(); ++i) {
         Packets packets = work.take();
+        if (PossibleFailure failure = m_patience.unreadable())
+            return failure;
         if (!packets)
             return packets.failure();
         if (PossibleFailure failure = writePictures(std::move(*packets)))
@@ -208,7 +216,9 @@ MovieExport::Outcome concatenateMovies(const QStringList& segments, const QStrin
     std::vector<std::string> paths;
     for (const QString& segment : segments)
         paths.push_back(QFile::encodeName(segment).toStdString());
-    return ExportPatience::outcome(
-        cancellation,
-        Concatenation(QFile::encodeName(destination).toStdString(), cancellation).run(paths));
+    Concatenation concatenation(QFile::encodeName(destination).toStdString(), cancellation);
+    MovieExport::Outcome outcome = ExportPatience::outcome(cancellation, concatenation.run(paths));
+    if (!outcome.succeeded() && concatenation.metUnreadable())
+        outcome.end = MovieExport::End::unreadable;
+    return outcome;
 }

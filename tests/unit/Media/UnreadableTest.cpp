@@ -1,0 +1,112 @@
+// Segments on a disk that does not give all of them.
+
+#include "Media/MovieExport.h"
+
+#include "support/TemporaryFolder.h"
+#include "unit/Media/FilmedSegment.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cerrno>
+#include <filesystem>
+
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+/// Which byte cannot be read here.
+struct BadByte {
+    std::atomic<ino_t> file = 0;
+    std::atomic<off_t> offset = 0;
+};
+
+BadByte& badByte()
+{
+    static BadByte bad;
+    return bad;
+}
+
+} // namespace
+
+// In place of the C library's.
+extern "C" ssize_t pread(int file, void* bytes, std::size_t count, off_t offset)
+{
+    const BadByte& bad = badByte();
+    struct stat status = {};
+    if (bad.file != 0 && bad.offset >= offset && bad.offset < offset + static_cast<off_t>(count) &&
+        fstat(file, &status) == 0 && status.st_ino == bad.file)
+    {
+        errno = EIO;
+        return -1;
+    }
+    return syscall(SYS_pread64, file, bytes, count, offset);
+}
+
+namespace {
+
+using testing::ElementsAre;
+using testing::StartsWith;
+
+class Unreadable : public testing::Test {
+protected:
+    Unreadable()
+    {
+        FilmedSegment segment = FilmedSegment::steady(6, 30, 100);
+        segment.hasSound = true;
+        for (int sample = 0; sample < 270'000; sample += 37)
+            segment.clicks.push_back(sample);
+        const std::string bytes = segment.bytes();
+        m_size = static_cast<off_t>(bytes.size());
+        for (const char* const name : {"a.mov", "b.mov"})
+            writeFile(m_folder / name, bytes);
+    }
+    ~Unreadable() override { badByte().file = 0; }
+
+    void setBad(const char* name, off_t offset)
+    {
+        struct stat status = {};
+        ASSERT_EQ(stat((m_folder / name).c_str(), &status), 0);
+        badByte().offset = offset;
+        badByte().file = status.st_ino;
+    }
+
+    QString path(const char* name) const { return QString::fromStdString(m_folder / name); }
+
+    void expectUnreadable(const MovieExport::Outcome& outcome, MovieExport::End end,
+                          const char* segment)
+    {
+        EXPECT_EQ(outcome.end, end);
+        EXPECT_EQ(outcome.reason, "cannot read " + (m_folder / segment) + ": Input/output error");
+        EXPECT_THAT(m_folder.names(), ElementsAre("a.mov", "b.mov"));
+    }
+
+    TemporaryFolder m_folder;
+    off_t m_size = 0;
+};
+
+} // namespace
+
+TEST_F(Unreadable, IsNotTheEndOfASegmentThatIsJoined)
+{
+    // In tables that are looked through at first, in pictures and in sound.
+    for (const off_t offset : {off_t{0}, m_size / 3, m_size / 2, m_size * 2 / 3, m_size - 1}) {
+        SCOPED_TRACE(offset);
+        setBad("b.mov", offset);
+        expectUnreadable(MovieExport::concatenate({path("a.mov"), path("b.mov")}, path("film.mp4")),
+                         MovieExport::End::unreadable, "b.mov");
+    }
+    badByte().file = 0;
+    EXPECT_TRUE(
+        MovieExport::concatenate({path("a.mov"), path("b.mov")}, path("film.mp4")).succeeded());
+}
+
+TEST_F(Unreadable, IsNotTheEndOfASegmentThatIsCopied)
+{
+    setBad("a.mov", m_size / 2);
+    expectUnreadable(MovieExport::remux(path("a.mov"), path("film.mp4")), MovieExport::End::failed,
+                     "a.mov");
+}
