@@ -9,6 +9,8 @@ Result<Av::Codec> Encoder::codecNamed(const char* name)
     if (!codec)
         return Failure{std::string("FFmpeg is built without the encoder ") + name};
     Av::Codec context(avcodec_alloc_context3(codec));
+    if (!context)
+        return Failure{"there is no memory left"};
     context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER; // as the container wants it
     return context;
 }
@@ -35,6 +37,8 @@ Result<std::vector<Av::Packet>> Encoder::send(const AVFrame* frame)
     std::vector<Av::Packet> packets;
     while (error >= 0) {
         Av::Packet packet(av_packet_alloc());
+        if (!packet)
+            return Failure{"there is no memory left"};
         error = avcodec_receive_packet(m_codec.get(), packet.get());
         if (error >= 0)
             packets.push_back(std::move(packet));

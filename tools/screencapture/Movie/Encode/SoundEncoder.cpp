@@ -32,6 +32,8 @@ Result<SoundEncoder> SoundEncoder::create()
         return Failure{"the encoder aac has blocks of another size"};
 
     Av::Frame frame(av_frame_alloc());
+    if (!frame)
+        return Failure{"there is no memory left"};
     frame->format = AV_SAMPLE_FMT_FLTP;
     frame->sample_rate = rate;
     frame->nb_samples = blockFrames;

@@ -1,5 +1,7 @@
 #include "Movie/Encode/VideoEncoder.h"
 
+#include <new>
+
 extern "C" {
 #include <libavutil/opt.h>
 }
@@ -17,6 +19,8 @@ VideoEncoder::VideoEncoder(Av::Codec codec)
     : Encoder(std::move(codec))
     , m_frame(av_frame_alloc())
 {
+    if (!m_frame)
+        throw std::bad_alloc();
 }
 
 Result<VideoEncoder> VideoEncoder::create(int width, int height)
