@@ -15,9 +15,6 @@ namespace {
 /// Containers whose readers take nothing from outside the file. Each list is FFmpeg's own name.
 constexpr const char* readable = "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm";
 constexpr unsigned maximumStreams = 16;
-/// A video's index may claim any number of frames in a few bytes. This is room for five million of
-/// them, and for a frame of 8K.
-constexpr std::size_t maximumAllocation = std::size_t{128} << 20;
 constexpr int bufferSize = 1 << 15;
 
 int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**)
@@ -70,6 +67,7 @@ std::int64_t readableEnd(const RegularFile& file, const Patience& patience)
 VideoFile::VideoFile(std::string path, RegularFile file, const Patience& patience)
     : m_path(std::move(path))
     , m_file(std::move(file))
+    , m_limit(m_file.size)
     , m_patience(patience)
 {
 }
@@ -77,9 +75,7 @@ VideoFile::VideoFile(std::string path, RegularFile file, const Patience& patienc
 Result<std::unique_ptr<VideoFile>> VideoFile::open(const std::string& path,
                                                    const Patience& patience)
 {
-    // Both are for the whole process: FFmpeg has no other.
-    av_log_set_level(AV_LOG_QUIET);
-    av_max_alloc(maximumAllocation);
+    av_log_set_level(AV_LOG_QUIET); // for the whole process: FFmpeg has no other
     Result<RegularFile> file = RegularFile::open(path);
     if (!file)
         return file.failure();

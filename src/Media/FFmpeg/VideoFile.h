@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Media/Av/Handles.h"
+#include "Media/FFmpeg/AllocationLimit.h"
 #include "Media/FFmpeg/Patience.h"
 #include "Support/RegularFile.h"
 #include "Support/Result.h"
@@ -32,6 +33,7 @@ private:
 
     std::string m_path; // for messages
     RegularFile m_file;
+    AllocationLimit m_limit;
     const Patience& m_patience;
     std::int64_t m_position = 0;
     Av::Io m_io;

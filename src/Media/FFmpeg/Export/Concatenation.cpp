@@ -10,6 +10,8 @@
 #include <QFile>
 
 #include <algorithm>
+#include <numeric>
+#include <optional>
 #include <thread>
 
 namespace {
@@ -45,6 +47,7 @@ private:
     std::string m_destination;
     Patience m_patience;
     std::vector<Segment> m_segments; // with pictures in them
+    std::optional<AllocationLimit> m_limit;
     PictureKind m_kind;
     std::vector<std::uint8_t> m_turn; // the first segment's matrix, as FFmpeg has it; may be empty
     Av::Parameters m_parameters;      // of the pictures
@@ -81,6 +84,9 @@ PossibleFailure Concatenation::inspect(const std::vector<std::string>& paths)
         if (Result<Segment> segment = Segment::inspect(path, m_patience))
             m_segments.push_back(std::move(*segment));
     }
+    m_limit.emplace(std::accumulate(
+        m_segments.begin(), m_segments.end(), std::int64_t{0},
+        [](std::int64_t sum, const Segment& segment) { return sum + segment.fileSize; }));
     return m_patience.unreadable();
 }
 

@@ -55,6 +55,7 @@ Result<Segment> Segment::inspect(const std::string& path, const Patience& patien
         return Failure{"there is no picture in " + path};
     Segment segment;
     segment.path = path;
+    segment.fileSize = (*file)->size();
     segment.ticks = picture->time_base;
     const auto shownUntil = endOf(*picture, (*file)->size(), &segment.keys);
     if (!shownUntil)

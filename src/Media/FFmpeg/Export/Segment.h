@@ -14,6 +14,7 @@ struct Segment {
     static constexpr int ticksASecond = 90000;
 
     std::string path;
+    std::int64_t fileSize = 0; ///< In bytes.
     /// Of the longer of its tracks, as far as the file really has it; in movie ticks.
     std::int64_t duration = 0;
     bool hasSound = false;
