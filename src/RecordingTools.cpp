@@ -1,10 +1,12 @@
 #include "RecordingTools.h"
 
+#include "Platform/ThreadPriority.h"
 #include "Support/CaptureFiles.h"
 
 #include <QTimer>
 
 #include <memory>
+#include <utility>
 
 using namespace std::chrono_literals;
 
@@ -29,11 +31,23 @@ Result<RecordingTools::Film> launchTool(const Process::Command& command,
 
 } // namespace
 
+// Films are made beside the user's work, maybe the next recording.
 RecordingTools RecordingTools::system()
 {
     return {.clock = Clock::system(),
             .folder = CaptureFiles::temporaryFolder(),
             .launch = launchTool,
-            .remux = MovieExport::remuxInBackground,
-            .concatenate = MovieExport::concatenateInBackground};
+            .remux =
+                [](const QString& segment, const QString& destination,
+                   MovieExport::Completion completion, const Cancellation& cancellation) {
+                    MovieExport::remuxInBackground(segment, destination, std::move(completion),
+                                                   cancellation, Platform::lowerThreadPriority);
+                },
+            .concatenate =
+                [](const QStringList& segments, const QString& destination,
+                   MovieExport::Completion completion, const Cancellation& cancellation) {
+                    MovieExport::concatenateInBackground(segments, destination,
+                                                         std::move(completion), cancellation,
+                                                         Platform::lowerThreadPriority);
+                }};
 }

@@ -32,17 +32,23 @@ MovieExport::Outcome MovieExport::concatenate(const QStringList& segments,
 }
 
 void MovieExport::remuxInBackground(const QString& source, const QString& destination,
-                                    Completion completion, const Cancellation& cancellation)
+                                    Completion completion, const Cancellation& cancellation,
+                                    OnThread onThread)
 {
-    threads().start([=, completion = std::move(completion)] {
+    threads().start([=, completion = std::move(completion), onThread = std::move(onThread)] {
+        if (onThread)
+            onThread();
         completion(remux(source, destination, cancellation));
     });
 }
 
 void MovieExport::concatenateInBackground(const QStringList& segments, const QString& destination,
-                                          Completion completion, const Cancellation& cancellation)
+                                          Completion completion, const Cancellation& cancellation,
+                                          OnThread onThread)
 {
-    threads().start([=, completion = std::move(completion)] {
+    threads().start([=, completion = std::move(completion), onThread = std::move(onThread)] {
+        if (onThread)
+            onThread();
         completion(concatenate(segments, destination, cancellation));
     });
 }

@@ -37,6 +37,7 @@ struct Outcome {
 /// Called once, on a thread of the export's own: a callback made by Guarded::once brings itself to
 /// the main thread.
 using Completion = std::function<void(const Outcome& outcome)>;
+using OnThread = std::function<void()>;
 
 /// Copies the pictures and the sound of `source` without encoding them again, with their turn,
 /// colours and timing; sound that MP4 cannot hold becomes AAC. Of a source that is broken off there
@@ -57,9 +58,11 @@ Outcome concatenate(const QStringList& segments, const QString& destination,
 
 /// The same on a thread of their own. `completion` is called in any case; the end of the program
 /// waits for it, so whoever does not want that cancels. Exports do not wait for each other.
+/// `onThread` is called on that thread first, before it starts any others.
 void remuxInBackground(const QString& source, const QString& destination, Completion completion,
-                       const Cancellation& cancellation = {});
+                       const Cancellation& cancellation = {}, OnThread onThread = {});
 void concatenateInBackground(const QStringList& segments, const QString& destination,
-                             Completion completion, const Cancellation& cancellation = {});
+                             Completion completion, const Cancellation& cancellation = {},
+                             OnThread onThread = {});
 
 } // namespace MovieExport

@@ -6,6 +6,7 @@
 #include "Platform/Compositing.h"
 #include "Platform/LoginItem.h"
 #include "Platform/Menus.h"
+#include "Platform/ThreadPriority.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -111,6 +112,11 @@ bool requestScreenCaptureAccess()
 {
     ++FakePlatform::current().captureRequests;
     return false;
+}
+
+void lowerThreadPriority()
+{
+    ++FakePlatform::current().lowPriorities;
 }
 
 CaptureTool captureTool()

@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
@@ -74,6 +75,7 @@ struct FakePlatform {
     int accessory = 0;
     int activations = 0;
     int captureRequests = 0;
+    std::atomic<int> lowPriorities = 0; ///< of threads
 
     /// The desktop of the running test.
     static FakePlatform& current();
