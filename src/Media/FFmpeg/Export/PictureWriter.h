@@ -1,14 +1,12 @@
 #pragma once
 
-#include "Media/Av/Encoder.h"
+#include "Media/Av/H264Encoder.h"
 #include "Media/FFmpeg/Export/PictureKind.h"
 
 /// H.264 without frames that refer to later ones, from frames of one kind. What it says about its
 /// track depends on the kind alone, so that several of them can share one.
-class PictureWriter : public Encoder {
+class PictureWriter : public H264Encoder {
 public:
-    static constexpr int ticksASecond = 90000;
-
     static Result<PictureWriter> create(const PictureKind& kind);
 
     /// Packets come out at once. `ticks` are larger than the last frame's.
@@ -16,7 +14,7 @@ public:
 
 private:
     explicit PictureWriter(Av::Codec codec)
-        : Encoder(std::move(codec))
+        : H264Encoder(std::move(codec))
     {
     }
 };

@@ -1,55 +1,27 @@
 #include "Media/FFmpeg/Export/SoundWriter.h"
 
-#include "Media/Av/Text.h"
-
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace {
 
-constexpr int channels = 2;
 constexpr std::int64_t bitsASecond = 192000;
-
-float* samplesOf(AVFrame& frame, int channel)
-{
-    void* const plane = frame.data[channel];
-    return static_cast<float*>(plane);
-}
 
 } // namespace
 
-SoundWriter::SoundWriter(Av::Codec codec, Av::Frame frame)
-    : Encoder(std::move(codec))
-    , m_frame(std::move(frame))
-    , m_blockSize(static_cast<std::size_t>(m_frame->nb_samples))
+SoundWriter::SoundWriter(Parts parts)
+    : AacEncoder(std::move(parts))
+    , m_blockSize(static_cast<std::size_t>(codec().frame_size))
 {
 }
 
 Result<SoundWriter> SoundWriter::create()
 {
-    Result<Av::Codec> codec = codecNamed("aac");
-    if (!codec)
-        return codec.failure();
-    AVCodecContext& context = **codec;
-    context.sample_rate = rate;
-    context.ch_layout = AV_CHANNEL_LAYOUT_STEREO;
-    context.sample_fmt = AV_SAMPLE_FMT_FLTP;
-    context.bit_rate = bitsASecond;
-    context.time_base = {1, rate};
-    if (PossibleFailure failure = open(context))
-        return *failure;
-
-    Av::Frame frame(av_frame_alloc());
-    if (!frame)
-        return Failure{"there is no memory left"};
-    frame->format = AV_SAMPLE_FMT_FLTP;
-    frame->sample_rate = rate;
-    frame->nb_samples = context.frame_size;
-    frame->ch_layout = AV_CHANNEL_LAYOUT_STEREO;
-    const int error = av_frame_get_buffer(frame.get(), 0);
-    if (error < 0)
-        return Failure{"cannot encode: " + Av::text(error)};
-    return SoundWriter(std::move(*codec), std::move(frame));
+    Result<Parts> parts = openParts(bitsASecond);
+    if (!parts)
+        return parts.failure();
+    return SoundWriter(std::move(*parts));
 }
 
 Result<std::vector<Av::Packet>> SoundWriter::add(std::span<const float> left,
@@ -75,13 +47,12 @@ PossibleFailure SoundWriter::fill(std::size_t count, std::span<const float> left
                                   std::span<const float> right, std::vector<Av::Packet>& packets)
 {
     for (std::size_t done = 0; done < count;) {
-        const int error = av_frame_make_writable(m_frame.get());
-        if (error < 0)
-            return Failure{"cannot encode: " + Av::text(error)};
+        if (PossibleFailure failure = prepareBlock())
+            return failure;
         const std::size_t part = std::min(count - done, m_blockSize - m_filled);
         for (int channel = 0; channel < channels; ++channel) {
             const std::span<const float> source = channel == 0 ? left : right;
-            float* const target = samplesOf(*m_frame, channel) + m_filled;
+            float* const target = samples(channel) + m_filled;
             if (source.empty())
                 std::fill_n(target, part, 0.0F);
             else
@@ -92,7 +63,7 @@ PossibleFailure SoundWriter::fill(std::size_t count, std::span<const float> left
         m_position += static_cast<std::int64_t>(part);
         if (m_filled < m_blockSize)
             continue;
-        Result<std::vector<Av::Packet>> encoded = encodeFrame();
+        Result<std::vector<Av::Packet>> encoded = encodeFilled();
         if (!encoded)
             return encoded.failure();
         std::move(encoded->begin(), encoded->end(), std::back_inserter(packets));
@@ -100,19 +71,17 @@ PossibleFailure SoundWriter::fill(std::size_t count, std::span<const float> left
     return {};
 }
 
-Result<std::vector<Av::Packet>> SoundWriter::encodeFrame()
+Result<std::vector<Av::Packet>> SoundWriter::encodeFilled()
 {
-    m_frame->nb_samples = static_cast<int>(m_filled);
-    m_frame->pts = m_position - static_cast<std::int64_t>(m_filled);
-    m_filled = 0;
-    return send(m_frame.get());
+    const std::size_t count = std::exchange(m_filled, 0);
+    return encodeBlock(static_cast<int>(count), m_position - static_cast<std::int64_t>(count));
 }
 
 Result<std::vector<Av::Packet>> SoundWriter::finish()
 {
     std::vector<Av::Packet> packets;
     if (m_filled > 0) {
-        Result<std::vector<Av::Packet>> last = encodeFrame();
+        Result<std::vector<Av::Packet>> last = encodeFilled();
         if (!last)
             return last;
         packets = std::move(*last);

@@ -1,16 +1,14 @@
 #pragma once
 
-#include "Media/Av/Encoder.h"
+#include "Media/Av/AacEncoder.h"
 
 #include <cstdint>
 #include <span>
 
 /// AAC from stereo at 48 kHz. Its first packet is earlier than 0, and the container tells players
 /// to leave that out, so what comes out is at its time to the sample.
-class SoundWriter : public Encoder {
+class SoundWriter : public AacEncoder {
 public:
-    static constexpr int rate = 48000;
-
     static Result<SoundWriter> create();
 
     /// How many samples it was given: the time of the next one.
@@ -25,14 +23,13 @@ public:
     Result<std::vector<Av::Packet>> finish();
 
 private:
-    SoundWriter(Av::Codec codec, Av::Frame frame);
+    explicit SoundWriter(Parts parts);
 
-    Result<std::vector<Av::Packet>> encodeFrame();
+    Result<std::vector<Av::Packet>> encodeFilled();
     PossibleFailure fill(std::size_t count, std::span<const float> left,
                          std::span<const float> right, std::vector<Av::Packet>& packets);
 
-    Av::Frame m_frame;
-    std::size_t m_filled = 0; // of the frame
+    std::size_t m_filled = 0; // of the block
     std::size_t m_blockSize;
     std::int64_t m_position = 0;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Media/Av/Encoder.h"
+#include "Media/Av/AacEncoder.h"
 
 #include <cstdint>
 #include <span>
@@ -9,9 +9,8 @@
 ///
 /// What AAC gives back is late by one block. So a movie's first block of sound goes lost, and
 /// everything after it is at its time in every player, whether that knows about the delay or not.
-class SoundEncoder : public Encoder {
+class SoundEncoder : public AacEncoder {
 public:
-    static constexpr int rate = 48000;
     /// Frames in a block; only whole blocks are encoded.
     static constexpr int blockFrames = 1024;
 
@@ -21,8 +20,10 @@ public:
     Result<std::vector<Av::Packet>> encode(std::span<const float> block);
 
 private:
-    SoundEncoder(Av::Codec codec, Av::Frame frame);
+    explicit SoundEncoder(Parts parts)
+        : AacEncoder(std::move(parts))
+    {
+    }
 
-    Av::Frame m_frame;
     std::int64_t m_blocks = 0;
 };

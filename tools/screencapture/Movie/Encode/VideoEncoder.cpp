@@ -2,13 +2,9 @@
 
 #include <new>
 
-extern "C" {
-#include <libavutil/opt.h>
-}
-
 namespace {
 
-constexpr int framesASecond = 60;   // at most; tells the rate control, not the times
+constexpr int quality = 18;
 constexpr int neverByItself = 1000; // frames between key frames: these are asked for
 
 void borrowNothing(void*, std::uint8_t*) {}
@@ -16,7 +12,7 @@ void borrowNothing(void*, std::uint8_t*) {}
 } // namespace
 
 VideoEncoder::VideoEncoder(Av::Codec codec)
-    : Encoder(std::move(codec))
+    : H264Encoder(std::move(codec))
     , m_frame(av_frame_alloc())
 {
     if (!m_frame)
@@ -25,27 +21,15 @@ VideoEncoder::VideoEncoder(Av::Codec codec)
 
 Result<VideoEncoder> VideoEncoder::create(int width, int height)
 {
-    Result<Av::Codec> codec = codecNamed("libx264");
+    Result<Av::Codec> codec = prepared(width, height, quality, neverByItself);
     if (!codec)
         return codec.failure();
     AVCodecContext& context = **codec;
-    context.width = width;
-    context.height = height;
-    context.pix_fmt = AV_PIX_FMT_YUV420P;
-    context.time_base = {1, ticksASecond};
-    context.framerate = {framesASecond, 1};
-    context.gop_size = neverByItself;
-    context.max_b_frames = 0;
     context.color_range = AVCOL_RANGE_MPEG;
     context.colorspace = AVCOL_SPC_BT709;
     context.color_primaries = AVCOL_PRI_BT709;
     context.color_trc = AVCOL_TRC_BT709;
     context.chroma_sample_location = AVCHROMA_LOC_CENTER;
-    // The slowest that keeps up with full motion on two cores; text stays crisp.
-    av_opt_set(context.priv_data, "preset", "superfast", 0);
-    av_opt_set(context.priv_data, "tune", "zerolatency", 0);
-    av_opt_set(context.priv_data, "crf", "18", 0);
-    av_opt_set(context.priv_data, "forced-idr", "1", 0);
     if (PossibleFailure failure = open(context))
         return *failure;
     return VideoEncoder(std::move(*codec));
@@ -59,8 +43,6 @@ Result<std::vector<Av::Packet>> VideoEncoder::encode(Picture& picture, std::int6
     frame.format = AV_PIX_FMT_YUV420P;
     frame.width = picture.width();
     frame.height = picture.height();
-    frame.pts = ticks;
-    frame.pict_type = isKey ? AV_PICTURE_TYPE_I : AV_PICTURE_TYPE_NONE;
     frame.color_range = AVCOL_RANGE_MPEG;
     frame.colorspace = AVCOL_SPC_BT709;
     // Without a buffer of its own the library would copy the picture.
@@ -70,5 +52,5 @@ Result<std::vector<Av::Packet>> VideoEncoder::encode(Picture& picture, std::int6
     frame.data[2] = picture.colourRow(Picture::Colour::Red, 0);
     frame.linesize[0] = static_cast<int>(picture.lumaStride());
     frame.linesize[1] = frame.linesize[2] = static_cast<int>(picture.colourStride());
-    return send(&frame);
+    return encodeFrame(frame, ticks, isKey);
 }

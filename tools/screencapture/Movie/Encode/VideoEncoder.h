@@ -1,16 +1,14 @@
 #pragma once
 
-#include "Media/Av/Encoder.h"
+#include "Media/Av/H264Encoder.h"
 #include "Movie/Core/Picture.h"
 
 #include <cstdint>
 
 /// H.264 without frames that refer to later ones, so that each packet can be written at once and
 /// any range of them be copied.
-class VideoEncoder : public Encoder {
+class VideoEncoder : public H264Encoder {
 public:
-    static constexpr int ticksASecond = 90000;
-
     static Result<VideoEncoder> create(int width, int height);
 
     /// `ticks` must be larger than the last picture's. The picture is not needed afterwards.
