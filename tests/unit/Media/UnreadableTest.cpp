@@ -4,6 +4,7 @@
 
 #include "support/TemporaryFolder.h"
 #include "unit/Media/FilmedSegment.h"
+#include "unit/Media/Videos.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -107,6 +108,17 @@ TEST_F(Unreadable, IsNotTheEndOfASegmentThatIsJoined)
 TEST_F(Unreadable, IsNotTheEndOfASegmentThatIsCopied)
 {
     setBad("a.mov", m_size / 2);
+    expectUnreadable(MovieExport::remux(path("a.mov"), path("film.mp4")), MovieExport::End::failed,
+                     "a.mov");
+}
+
+TEST_F(Unreadable, IsNotTheEndOfSoundThatBecomesAac)
+{
+    Videos::make({"-f", "lavfi", "-i", "color=gray:s=32x32:d=0.1", "-f", "lavfi", "-i", "sine=d=3",
+                  "-c:a", "pcm_s16le", m_folder / "a.mov"});
+    // Who reads the pictures does not get as far as that.
+    const auto size = static_cast<off_t>(std::filesystem::file_size(m_folder / "a.mov"));
+    setBad("a.mov", size / 2);
     expectUnreadable(MovieExport::remux(path("a.mov"), path("film.mp4")), MovieExport::End::failed,
                      "a.mov");
 }

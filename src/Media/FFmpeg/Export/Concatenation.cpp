@@ -67,14 +67,7 @@ PossibleFailure Concatenation::run(const std::vector<std::string>& paths)
         if (PossibleFailure failure = (this->*step)())
             return failure;
     }
-    if (PossibleFailure failure = m_movie->finish())
-        return failure;
-    if (m_patience.isOver())
-        return ExportPatience::cancelled();
-    // A disk that cannot be read is not a segment's end.
-    if (PossibleFailure failure = m_patience.unreadable())
-        return failure;
-    return m_output->publish();
+    return m_movie->publish(m_patience);
 }
 
 PossibleFailure Concatenation::inspect(const std::vector<std::string>& paths)

@@ -1,6 +1,7 @@
 #include "Media/FFmpeg/Export/MovieWriter.h"
 
 #include "Media/Av/Text.h"
+#include "Media/FFmpeg/Export/ExportPatience.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -93,6 +94,18 @@ PossibleFailure MovieWriter::add(AVPacket& packet, const AVStream& track)
     if (error < 0)
         return failureOf(error);
     return m_writeFailure;
+}
+
+PossibleFailure MovieWriter::publish(const Patience& patience)
+{
+    if (PossibleFailure failure = finish())
+        return failure;
+    if (patience.isOver())
+        return ExportPatience::cancelled();
+    // A disk that cannot be read is not the end of a film.
+    if (PossibleFailure failure = patience.unreadable())
+        return failure;
+    return m_file.publish();
 }
 
 PossibleFailure MovieWriter::finish()

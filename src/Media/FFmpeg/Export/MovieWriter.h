@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Media/Av/Handles.h"
+#include "Media/FFmpeg/Patience.h"
 #include "Support/OutputFile.h"
 
 #include <optional>
@@ -9,7 +10,7 @@
 /// Writes packets into an MP4 file whose index comes first.
 class MovieWriter {
 public:
-    /// `file`, which outlives this, is not published.
+    /// `file` outlives this.
     static Result<std::unique_ptr<MovieWriter>> create(OutputFile& file);
     MovieWriter(const MovieWriter&) = delete;
     MovieWriter& operator=(const MovieWriter&) = delete;
@@ -28,7 +29,9 @@ public:
     /// A track's packets come in order; tracks may be some seconds apart. The packet is taken over.
     PossibleFailure add(AVPacket& packet, const AVStream& track);
 
-    PossibleFailure finish();
+    /// Finishes the movie and publishes its file, unless `patience` is over by then or something
+    /// could not be read.
+    PossibleFailure publish(const Patience& patience);
 
 private:
     /// A place in the file, for one of FFmpeg's streams of bytes.
@@ -46,6 +49,7 @@ private:
     {
     }
     PossibleFailure open();
+    PossibleFailure finish();
     Failure failureOf(int error) const;
 
     static int write(void* place, std::uint8_t* bytes, int size);

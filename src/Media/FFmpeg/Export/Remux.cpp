@@ -63,11 +63,7 @@ PossibleFailure Remux::run()
         if (PossibleFailure failure = (this->*step)())
             return failure;
     }
-    if (PossibleFailure failure = m_movie->finish())
-        return failure;
-    if (m_patience.isOver())
-        return ExportPatience::cancelled();
-    return m_output->publish();
+    return m_movie->publish(m_patience);
 }
 
 PossibleFailure Remux::open()
