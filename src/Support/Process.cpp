@@ -6,6 +6,8 @@
 
 #include <fcntl.h>
 
+using namespace std::chrono_literals;
+
 namespace {
 
 /// QProcess kills a child that is still running when it goes; so this one never goes. What the
@@ -42,7 +44,7 @@ Process::~Process()
 bool Process::waitForEnd()
 {
     return m_process->state() == QProcess::NotRunning ||
-           m_process->waitForFinished(static_cast<int>(m_grace.count()));
+           m_process->waitForFinished(static_cast<int>(std::exchange(m_grace, 0ms).count()));
 }
 
 PossibleFailure Process::start(const Command& command, std::function<void()> ended)

@@ -44,8 +44,8 @@ public:
     /// Sends the child SIGINT; does nothing once it has ended.
     void interrupt();
 
-    /// Waits until the child has ended, for as long as the command says. Whether it has. `ended`
-    /// may come later.
+    /// Waits until the child has ended, for as long as the command says; a second time it only
+    /// looks. Whether it has; `ended` may come later.
     bool waitForEnd();
 
     /// What the child has said on standard error, if that is kept; all of it once it has ended.
