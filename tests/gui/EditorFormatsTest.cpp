@@ -59,8 +59,9 @@ TEST_F(EditorPictures, ALargeOneIsDrawnOnAndExported)
 
 TEST_F(EditorPictures, OfFormatsThatComeByPluginsOpenToo)
 {
-    for (const std::string& bytes : {plainFile("webp:"), plainFile("tiff:"),
-                                     converted({"xc:#102030", "-endian", "MSB"}, "tiff:")})
+    for (const std::string& bytes :
+         {plainFile("webp:"), plainFile("tiff:"),
+          converted({"xc:#102030", "-define", "tiff:endian=msb"}, "tiff:")})
     {
         SCOPED_TRACE(bytes.substr(0, 4));
         writeFile(path(), bytes);
