@@ -165,7 +165,7 @@ TEST_F(SidecarWriting, AKillAtAnyMomentLosesNothingThatWasInTheFile)
     };
     std::mt19937 random(11);
     int newest = 0;
-    for (int round = 0; round < 60 && !HasFailure(); ++round) {
+    for (int round = 0; round < 30 && !HasFailure(); ++round) {
         const int first = newest + 1;
         const pid_t child = fork();
         ASSERT_GE(child, 0);
