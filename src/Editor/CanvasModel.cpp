@@ -71,6 +71,7 @@ CanvasModel::Press CanvasModel::mouseDown(Point p)
 {
     endPress();
     m_dragStart = p;
+    m_selectedBefore = m_selected;
     switch (m_tool) {
     case EditorTool::select:
         select(m_places.highestAt(p));
@@ -137,10 +138,12 @@ void CanvasModel::addCounter(Point p)
     Annotation counter = annotation(AnnotationKind::counter, p);
     counter.number = largest ? std::min(*largest, last - 1) + 1 : 1;
     append(counter);
+    m_pressMadeStep = true;
 }
 
 void CanvasModel::append(const Annotation& annotation)
 {
+    forgetPress();
     const qsizetype index = m_annotations.size();
     m_history.willReplace(m_annotations, index, 0, 1);
     m_annotations.append(annotation);
@@ -152,6 +155,7 @@ void CanvasModel::append(const Annotation& annotation)
 
 void CanvasModel::remove(qsizetype index, qsizetype count)
 {
+    forgetPress();
     m_history.willReplace(m_annotations, index, count, 0);
     redrawAnnotations(index, count);
     m_annotations.remove(index, count);
@@ -162,11 +166,13 @@ void CanvasModel::remove(qsizetype index, qsizetype count)
 void CanvasModel::mouseDragged(Point p)
 {
     if (m_tool == EditorTool::select) {
-        if (!m_selected || !m_dragStart)
+        if (!m_selected || !m_dragStart || p == *m_dragStart)
             return;
         // The whole drag is one step to undo.
-        if (!std::exchange(m_didMoveSelection, true))
+        if (!std::exchange(m_didMoveSelection, true)) {
             m_history.willReplace(m_annotations, *m_selected, 1, 1);
+            m_pressMadeStep = true;
+        }
         const Geometry::Rect before = m_places[*m_selected].painted;
         redrawSelection();
         m_annotations[*m_selected].translate(p.x - m_dragStart->x, p.y - m_dragStart->y);
@@ -194,6 +200,7 @@ void CanvasModel::mouseUp()
         return;
     }
     m_dragStart.reset();
+    m_pressMadeStep = false;
     const auto draft = std::exchange(m_draft, std::nullopt);
     if (!draft)
         return;
@@ -207,9 +214,32 @@ void CanvasModel::endPress()
 {
     cancelDraft();
     m_dragStart.reset();
+    m_pressMadeStep = false;
     redrawSelection();
     if (std::exchange(m_didMoveSelection, false))
         changed();
+}
+
+void CanvasModel::cancelPress()
+{
+    if (!m_dragStart)
+        return;
+    m_dragStart.reset();
+    cancelDraft();
+    redrawSelection();
+    m_didMoveSelection = false;
+    const std::optional<qsizetype> before = m_selectedBefore;
+    if (m_pressMadeStep)
+        restored(m_history.forget(m_annotations));
+    if (m_tool == EditorTool::select)
+        select(before);
+}
+
+/// The annotations have become others: it cannot be taken back any more.
+void CanvasModel::forgetPress()
+{
+    m_pressMadeStep = false;
+    m_selectedBefore.reset();
 }
 
 void CanvasModel::cancelDraft()
@@ -269,6 +299,7 @@ void CanvasModel::restored(const std::optional<UndoHistory::Replacement>& change
 {
     if (!change)
         return;
+    forgetPress();
     redrawAnnotations(change->index, change->count);
     m_places.replaced(m_annotations, change->index, change->count, change->newCount);
     redrawAnnotations(change->index, change->newCount);

@@ -74,8 +74,8 @@ public:
     Press mouseDown(Geometry::Point p);
     void mouseDragged(Geometry::Point p);
     void mouseUp();
-    /// The drag that is under way makes no annotation.
-    void cancelDraft();
+    /// The press that is under way was not meant: everything is as it was before it.
+    void cancelPress();
 
     /// Adds a label of the trimmed text; none when nothing is left of it.
     void commitText(const QString& typed, Geometry::Point origin);
@@ -89,6 +89,8 @@ public:
 
 private:
     void endPress();
+    void cancelDraft();
+    void forgetPress();
     Annotation annotation(AnnotationKind kind, Geometry::Point p) const;
     void select(std::optional<qsizetype> index);
     void redrawSelection() const;
@@ -112,4 +114,7 @@ private:
     /// The last point of the drag that is under way.
     std::optional<Geometry::Point> m_dragStart;
     bool m_didMoveSelection = false;
+    /// Whether the newest step to undo is of the press that is under way.
+    bool m_pressMadeStep = false;
+    std::optional<qsizetype> m_selectedBefore; ///< Before the press.
 };

@@ -13,6 +13,21 @@ namespace {
 /// painted.
 constexpr qsizetype fewAbove = 32;
 
+/// What an annotation moves through is prepared in squares of so many pixels: only there, and not
+/// at each step anew.
+constexpr int tile = 128;
+
+QRegion tilesOf(const QRegion& area)
+{
+    QRegion result;
+    for (const QRect& part : area) {
+        const QPoint first(part.left() / tile, part.top() / tile);
+        const QPoint last(part.right() / tile, part.bottom() / tile);
+        result += QRect(first * tile, (last + QPoint(1, 1)) * tile - QPoint(1, 1));
+    }
+    return result;
+}
+
 /// Applies what turned black and white into `onBlack` and `onWhite` to what is between them.
 void applyAbove(QImage& image, const QImage& onBlack, const QImage& onWhite)
 {
@@ -163,8 +178,9 @@ QImage CanvasPicture::withDraft(const QRect& area) const
     return result;
 }
 
-void CanvasPicture::prepareMove(const QRect& seen)
+void CanvasPicture::prepareMove(const QRegion& moving, const QRect& seen)
 {
+    const QRegion tiles = tilesOf(moving) & seen;
     const qsizetype index = m_move->index;
     const qsizetype end = m_model.annotations().size();
     const auto fill = [&](const QColor& color) {
@@ -174,16 +190,16 @@ void CanvasPicture::prepareMove(const QRect& seen)
         };
     };
     m_move->below.show(seen, canvas());
-    m_move->below.complete(seen, [&](QPainter& painter, const QRect& area) {
+    m_move->below.complete(tiles, [&](QPainter& painter, const QRect& area) {
         paintBase(painter, area);
         drawAnnotations(painter, area, 0, index);
     });
     if (index + 1 == end)
         return;
     m_move->onBlack.show(seen, canvas());
-    m_move->onBlack.complete(seen, fill(Qt::black));
+    m_move->onBlack.complete(tiles, fill(Qt::black));
     m_move->onWhite.show(seen, canvas());
-    m_move->onWhite.complete(seen, fill(Qt::white));
+    m_move->onWhite.complete(tiles, fill(Qt::white));
 }
 
 QImage CanvasPicture::withMoving(const QRect& area) const
@@ -209,8 +225,8 @@ void CanvasPicture::paint(QPainter& painter, const QRegion& area, const QRect& s
     // What an annotation moves through is only nearly right, so no more of that is shown than must
     // be.
     if (m_move) {
-        prepareMove(seen);
         const QRegion moving = still & pixels(m_move->place);
+        prepareMove(moving, seen);
         for (const QRect& part : moving)
             painter.drawImage(part.topLeft(), withMoving(part));
         still -= moving;

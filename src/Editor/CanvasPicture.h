@@ -43,7 +43,7 @@ private:
     void draw(QPainter& painter, const Annotation& annotation) const;
     void completeStill(const QRegion& area, const QRect& seen);
     QImage withDraft(const QRect& area) const;
-    void prepareMove(const QRect& seen);
+    void prepareMove(const QRegion& moving, const QRect& seen);
     QImage withMoving(const QRect& area) const;
 
     const BaseImage& m_image;

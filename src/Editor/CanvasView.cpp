@@ -141,6 +141,7 @@ void CanvasView::mousePressEvent(QMouseEvent* event)
         event->ignore(); // the middle one moves the picture
         return;
     }
+    m_pressBeganTyping = false;
     setFocus(Qt::MouseFocusReason);
     commitActiveTextField();
     const Point p = pointFrom(*event);
@@ -149,8 +150,16 @@ void CanvasView::mousePressEvent(QMouseEvent* event)
         return;
     case CanvasModel::Press::beginsText:
         beginTextEntry(p);
+        m_pressBeganTyping = true;
         return;
     }
+}
+
+void CanvasView::cancelPress()
+{
+    m_model.cancelPress();
+    if (std::exchange(m_pressBeganTyping, false))
+        commitActiveTextField(); // nothing has been typed
 }
 
 void CanvasView::mouseMoveEvent(QMouseEvent* event)
@@ -163,10 +172,12 @@ void CanvasView::mouseMoveEvent(QMouseEvent* event)
 
 void CanvasView::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton)
-        m_model.mouseUp();
-    else
+    if (event->button() != Qt::LeftButton) {
         event->ignore();
+        return;
+    }
+    m_pressBeganTyping = false;
+    m_model.mouseUp();
 }
 
 void CanvasView::keyPressEvent(QKeyEvent* event)

@@ -36,6 +36,8 @@ public:
     void styleChanged();
 
     bool isTyping() const { return m_activeTextField != nullptr; }
+    /// What the press under way has done was not meant.
+    void cancelPress();
     /// Ends typing: what was typed becomes a label.
     void commitActiveTextField();
 
@@ -62,6 +64,7 @@ private:
     CanvasPicture m_picture;
     double m_zoom = 1;
     bool m_isPanning = false;
+    bool m_pressBeganTyping = false;         ///< The press that is under way.
     LabelField* m_activeTextField = nullptr; // a child
     Geometry::Point m_editingTextOrigin;
 };

@@ -177,33 +177,39 @@ void EditorWindowController::connectToolbar()
 void EditorWindowController::addShortcuts()
 {
     CanvasModel& model = m_canvas->model();
-    struct Command {
-        QKeyCombination keys;
-        bool repeats; // while the keys are held
-        std::function<void()> action;
-    };
-    const Command commands[] = {
-        {Qt::CTRL | Qt::Key_Z, true, [&model] { model.undo(); }},
-        {Qt::CTRL | Qt::SHIFT | Qt::Key_Z, true, [&model] { model.redo(); }},
-        {Qt::CTRL | Qt::Key_C, false, [this] { copyFlattened(); }},
-        {Qt::CTRL | Qt::SHIFT | Qt::Key_C, false, [this] { copyFlattened(); }},
-        {Qt::CTRL | Qt::Key_S, false, [this] { exportFlattened(); }},
-        {Qt::CTRL | Qt::SHIFT | Qt::Key_S, false, [this] { exportFlattened(); }},
-        {Qt::CTRL | Qt::Key_W, false, [this] { m_window->close(); }},
-        {Qt::CTRL | Qt::SHIFT | Qt::Key_W, false, [this] { m_window->close(); }},
-        {Qt::CTRL | Qt::Key_Plus, true, [this] { m_zoomView->zoomIn(); }},
-        {Qt::CTRL | Qt::Key_Equal, true, [this] { m_zoomView->zoomIn(); }},
-        {Qt::CTRL | Qt::Key_Minus, true, [this] { m_zoomView->zoomOut(); }},
-        {Qt::CTRL | Qt::Key_0, false, [this] { m_zoomView->setMagnification(1); }},
-    };
-    for (const auto& [keys, repeats, action] : commands) {
+    using Action = std::function<void()>;
+    const auto add = [this](QKeyCombination keys, bool repeats, const Action& action) {
         auto* shortcut = new QShortcut(QKeySequence(keys), m_window.get());
-        shortcut->setAutoRepeat(repeats);
+        shortcut->setAutoRepeat(repeats); // while the keys are held
         connect(shortcut, &QShortcut::activated, this, action);
         // While a label is typed these keys are its field's.
         connect(m_canvas, &CanvasView::typingChanged, shortcut,
                 [shortcut](bool isTyping) { shortcut->setEnabled(!isTyping); });
+    };
+    const Action undo = [&model] { model.undo(); };
+    const Action redo = [&model] { model.redo(); };
+    const Action copy = [this] { copyFlattened(); };
+    const Action save = [this] { exportFlattened(); };
+    const Action close = [this] { m_window->close(); };
+    // Whatever else is held; Shift alone makes a difference, and to one of them.
+    for (const Qt::KeyboardModifiers others :
+         {Qt::KeyboardModifiers(Qt::NoModifier), Qt::KeyboardModifiers(Qt::AltModifier),
+          Qt::KeyboardModifiers(Qt::MetaModifier), Qt::AltModifier | Qt::MetaModifier})
+    {
+        for (const bool isShifted : {false, true}) {
+            const Qt::KeyboardModifiers modifiers =
+                others | Qt::ControlModifier |
+                (isShifted ? Qt::KeyboardModifiers(Qt::ShiftModifier) : Qt::NoModifier);
+            add(modifiers | Qt::Key_Z, true, isShifted ? redo : undo);
+            add(modifiers | Qt::Key_C, false, copy);
+            add(modifiers | Qt::Key_S, false, save);
+            add(modifiers | Qt::Key_W, false, close);
+        }
     }
+    add(Qt::CTRL | Qt::Key_Plus, true, [this] { m_zoomView->zoomIn(); });
+    add(Qt::CTRL | Qt::Key_Equal, true, [this] { m_zoomView->zoomIn(); });
+    add(Qt::CTRL | Qt::Key_Minus, true, [this] { m_zoomView->zoomOut(); });
+    add(Qt::CTRL | Qt::Key_0, false, [this] { m_zoomView->setMagnification(1); });
 }
 
 void EditorWindowController::makeKeyAndOrderFront()

@@ -1,14 +1,25 @@
 #include "Editor/Sidecar.h"
 
+#include "Support/MappedFile.h"
 #include "Support/ReadFile.h"
 #include "Support/ReplaceFile.h"
 
 #include <QFile>
 
+#include <utility>
+
 namespace {
 
-/// In bytes: a million and a half points of strokes.
-constexpr qint64 largestFile = qint64{64} << 20;
+/// In bytes: 25 million points of strokes, more than can be drawn in a day.
+constexpr qint64 largestFile = qint64{1} << 30;
+/// Longer ones, which are hardly ever ours, are read no further than they make sense.
+constexpr qint64 longFile = qint64{8} << 20;
+
+QList<Annotation> annotationsIn(QByteArrayView json)
+{
+    Result<Sidecar> sidecar = Sidecar::decode(json);
+    return sidecar ? std::move(sidecar->annotations) : QList<Annotation>();
+}
 
 } // namespace
 
@@ -19,9 +30,12 @@ QString Sidecar::path(const QString& imagePath)
 
 QList<Annotation> Sidecar::load(const QString& imagePath)
 {
-    const Result<QByteArray> json = readFile(path(imagePath), largestFile);
-    const Result<Sidecar> sidecar = json ? decode(*json) : json.failure();
-    return sidecar ? sidecar->annotations : QList<Annotation>();
+    const QString file = path(imagePath);
+    if (const Result<QByteArray> json = readFile(file, longFile))
+        return annotationsIn(*json);
+    // Files of ours are replaced, never cut off.
+    const Result<MappedFile> json = MappedFile::open(file, largestFile);
+    return json ? annotationsIn(json->content()) : QList<Annotation>();
 }
 
 void Sidecar::save(const QList<Annotation>& annotations, const QString& imagePath)

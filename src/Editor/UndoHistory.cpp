@@ -7,7 +7,14 @@ void UndoHistory::willReplace(const QList<Annotation>& list, qsizetype index, qs
                               qsizetype newCount)
 {
     m_undo.push_back({index, newCount, list.mid(index, count)});
-    m_redo.clear();
+    m_redoBefore = std::exchange(m_redo, {});
+}
+
+std::optional<UndoHistory::Replacement> UndoHistory::forget(QList<Annotation>& list)
+{
+    const std::optional<Replacement> result = undo(list);
+    m_redo = std::exchange(m_redoBefore, {});
+    return result;
 }
 
 std::optional<UndoHistory::Replacement>

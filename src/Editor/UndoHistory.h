@@ -27,6 +27,11 @@ public:
     /// The other way round.
     std::optional<Replacement> redo(QList<Annotation>& list) { return swap(list, m_redo, m_undo); }
 
+    /// Undoes the newest step as if it had never been: what could be redone before it can be again,
+    /// and the step itself cannot. To be called before anything else happens after `willReplace`
+    /// and the replacement.
+    std::optional<Replacement> forget(QList<Annotation>& list);
+
     std::size_t undoCount() const { return m_undo.size(); }
     std::size_t redoCount() const { return m_redo.size(); }
 
@@ -41,6 +46,7 @@ private:
     static std::optional<Replacement> swap(QList<Annotation>& list, std::vector<Step>& from,
                                            std::vector<Step>& to);
 
-    std::vector<Step> m_undo; // the newest last
-    std::vector<Step> m_redo; // the same
+    std::vector<Step> m_undo;       // the newest last
+    std::vector<Step> m_redo;       // the same
+    std::vector<Step> m_redoBefore; ///< What could be redone before the newest step.
 };

@@ -129,8 +129,7 @@ void ZoomView::pinch(const QPinchGesture& pinch)
 {
     const QPointF fingers = viewport()->mapFromGlobal(pinch.centerPoint());
     if (pinch.state() == Qt::GestureStarted) {
-        // What the first finger began to draw was not meant.
-        m_canvas->model().cancelDraft();
+        m_canvas->cancelPress(); // the first finger's
         m_pinched = shownAt(fingers);
     }
     if (m_pinched)

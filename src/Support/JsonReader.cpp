@@ -28,7 +28,6 @@ std::optional<double> parsedDouble(std::string_view digits)
 
 JsonReader::JsonReader(QByteArrayView text)
     : m_text(text.data(), static_cast<std::size_t>(text.size()))
-    , m_hasFailed(!QUtf8StringView(text.data(), text.size()).isValidUtf8())
 {
     if (m_text.starts_with(byteOrderMark))
         m_at = byteOrderMark.size();
@@ -168,7 +167,13 @@ std::optional<QString> JsonReader::readString()
         while (m_at < m_text.size() && m_text[m_at] != '"' && m_text[m_at] != '\\' &&
                static_cast<unsigned char>(m_text[m_at]) >= ' ')
             ++m_at;
-        result += QString::fromUtf8(m_text.data() + start, static_cast<qsizetype>(m_at - start));
+        // Nothing but strings has other characters than ASCII.
+        const QUtf8StringView part(m_text.data() + start, static_cast<qsizetype>(m_at - start));
+        if (!part.isValidUtf8()) {
+            fail();
+            return {};
+        }
+        result += part.toString();
         const char next = m_at < m_text.size() ? m_text[m_at++] : '\0';
         if (next == '"')
             break;

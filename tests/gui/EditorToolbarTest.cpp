@@ -3,10 +3,13 @@
 #include "ChromeButton.h"
 #include "Editor/ColorSwatch.h"
 #include "Editor/SegmentedControl.h"
+#include "fakes/FakePlatform.h"
 
 #include <QLayout>
 
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 namespace {
 
@@ -25,6 +28,45 @@ QString nameOf(const QWidget& control)
 }
 
 } // namespace
+
+TEST(EditorToolbar, TheChosenColourHasAWiderBorderInTheAccentColour)
+{
+    FakePlatform::reset();
+    EditorToolbar bar;
+    bar.resize(940, 46);
+    ASSERT_TRUE(bar.layout()->activate());
+    bar.highlightColor(QStringLiteral("#FFFFFF"));
+    for (const auto& [hex, swatch] : bar.colorButtons()) {
+        const bool isChosen = hex == QStringLiteral("#FFFFFF");
+        for (const double ratio : {2.0, 8.0}) {
+            SCOPED_TRACE(testing::Message() << hex.toStdString() << " at " << ratio);
+            QImage image(swatch->size() * ratio, QImage::Format_RGB32);
+            image.setDevicePixelRatio(ratio);
+            image.fill(Qt::magenta);
+            swatch->render(&image, {}, {}, QWidget::RenderFlags());
+            // By the distance from the middle, in points; but for pixels on an edge.
+            const double width = isChosen ? 2.5 : 1.5;
+            const QColor border = isChosen ? QColor(0x0A, 0x84, 0xFF) : QColor(0x40, 0x41, 0x42);
+            int bordering = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    const double distance =
+                        std::hypot((x + 0.5) / ratio - 8, (y + 0.5) / ratio - 8);
+                    const double edge = 0.2 + 0.75 / ratio;
+                    if (std::abs(distance - 8) < edge || std::abs(distance - 8 + width) < edge)
+                        continue;
+                    const bool isBorder = distance < 8 && distance > 8 - width;
+                    bordering += isBorder ? 1 : 0;
+                    ASSERT_EQ(image.pixelColor(x, y), distance > 8 ? QColor(Qt::magenta)
+                                                      : isBorder   ? border
+                                                                   : QColor(hex))
+                        << x << ", " << y;
+                }
+            }
+            EXPECT_GT(bordering, 0);
+        }
+    }
+}
 
 TEST(EditorToolbar, HasEverythingInOrder)
 {

@@ -57,8 +57,9 @@ TEST(Gallery, DrawsTheAnnotationsAtAnyScale)
     }
     EXPECT_EQ(sheets[1].size(), sheets[0].size() * 2);
     // Every colour that marks come in is somewhere.
-    for (const QRgb color :
-         {0xFFFF3B30, 0xFFFF9500, 0xFFFFCC00, 0xFF34C759, 0xFF0A84FF, 0xFFBF5AF2}) {
+    for (const QRgb color : {0xFFFF3B30, 0xFFFF9500, 0xFFFFCC00, 0xFF34C759, 0xFF0A84FF, 0xFFBF5AF2,
+                             0xFF000000, 0xFFFFFFFF})
+    {
         int count = 0;
         for (int y = 0; y < sheets[0].height(); ++y) {
             for (int x = 0; x < sheets[0].width(); ++x)

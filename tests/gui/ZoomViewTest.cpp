@@ -130,6 +130,52 @@ TEST_F(ZoomViewTest, FingersOnATouchScreenZoomAndPanAndDrawNothing)
     EXPECT_TRUE(canvas->model().annotations().isEmpty());
 }
 
+TEST_F(ZoomViewTest, TheFirstOfTwoFingersDoesNothingWithAnyTool)
+{
+    view.setMagnification(1);
+    const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+    const auto at = [this](int x, int y) { return canvas->mapFrom(&view, QPoint(x, y)); };
+    CanvasModel& model = canvas->model();
+    const QPoint mark = at(150, 150);
+    model.setTool(EditorTool::counter);
+    QTest::mouseClick(canvas, Qt::LeftButton, {}, mark);
+    const QList<Annotation> before = model.annotations();
+    ASSERT_EQ(before.size(), 1);
+    for (const EditorTool tool : {EditorTool::select, EditorTool::counter, EditorTool::text}) {
+        SCOPED_TRACE(static_cast<int>(tool));
+        model.setTool(tool);
+        // Qt makes a mouse of a lone finger.
+        QTest::touchEvent(canvas, screen.get()).press(0, mark, canvas);
+        QTest::touchEvent(canvas, screen.get()).move(0, mark + QPoint(4, 4), canvas);
+        const bool isDone =
+            tool == EditorTool::text || model.selectedID() || model.annotations() != before;
+        EXPECT_TRUE(isDone);
+        EXPECT_EQ(canvas->isTyping(), tool == EditorTool::text);
+        const QPoint other = mark + QPoint(100, 0);
+        QTest::touchEvent(canvas, screen.get()).move(0, mark, canvas).press(1, other, canvas);
+        for (int step = 1; step <= 5; ++step) {
+            QTest::touchEvent(canvas, screen.get())
+                .move(0, mark - QPoint(5 * step, 0), canvas)
+                .move(1, other + QPoint(5 * step, 0), canvas);
+        }
+        EXPECT_GT(view.magnification(), 1);
+        QTest::touchEvent(canvas, screen.get()).release(1, other, canvas).move(0, mark, canvas);
+        QTest::touchEvent(canvas, screen.get()).release(0, mark, canvas);
+        EXPECT_TRUE(model.annotations() == before);
+        EXPECT_FALSE(model.selectedID());
+        EXPECT_FALSE(canvas->isTyping());
+        view.setMagnification(1);
+        view.horizontalScrollBar()->setValue(0);
+        view.verticalScrollBar()->setValue(0);
+        settle();
+    }
+    // A label that is being typed stays when fingers zoom that pressed nothing else.
+    model.setTool(EditorTool::text);
+    QTest::mouseClick(canvas, Qt::LeftButton, {}, mark);
+    canvas->cancelPress();
+    EXPECT_TRUE(canvas->isTyping());
+}
+
 TEST_F(ZoomViewTest, TheWheelWithControlZoomsAboutThePointer)
 {
     view.setMagnification(1);

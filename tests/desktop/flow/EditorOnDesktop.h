@@ -45,6 +45,8 @@ public:
     static const QList<Stroke>& strokes();
 
     std::uint32_t id() const { return m_id; }
+    /// The picture's file.
+    QString path() const { return m_path; }
     QString title() const;
 
     Desktop::Outcome<void> choose(Tool tool) const;

@@ -200,6 +200,65 @@ TEST_F(CanvasModelTest, APressWhoseReleaseNeverCameIsOver)
     EXPECT_EQ(model.annotations().front().start, (Point{120, 100}));
 }
 
+TEST_F(CanvasModelTest, APressThatWasNotMeantChangesNothing)
+{
+    drawWith(EditorTool::rect, {10, 10}, {100, 100});
+    drawWith(EditorTool::rect, {200, 10}, {290, 100});
+    drawWith(EditorTool::rect, {10, 200}, {100, 290});
+    model.undo(); // there is something to redo
+    const QList<Annotation> before = model.annotations();
+    const auto expectAsBefore = [&] {
+        EXPECT_FALSE(model.draft());
+        EXPECT_EQ(model.annotations(), before);
+        model.mouseDragged({150, 150}); // the finger is still down
+        model.mouseUp();
+        EXPECT_EQ(model.annotations(), before);
+        model.undo();
+        EXPECT_EQ(model.annotations(), before.mid(0, 1)) << "there was another step";
+        model.redo();
+        model.redo();
+        EXPECT_EQ(model.annotations().size(), 3) << "it cannot be redone any more";
+        model.undo();
+    };
+    for (const EditorTool tool : {EditorTool::arrow, EditorTool::freehand, EditorTool::counter}) {
+        model.setTool(tool);
+        model.mouseDown({50, 50});
+        model.mouseDragged({80, 90});
+        model.cancelPress();
+        expectAsBefore();
+    }
+    model.setTool(EditorTool::select);
+    model.mouseDown({250, 50});
+    model.mouseUp();
+    const auto selected = model.selectedID();
+    model.mouseDown({50, 50});
+    model.mouseDragged({80, 90});
+    model.mouseDragged({85, 95});
+    model.cancelPress();
+    EXPECT_EQ(model.selectedID(), selected);
+    EXPECT_FALSE(model.isMoving());
+    expectAsBefore();
+
+    // What keys did meanwhile stays, as does a press that is over.
+    model.mouseDown({50, 50});
+    model.mouseDragged({52, 52});
+    model.deleteSelection();
+    model.cancelPress();
+    EXPECT_EQ(model.annotations(), before.mid(1));
+    EXPECT_FALSE(model.selectedID());
+    model.mouseDown({250, 50});
+    model.mouseUp();
+    model.mouseDown({250, 50});
+    model.deleteSelection();
+    model.cancelPress();
+    EXPECT_TRUE(model.annotations().isEmpty());
+    EXPECT_FALSE(model.selectedID());
+    model.undo();
+    count({5, 5});
+    model.cancelPress();
+    EXPECT_EQ(model.annotations().size(), 2);
+}
+
 TEST_F(CanvasModelTest, TheTextToolAsksForALabel)
 {
     model.setTool(EditorTool::text);
@@ -271,6 +330,9 @@ TEST_F(CanvasModelTest, ASelectionThatIsOnlyClickedMakesNoStep)
     drawWith(EditorTool::arrow, {10, 10}, {100, 100});
     changes = 0;
     selectAt({50, 50});
+    model.mouseDown({50, 50});
+    model.mouseDragged({50, 50}); // told of, but without a way
+    model.mouseUp();
     EXPECT_EQ(changes, 0);
     model.undo();
     EXPECT_TRUE(model.annotations().isEmpty());
@@ -327,8 +389,17 @@ TEST_F(CanvasModelTest, ClearIsOneStepAndNoneWhenEmpty)
     const QList<Annotation> before = model.annotations();
     model.clear();
     EXPECT_TRUE(model.annotations().isEmpty());
+    const int changesBefore = changes;
+    model.clear();
+    EXPECT_EQ(changes, changesBefore);
     model.undo();
     EXPECT_EQ(model.annotations(), before);
+    model.undo();
+    model.undo();
+    model.clear();
+    model.redo();
+    model.redo();
+    EXPECT_EQ(model.annotations(), before) << "what was undone is forgotten";
 }
 
 TEST_F(CanvasModelTest, OutOfPlaceInputIsIgnored)

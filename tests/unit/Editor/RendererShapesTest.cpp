@@ -2,6 +2,8 @@
 
 #include "unit/Editor/Shapes.h"
 
+#include <QPainter>
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -14,6 +16,25 @@ using namespace Shapes;
 
 const QColor red(0xFF, 0x3B, 0x30);
 const Geometry::Size size{120, 80};
+
+struct ArrowParts {
+    Distance shaft;
+    Distance head;
+};
+
+/// Head length, half-width and where the shaft ends follow from the tip, the angle and the
+/// width.
+ArrowParts arrowParts(Point tail, Point tip, double width, double headLength)
+{
+    const double angle = std::atan2(tip.y - tail.y, tip.x - tail.x);
+    const Point along{std::cos(angle), std::sin(angle)};
+    const Point base{tip.x - headLength * along.x, tip.y - headLength * along.y};
+    const double half = 0.35 * headLength;
+    const Point shaftEnd{tip.x - 0.8 * headLength * along.x, tip.y - 0.8 * headLength * along.y};
+    return {capsule(tail, shaftEnd, width),
+            triangle(tip, {base.x - half * along.y, base.y + half * along.x},
+                     {base.x + half * along.y, base.y - half * along.x})};
+}
 
 class DrawnShape : public testing::TestWithParam<double> {
 protected:
@@ -35,19 +56,10 @@ protected:
         EXPECT_EQ(drawn({annotation}), drawn({}));
     }
 
-    /// Head length, half-width and where the shaft ends follow from the tip, the angle and the
-    /// width.
     static Distance arrowShape(Point tail, Point tip, double width, double headLength)
     {
-        const double angle = std::atan2(tip.y - tail.y, tip.x - tail.x);
-        const Point along{std::cos(angle), std::sin(angle)};
-        const Point base{tip.x - headLength * along.x, tip.y - headLength * along.y};
-        const double half = 0.35 * headLength;
-        const Point shaftEnd{tip.x - 0.8 * headLength * along.x,
-                             tip.y - 0.8 * headLength * along.y};
-        return united(capsule(tail, shaftEnd, width),
-                      triangle(tip, {base.x - half * along.y, base.y + half * along.x},
-                               {base.x + half * along.y, base.y - half * along.x}));
+        const ArrowParts parts = arrowParts(tail, tip, width, headLength);
+        return united(parts.shaft, parts.head);
     }
 };
 
@@ -83,6 +95,44 @@ TEST_P(DrawnShape, ArrowWithoutALengthPointsRight)
 {
     // The shaft runs back from the tip.
     expectDrawn(markOf(Kind::arrow, {60, 40}, {60, 40}, 6), arrowShape({60, 40}, {60, 40}, 6, 21));
+}
+
+TEST(DrawnArrow, TheShaftEndsInsideTheHeadShortOfTheTip)
+{
+    // Under a translucent painter it is seen where one lies over the other.
+    constexpr double density = 8;
+    const struct {
+        Point tail;
+        Point tip;
+        double width;
+        double headLength;
+    } arrows[] = {
+        {{10, 10}, {60, 12}, 2, 12}, {{60, 40}, {10, 25}, 6, 21}, {{5, 30}, {75, 9}, 12, 42}};
+    for (const auto& [tail, tip, width, headLength] : arrows) {
+        const BaseImage base = plainPicture({80, 50}, density, Qt::white);
+        QImage image = base.pixels;
+        QPainter painter(&image);
+        painter.scale(density, density);
+        painter.setOpacity(0.5);
+        AnnotationRenderer::draw(painter, Geometry::Flip({0, 0, 80, 50}),
+                                 markOf(Kind::arrow, tail, tip, width, "#000000"), base);
+        painter.end();
+        const auto [shaft, head] = arrowParts(tail, tip, width, headLength);
+        int twice = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const Point p{(x + 0.5) / density, (image.height() - y - 0.5) / density};
+                if (std::abs(shaft(p)) < 1 / density || std::abs(head(p)) < 1 / density)
+                    continue;
+                const bool isTwice = shaft(p) < 0 && head(p) < 0;
+                const double darkness = isTwice ? 0.75 : shaft(p) < 0 || head(p) < 0 ? 0.5 : 0;
+                ASSERT_NEAR(image.pixelColor(x, y).red(), 255 * (1 - darkness), 2)
+                    << width << " wide, at " << p.x << ", " << p.y;
+                twice += isTwice ? 1 : 0;
+            }
+        }
+        EXPECT_GT(twice, 100) << width;
+    }
 }
 
 TEST_P(DrawnShape, RectangleHasCornersOfTwoPointsAndIsNotFilled)

@@ -185,6 +185,22 @@ TEST_F(SidecarFile, NobodyTakesMemoryForALargeOne)
     EXPECT_LT(memory.growth(), 16 * mebibyte);
 }
 
+TEST_F(SidecarFile, ALongOneIsReadToItsEnd)
+{
+    const Result<QByteArray> json = Sidecar::encode({1, {arrow(), arrow()}});
+    ASSERT_TRUE(json);
+    const qsizetype between = json->indexOf("},{") + 2;
+    std::string content = json->toStdString();
+    for (const std::size_t length : {9U << 20, 130U << 20}) { // a million points make 44 MB
+        writeFile(file(), content.substr(0, static_cast<std::size_t>(between)) +
+                              std::string(length, ' ') +
+                              content.substr(static_cast<std::size_t>(between)));
+        EXPECT_EQ(Sidecar::load(image()).size(), 2);
+    }
+    ASSERT_EQ(truncate(file().c_str(), 130 << 20), 0); // its end is missing
+    EXPECT_TRUE(Sidecar::load(image()).isEmpty());
+}
+
 TEST_F(SidecarFile, DeepOnesDoNotExhaustTheStack)
 {
     const std::string deep(10'000'000, '[');

@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
+#include <random>
 #include <semaphore>
 #include <vector>
 
@@ -153,6 +155,47 @@ TEST_F(SidecarWriting, AProgramThatIsKilledLeavesTheOldFile)
     writer.save(listOf(3));
     writer.finish();
     EXPECT_EQ(numberOf(Sidecar::load(image())), 3);
+}
+
+TEST_F(SidecarWriting, AKillAtAnyMomentLosesNothingThatWasInTheFile)
+{
+    constexpr qsizetype points = 3'000;
+    constexpr auto isWhole = [](const QList<Annotation>& list) {
+        return list.size() == 1 && list.first().path->size() == points;
+    };
+    std::mt19937 random(11);
+    int newest = 0;
+    for (int round = 0; round < 30 && !HasFailure(); ++round) {
+        const int first = newest + 1;
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) { // changes as they come, until it is killed
+            alarm(20);    // or has been forgotten
+            SidecarWriter writer(image());
+            for (int number = first;; ++number) {
+                writer.save(listOf(number, points));
+                usleep(500);
+            }
+        }
+        // Some of its changes are seen in the file, and some time after that it dies.
+        const int awaited = first + static_cast<int>(random() % 3);
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (newest < awaited && !HasFailure()) {
+            const QList<Annotation> found = Sidecar::load(image());
+            EXPECT_TRUE(isWhole(found) || newest == 0) << "round " << round;
+            EXPECT_LT(std::chrono::steady_clock::now(), deadline) << "it writes nothing";
+            newest = std::max(newest, numberOf(found));
+        }
+        usleep(static_cast<useconds_t>(random() % 4'000));
+        EXPECT_EQ(kill(child, SIGKILL), 0);
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << "status " << status;
+        const QList<Annotation> left = Sidecar::load(image());
+        EXPECT_TRUE(isWhole(left)) << "round " << round;
+        EXPECT_GE(numberOf(left), newest) << "round " << round;
+        newest = numberOf(left);
+    }
 }
 
 TEST_F(SidecarWriting, TwoPicturesDoNotMix)
