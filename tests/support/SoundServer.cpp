@@ -85,6 +85,11 @@ SoundServer::Player::~Player()
     pa_simple_free(m_stream->handle);
 }
 
+double SoundServer::Player::delay() const
+{
+    return static_cast<double>(pa_simple_get_latency(m_stream->handle, nullptr)) / 1e6;
+}
+
 void SoundServer::Player::play(double seconds, float loudness)
 {
     for (auto left = static_cast<long>(seconds * rate); left > 0; left -= blockFrames) {

@@ -33,6 +33,9 @@ public:
         void playSilence(double seconds) { play(seconds, 0); }
         void playTone(double seconds) { play(seconds, 0.4F); }
 
+        /// In how many seconds what is handed over next will be heard.
+        double delay() const;
+
     private:
         void play(double seconds, float loudness);
 
