@@ -145,12 +145,12 @@ Outcome<QList<NumberedFrame>> readNumbers(const QString& film)
     constexpr int bits = NumberedWindow::bits;
     constexpr int rows = NumberedWindow::rows;
     const auto environment = QProcessEnvironment::systemEnvironment();
-    const auto times =
-        run(QStringLiteral("ffprobe"),
-            {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
-             QStringLiteral("v"), QStringLiteral("-show_entries"), QStringLiteral("packet=pts_time"),
-             QStringLiteral("-of"), QStringLiteral("csv=p=0"), film},
-            environment);
+    const auto times = run(QStringLiteral("ffprobe"),
+                           {QStringLiteral("-v"), QStringLiteral("error"),
+                            QStringLiteral("-select_streams"), QStringLiteral("v"),
+                            QStringLiteral("-show_entries"), QStringLiteral("packet=pts_time"),
+                            QStringLiteral("-of"), QStringLiteral("csv=p=0"), film},
+                           environment);
     if (!times)
         return times.failure();
     const QList<QByteArray> lines = times->trimmed().split('\n');

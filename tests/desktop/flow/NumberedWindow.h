@@ -36,7 +36,8 @@ public:
     };
 
     /// `place` is in pixels of the desktop. Shows the number 0.
-    static Outcome<std::unique_ptr<NumberedWindow>> show(const VirtualDesktop& desktop, QRect place);
+    static Outcome<std::unique_ptr<NumberedWindow>> show(const VirtualDesktop& desktop,
+                                                         QRect place);
     ~NumberedWindow();
     NumberedWindow(const NumberedWindow&) = delete;
     NumberedWindow& operator=(const NumberedWindow&) = delete;

@@ -44,8 +44,8 @@ void RecordingFlow::awaitFilming(int count)
     auto shown = RecordingControls::await(*desktop, *tamrik);
     ASSERT_TRUE(succeeded(shown));
     controls = *shown;
-    ASSERT_TRUE(succeeded(
-        waitUntil(QStringLiteral("a film"), [&] { return segments().size() == count; })));
+    ASSERT_TRUE(
+        succeeded(waitUntil(QStringLiteral("a film"), [&] { return segments().size() == count; })));
 }
 
 QStringList RecordingFlow::segments() const
@@ -66,6 +66,12 @@ QList<pid_t> RecordingFlow::tools() const
 Outcome<void> RecordingFlow::awaitNoTool() const
 {
     return waitUntil(QStringLiteral("the capture tool's end"), [&] { return tools().isEmpty(); });
+}
+
+void RecordingFlow::clickAgain() const
+{
+    ASSERT_TRUE(succeeded(input().press()));
+    ASSERT_TRUE(succeeded(input().release()));
 }
 
 Outcome<QString> RecordingFlow::awaitFilm() const

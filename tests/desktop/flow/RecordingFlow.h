@@ -22,6 +22,9 @@ protected:
     QList<pid_t> tools() const;
     Desktop::Outcome<void> awaitNoTool() const;
 
+    /// Clicks where the mouse is.
+    void clickAgain() const;
+
     /// The one film that there is, once it has its chip.
     Desktop::Outcome<QString> awaitFilm() const;
 

@@ -37,9 +37,9 @@ Outcome<QImage> firstAfter(const QString& filter, const QString& path)
     const auto output =
         run(QStringLiteral("ffmpeg"),
             {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), path,
-             QStringLiteral("-vf"), filter + colours, QStringLiteral("-frames:v"), QStringLiteral("1"),
-             QStringLiteral("-f"), QStringLiteral("image2pipe"), QStringLiteral("-c:v"),
-             QStringLiteral("png"), QStringLiteral("-")},
+             QStringLiteral("-vf"), filter + colours, QStringLiteral("-frames:v"),
+             QStringLiteral("1"), QStringLiteral("-f"), QStringLiteral("image2pipe"),
+             QStringLiteral("-c:v"), QStringLiteral("png"), QStringLiteral("-")},
             QProcessEnvironment::systemEnvironment());
     if (!output)
         return output.failure();
@@ -71,6 +71,11 @@ Outcome<void> RecordingControls::awaitNone(const VirtualDesktop& desktop, const 
 {
     return Windows(desktop).awaitNone(QStringLiteral("the recording's controls"),
                                       controlsOf(tamrik));
+}
+
+bool RecordingControls::isShown(const VirtualDesktop& desktop, const Tamrik& tamrik)
+{
+    return !Windows(desktop).where(controlsOf(tamrik)).isEmpty();
 }
 
 int RecordingControls::pixels(double points) const
