@@ -17,6 +17,7 @@ class Film:
 
     def __init__(self, file, cost, end):
         self.file, self.cost, self.end = file, cost, end
+        self.duration = None  # whoever reads the file says
 
 
 def by_signal(desktop, command, file, seconds):
