@@ -5,13 +5,16 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
-/// A PulseAudio of its own whose microphone hears what is played on it; up when the constructor
+/// A sound server of its own whose microphone hears what is played on it; up when the constructor
 /// returns and gone with the object. No device of this machine, no server of this user is touched.
 class SoundServer {
 public:
+    enum class Kind { PulseAudio, PipeWire };
+
     /// Throws std::runtime_error when the server does not come up.
-    SoundServer();
+    explicit SoundServer(Kind kind = Kind::PulseAudio);
     ~SoundServer();
 
     /// What PULSE_SERVER has to be.
@@ -44,6 +47,12 @@ public:
     };
 
 private:
+    void startPulseAudio();
+    void startPipeWire();
+    void run(const std::vector<std::string>& words);
+    std::string socket() const;
+
+    Kind m_kind;
     TemporaryFolder m_folder;
-    std::unique_ptr<ChildProcess> m_process;
+    std::vector<std::unique_ptr<ChildProcess>> m_processes; // the first was started first
 };
