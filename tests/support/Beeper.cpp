@@ -4,13 +4,14 @@
 
 namespace {
 
+constexpr double ahead = 0.08; // a tone's delay too
 constexpr double toneSeconds = 0.05;
 constexpr double silenceSeconds = 0.01; // at a time
 
 } // namespace
 
 Beeper::Beeper(const SoundServer& server)
-    : m_player(server)
+    : m_player(server, ahead)
     , m_thread([this] { run(); })
 {
 }

@@ -120,11 +120,12 @@ struct SoundServer::Player::Stream {
     std::size_t played = 0; // frames of the tone
 };
 
-SoundServer::Player::Player(const SoundServer& server)
+SoundServer::Player::Player(const SoundServer& server, double ahead)
 {
     const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, rate, 1};
-    // Two blocks on their way at most, so that what is handed over is heard soon.
-    const pa_buffer_attr sizes{static_cast<std::uint32_t>(-1), 2 * blockFrames * sizeof(float),
+    const pa_buffer_attr sizes{static_cast<std::uint32_t>(-1),
+                               static_cast<std::uint32_t>(std::lround(ahead * rate)) *
+                                   std::uint32_t{sizeof(float)},
                                static_cast<std::uint32_t>(-1), blockFrames * sizeof(float),
                                static_cast<std::uint32_t>(-1)};
     pa_simple* const handle = pa_simple_new(server.address().c_str(), "test", PA_STREAM_PLAYBACK,

@@ -28,7 +28,8 @@ public:
     /// Plays silence for some seconds, or a tone, and returns when that has been handed over.
     class Player {
     public:
-        explicit Player(const SoundServer& server);
+        /// Hands over so many seconds ahead of time: as long as that the machine may be busy.
+        explicit Player(const SoundServer& server, double ahead = 0.02);
         ~Player();
         Player(const Player&) = delete;
         Player& operator=(const Player&) = delete;
