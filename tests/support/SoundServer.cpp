@@ -5,6 +5,7 @@
 #include <cmath>
 #include <csignal>
 #include <filesystem>
+#include <functional>
 #include <numbers>
 #include <stdexcept>
 #include <thread>
@@ -17,48 +18,101 @@ constexpr int rate = 48000;
 constexpr std::size_t blockFrames = rate / 100;
 constexpr double frequency = 1000;
 
-} // namespace
-
-SoundServer::SoundServer()
+void await(const std::string& what, const std::function<bool()>& isThere)
 {
-    start();
-}
-
-void SoundServer::start()
-{
-    const std::string socket = m_folder / "socket";
-    std::filesystem::remove(socket);
-    m_process = std::make_unique<ChildProcess>(Command{
-        {"pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
-         "module-null-sink", "-L", "module-native-protocol-unix auth-anonymous=1 socket=" + socket},
-        {{"HOME", m_folder.path().string()},
-         {"XDG_RUNTIME_DIR", m_folder.path().string()},
-         {"DBUS_SESSION_BUS_ADDRESS", "disabled:"},
-         {"PULSE_SERVER", std::nullopt}}});
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!std::filesystem::exists(socket)) {
+    while (!isThere()) {
         if (std::chrono::steady_clock::now() > deadline)
-            throw std::runtime_error("pulseaudio did not start");
+            throw std::runtime_error(what + " did not start");
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
 }
 
+} // namespace
+
+SoundServer::SoundServer(Kind kind)
+    : m_kind(kind)
+{
+    start();
+}
+
 SoundServer::~SoundServer()
 {
-    if (m_process)
-        kill();
+    kill();
+}
+
+std::string SoundServer::socket() const
+{
+    switch (m_kind) {
+    case Kind::PulseAudio:
+        return m_folder / "socket";
+    case Kind::PipeWire:
+        return m_folder / "pulse/native";
+    }
+    return {};
 }
 
 std::string SoundServer::address() const
 {
-    return "unix:" + (m_folder / "socket");
+    return "unix:" + socket();
+}
+
+void SoundServer::start()
+{
+    std::filesystem::remove(socket());
+    switch (m_kind) {
+    case Kind::PulseAudio:
+        startPulseAudio();
+        return;
+    case Kind::PipeWire:
+        startPipeWire();
+        return;
+    }
+}
+
+void SoundServer::run(const std::vector<std::string>& words)
+{
+    m_processes.push_back(std::make_unique<ChildProcess>(
+        Command{words,
+                {{"HOME", m_folder.path().string()},
+                 {"XDG_RUNTIME_DIR", m_folder.path().string()},
+                 {"DBUS_SESSION_BUS_ADDRESS",
+                  m_kind == Kind::PipeWire ? "unix:path=" + (m_folder / "bus") : "disabled:"},
+                 {"PULSE_SERVER", std::nullopt}}}));
+}
+
+void SoundServer::startPulseAudio()
+{
+    run({"pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
+         "module-null-sink", "-L",
+         "module-native-protocol-unix auth-anonymous=1 socket=" + socket()});
+    await("pulseaudio", [this] { return std::filesystem::exists(socket()); });
+}
+
+void SoundServer::startPipeWire()
+{
+    run({"dbus-daemon", "--session", "--nofork", "--address=unix:path=" + (m_folder / "bus")});
+    await("dbus-daemon", [this] { return std::filesystem::exists(m_folder / "bus"); });
+    run({"pipewire"});
+    await("pipewire", [this] { return std::filesystem::exists(m_folder / "pipewire-0"); });
+    run({"wireplumber"}); // connects programs and devices
+    run({"pipewire-pulse"});
+    await("pipewire-pulse", [this] { return std::filesystem::exists(socket()); });
+    const auto ask = [this](const std::string& words) {
+        return ::run(Command{{"sh", "-c", "exec pactl " + words}, {{"PULSE_SERVER", address()}}});
+    };
+    ask("load-module module-null-sink media.class=Audio/Sink sink_name=null");
+    await("a microphone of PipeWire's",
+          [&] { return ask("get-default-source").output == "null.monitor\n"; });
 }
 
 void SoundServer::kill()
 {
-    m_process->send(SIGKILL);
-    m_process->wait();
-    m_process.reset();
+    for (auto process = m_processes.rbegin(); process != m_processes.rend(); ++process) {
+        (*process)->send(SIGKILL);
+        (*process)->wait();
+    }
+    m_processes.clear();
 }
 
 struct SoundServer::Player::Stream {
@@ -66,11 +120,12 @@ struct SoundServer::Player::Stream {
     std::size_t played = 0; // frames of the tone
 };
 
-SoundServer::Player::Player(const SoundServer& server)
+SoundServer::Player::Player(const SoundServer& server, double ahead)
 {
     const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, rate, 1};
-    // Two blocks on their way at most, so that what is handed over is heard soon.
-    const pa_buffer_attr sizes{static_cast<std::uint32_t>(-1), 2 * blockFrames * sizeof(float),
+    const pa_buffer_attr sizes{static_cast<std::uint32_t>(-1),
+                               static_cast<std::uint32_t>(std::lround(ahead * rate)) *
+                                   std::uint32_t{sizeof(float)},
                                static_cast<std::uint32_t>(-1), blockFrames * sizeof(float),
                                static_cast<std::uint32_t>(-1)};
     pa_simple* const handle = pa_simple_new(server.address().c_str(), "test", PA_STREAM_PLAYBACK,
@@ -83,6 +138,11 @@ SoundServer::Player::Player(const SoundServer& server)
 SoundServer::Player::~Player()
 {
     pa_simple_free(m_stream->handle);
+}
+
+double SoundServer::Player::delay() const
+{
+    return static_cast<double>(pa_simple_get_latency(m_stream->handle, nullptr)) / 1e6;
 }
 
 void SoundServer::Player::play(double seconds, float loudness)

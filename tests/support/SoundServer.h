@@ -5,13 +5,16 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
-/// A PulseAudio of its own whose microphone hears what is played on it; up when the constructor
+/// A sound server of its own whose microphone hears what is played on it; up when the constructor
 /// returns and gone with the object. No device of this machine, no server of this user is touched.
 class SoundServer {
 public:
+    enum class Kind { PulseAudio, PipeWire };
+
     /// Throws std::runtime_error when the server does not come up.
-    SoundServer();
+    explicit SoundServer(Kind kind = Kind::PulseAudio);
     ~SoundServer();
 
     /// What PULSE_SERVER has to be.
@@ -25,13 +28,17 @@ public:
     /// Plays silence for some seconds, or a tone, and returns when that has been handed over.
     class Player {
     public:
-        explicit Player(const SoundServer& server);
+        /// Hands over so many seconds ahead of time: as long as that the machine may be busy.
+        explicit Player(const SoundServer& server, double ahead = 0.02);
         ~Player();
         Player(const Player&) = delete;
         Player& operator=(const Player&) = delete;
 
         void playSilence(double seconds) { play(seconds, 0); }
         void playTone(double seconds) { play(seconds, 0.4F); }
+
+        /// In how many seconds what is handed over next will be heard.
+        double delay() const;
 
     private:
         void play(double seconds, float loudness);
@@ -41,6 +48,12 @@ public:
     };
 
 private:
+    void startPulseAudio();
+    void startPipeWire();
+    void run(const std::vector<std::string>& words);
+    std::string socket() const;
+
+    Kind m_kind;
     TemporaryFolder m_folder;
-    std::unique_ptr<ChildProcess> m_process;
+    std::vector<std::unique_ptr<ChildProcess>> m_processes; // the first was started first
 };

@@ -1,6 +1,7 @@
 #include "desktop/flow/RecordingHands.h"
 #include "desktop/harness/App.h"
 #include "desktop/harness/Input.h"
+#include "tour/ChipText.h"
 #include "tour/Legs.h"
 
 #include <algorithm>
@@ -94,12 +95,14 @@ void Legs::recording(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
                       return std::none_of(before.begin(), before.end(),
                                           [&](const Window& old) { return old.id == window.id; });
                   };
-                  const auto chip = waitUntil(QStringLiteral("a new chip"), [&] {
+                  const auto chip = waitFor(QStringLiteral("a new chip"), [&]() -> Outcome<Window> {
                       const auto now = tamrik.chips();
-                      return std::any_of(now.begin(), now.end(), isNew);
+                      const auto found = std::find_if(now.begin(), now.end(), isNew);
+                      return found == now.end() ? Outcome<Window>(Failure{})
+                                                : Outcome<Window>(*found);
                   });
                   if (!chip)
-                      return chip;
+                      return chip.failure();
                   if (films().size() != 1)
                       return Failure{QStringLiteral("there are %1 films").arg(films().size())};
                   const auto film = Film::read(films().front());
@@ -110,6 +113,13 @@ void Legs::recording(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
                                          .arg(film->size.width())
                                          .arg(film->size.height())
                                          .arg(film->seconds)};
+                  const auto told = awaitDurationOn(desktop, *chip);
+                  if (!told)
+                      return told.failure();
+                  const QString length = QStringLiteral("0:%1").arg(static_cast<int>(film->seconds),
+                                                                    2, 10, QLatin1Char('0'));
+                  if (*told != length)
+                      return Failure{QStringLiteral("the chip says %1 of %2").arg(*told, length)};
                   const auto left = temporaryFiles(desktop);
                   return left.isEmpty()
                              ? Outcome<void>()

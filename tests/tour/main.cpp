@@ -6,15 +6,18 @@
 #include "tour/Legs.h"
 #include "tour/Tour.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QGuiApplication>
 
 #include <cstdio>
 
 int main(int argc, char** argv)
 {
-    const QCoreApplication app(argc, argv);
+    // Only for its fonts: nothing of Qt's is shown, and what is started has a display of its own.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication app(argc, argv);
+    qunsetenv("QT_QPA_PLATFORM");
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 3) {
         std::fprintf(stderr, "usage: tour PROGRAM FOLDER [SCALE]\n");

@@ -1,7 +1,6 @@
 // Recordings with the real capture tool: what the user presses, and the film that comes of it.
 
-#include "desktop/flow/FlowTest.h"
-#include "desktop/flow/RecordingHands.h"
+#include "desktop/flow/RecordingFlow.h"
 #include "desktop/harness/Clipboard.h"
 #include "desktop/harness/FullScreenWindow.h"
 #include "desktop/harness/TrayIcon.h"
@@ -23,79 +22,6 @@ using namespace std::chrono_literals;
 using Control = RecordingControls::Control;
 
 namespace {
-
-class RecordingFlow : public FlowTest {
-protected:
-    /// Selects `area()` for a recording.
-    void select()
-    {
-        ASSERT_TRUE(succeeded(tamrik->pressRecordKey()));
-        ASSERT_TRUE(succeeded(dragOut(area())));
-        button = QPoint();
-        const auto found = awaitRecordButton(*desktop, area());
-        ASSERT_TRUE(succeeded(found));
-        button = *found;
-    }
-
-    /// Selects and starts; comes back when there is some film.
-    void record(const char* key = "Return")
-    {
-        ASSERT_NO_FATAL_FAILURE(select());
-        ASSERT_TRUE(succeeded(input().key(QString::fromLatin1(key))));
-        ASSERT_NO_FATAL_FAILURE(awaitFilming(1));
-    }
-
-    void awaitFilming(int segments)
-    {
-        auto shown = RecordingControls::await(*desktop, *tamrik);
-        ASSERT_TRUE(succeeded(shown));
-        controls = *shown;
-        ASSERT_TRUE(succeeded(waitUntil(QStringLiteral("a film"), [&] {
-            const QDir folder(temporaryFolder(*desktop));
-            return folder.entryList({QStringLiteral("tamrik-seg-*.mov")}).size() == segments;
-        })));
-    }
-
-    /// The one film that there is, once it has its chip.
-    Desktop::Outcome<QString> awaitFilm() const
-    {
-        if (const auto shown = tamrik->awaitChips(1); !shown)
-            return shown.failure();
-        const QStringList all = tamrik->captures();
-        if (all.size() != 1)
-            return Failure{QStringLiteral("there are %1 files").arg(all.size())};
-        return all.front();
-    }
-
-    Desktop::Outcome<void> awaitRedIcon(bool wanted) const
-    {
-        return waitFor(QStringLiteral("the icon"), [&]() -> Desktop::Outcome<void> {
-            const auto icon = findTrayIcon(*desktop, tamrik->app().pid());
-            if (!icon)
-                return icon.failure();
-            const auto image = screen().grab(*icon);
-            if (!image)
-                return image.failure();
-            const int red = redPixels(*image);
-            // Of a disc that fills the icon but for its rim; a tray may give the icon more room.
-            const int side = qRound(22 * scale());
-            const bool isRed = red > side * side / 3;
-            return (wanted ? isRed : red == 0) ? Desktop::Outcome<void>()
-                                               : Failure{QStringLiteral("%1 red").arg(red)};
-        });
-    }
-
-    /// Starts the program once more, in an environment to which `extra` adds.
-    void restart(const QMap<QString, QString>& extra = {})
-    {
-        auto launched = Tamrik::startAndAwaitKeys(*desktop, QStringLiteral(TAMRIK_PROGRAM), extra);
-        ASSERT_TRUE(succeeded(launched));
-        tamrik = std::move(*launched);
-    }
-
-    QPoint button;
-    std::optional<RecordingControls> controls;
-};
 
 class RecordingOn : public RecordingFlow, public testing::WithParamInterface<DesktopCase> {
 protected:
@@ -200,12 +126,7 @@ TEST_F(Recording, TheMicrophoneIsInTheFilmButNeverInOneForAGIF)
 {
     const SoundServer sound;
     ASSERT_TRUE(succeeded(tamrik->app().stop()));
-    const QString folder = desktop->home() + QStringLiteral("/.config/tamrik");
-    ASSERT_TRUE(QDir().mkpath(folder));
-    QFile preferences(folder + QStringLiteral("/preferences.json"));
-    ASSERT_TRUE(preferences.open(QIODevice::WriteOnly));
-    preferences.write(R"({"recordMic": true})");
-    preferences.close();
+    ASSERT_NO_FATAL_FAILURE(wantMicrophone());
     ASSERT_NO_FATAL_FAILURE(
         restart({{QStringLiteral("PULSE_SERVER"), QString::fromStdString(sound.address())}}));
 

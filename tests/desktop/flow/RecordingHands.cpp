@@ -31,12 +31,15 @@ Windows::Predicate controlsOf(const Tamrik& tamrik)
 /// The first frame of a film that went through a filter of ffmpeg's.
 Outcome<QImage> firstAfter(const QString& filter, const QString& path)
 {
+    // Exactly, not quickly.
+    const QString colours = QStringLiteral(
+        ",scale=in_color_matrix=bt709:in_range=tv:flags=accurate_rnd+full_chroma_int");
     const auto output =
         run(QStringLiteral("ffmpeg"),
             {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), path,
-             QStringLiteral("-vf"), filter, QStringLiteral("-frames:v"), QStringLiteral("1"),
-             QStringLiteral("-f"), QStringLiteral("image2pipe"), QStringLiteral("-c:v"),
-             QStringLiteral("png"), QStringLiteral("-")},
+             QStringLiteral("-vf"), filter + colours, QStringLiteral("-frames:v"),
+             QStringLiteral("1"), QStringLiteral("-f"), QStringLiteral("image2pipe"),
+             QStringLiteral("-c:v"), QStringLiteral("png"), QStringLiteral("-")},
             QProcessEnvironment::systemEnvironment());
     if (!output)
         return output.failure();
@@ -68,6 +71,11 @@ Outcome<void> RecordingControls::awaitNone(const VirtualDesktop& desktop, const 
 {
     return Windows(desktop).awaitNone(QStringLiteral("the recording's controls"),
                                       controlsOf(tamrik));
+}
+
+bool RecordingControls::isShown(const VirtualDesktop& desktop, const Tamrik& tamrik)
+{
+    return !Windows(desktop).where(controlsOf(tamrik)).isEmpty();
 }
 
 int RecordingControls::pixels(double points) const

@@ -20,6 +20,8 @@ public:
     static Desktop::Outcome<void> awaitNone(const Desktop::VirtualDesktop& desktop,
                                             const Tamrik& tamrik);
 
+    static bool isShown(const Desktop::VirtualDesktop& desktop, const Tamrik& tamrik);
+
     Desktop::Outcome<void> click(Control control) const;
     /// Waits until they say that the recording is paused, or that it goes on.
     Desktop::Outcome<void> awaitPaused(bool paused) const;

@@ -1,4 +1,5 @@
 #include "screencapture/movie/Film.h"
+#include "support/Beeper.h"
 #include "support/RootPainter.h"
 #include "support/SoundServer.h"
 #include "support/TemporaryFolder.h"
@@ -59,41 +60,62 @@ protected:
     std::string m_file = m_folder / "film.mov";
 };
 
-TEST_F(MovieSound, IsHeardWhenItsPictureIsSeen)
+class MovieSoundOn : public testing::TestWithParam<SoundServer::Kind> {};
+
+TEST_P(MovieSoundOn, IsHeardWhenItsPictureIsSeen)
 {
-    RootPainter painter(m_server.display());
-    Recorder recorder(m_server, "0,0,320,240", m_file, {"-g"}, environment());
-    recorder.awaitFile();
-    SoundServer::Player player(m_sound);
-    player.playSilence(.9);
-    constexpr int flashes = 3;
-    for (int i = 0; i < flashes; ++i) {
-        painter.paintRectangle(0, 0, 320, 240, 0xffffff);
-        player.playTone(.2);
-        painter.paintRectangle(0, 0, 320, 240, 0);
-        player.playSilence(.3);
-    }
+    const SoundServer sound(GetParam());
+    const XServer server("320x240x24");
+    const TemporaryFolder folder;
+    const std::string file = folder / "film.mov";
+    RootPainter painter(server.display());
+    Beeper beeper(sound);
+    Recorder recorder(server, "0,0,320,240", file, {"-g"},
+                      {{"PULSE_SERVER", sound.address()}, {"HOME", folder.path().string()}});
     recorder.awaitGrowth();
+    constexpr int flashes = 10;
+    for (int i = 0; i < flashes; ++i) {
+        std::this_thread::sleep_until(beeper.beep());
+        painter.paintRectangle(0, 0, 320, 240, 0xffffff);
+        std::this_thread::sleep_for(std::chrono::milliseconds(120));
+        painter.paintRectangle(0, 0, 320, 240, 0);
+        std::this_thread::sleep_for(std::chrono::milliseconds(120));
+    }
     recorder.stop();
 
-    const Film::Facts facts = Film::read(m_file);
+    const Film::Facts facts = Film::read(file);
     EXPECT_EQ(facts.soundCodec, "aac");
-    const std::vector<PngImage> pictures = Film::pictures(m_file);
+    const std::vector<PngImage> pictures = Film::pictures(file);
     ASSERT_EQ(pictures.size(), facts.frames.size());
     std::vector<double> seen;
     for (std::size_t i = 1; i < pictures.size(); ++i) {
         if (pictures[i].pixel(9, 9) > 0x808080 && pictures[i - 1].pixel(9, 9) <= 0x808080)
             seen.push_back(facts.frames[i].time);
     }
-    const std::vector<float> sound = Film::sound(m_file);
-    const std::vector<double> heard = onsets(sound);
+    const std::vector<float> samples = Film::sound(file);
+    const std::vector<double> heard = onsets(samples);
     ASSERT_EQ(seen.size(), static_cast<std::size_t>(flashes));
     ASSERT_EQ(heard.size(), seen.size());
+    std::vector<double> apart;
     for (std::size_t i = 0; i < seen.size(); ++i)
-        EXPECT_NEAR(heard[i], seen[i] + .01, .06); // played with some delay
-    EXPECT_NEAR(static_cast<double>(sound.size()) / rate, facts.duration, .05);
-    EXPECT_LT(peak(sound, 0, heard.front() - .02), .05F);
+        apart.push_back(heard[i] - seen[i]);
+    std::string all; // in milliseconds, in order
+    for (const double each : apart)
+        all += ' ' + std::to_string(std::lround(1000 * each));
+    std::sort(apart.begin(), apart.end());
+    // By the middle one: the machine may be busy when one of them sounds.
+    EXPECT_NEAR(apart[apart.size() / 2], 0, 1.0 / 30) << all;
+    EXPECT_NEAR(static_cast<double>(samples.size()) / rate, facts.duration, .05);
+    EXPECT_LT(peak(samples, 0, heard.front() - .02), .05F);
 }
+
+INSTANTIATE_TEST_SUITE_P(Servers, MovieSoundOn,
+                         testing::Values(SoundServer::Kind::PulseAudio,
+                                         SoundServer::Kind::PipeWire),
+                         [](const testing::TestParamInfo<SoundServer::Kind>& instance) {
+                             return instance.param == SoundServer::Kind::PulseAudio ? "PulseAudio"
+                                                                                    : "PipeWire";
+                         });
 
 TEST_F(MovieSound, BecomesSilenceWhenTheMicrophoneGoesAway)
 {

@@ -72,7 +72,7 @@ bool Filming::isDue(double now) const
 
 bool Filming::hasNews(double now) const
 {
-    if (m_parts.source.hasScreenNews())
+    if (m_parts.source.hasScreenNews() || isWholeDue(now))
         return true;
     if (!m_parts.overlay.followsPointer())
         return false;
@@ -80,11 +80,15 @@ bool Filming::hasNews(double now) const
            now >= m_lastPointer + pointerPatience;
 }
 
+bool Filming::isWholeDue(double now) const
+{
+    return m_lastWhole < 0 || now >= m_lastWhole + Pace::heartbeat;
+}
+
 PossibleFailure Filming::lookAndSend(double now)
 {
     const bool isBeat = now >= m_pace.latest();
-    const Result<ScreenSource::Look> look =
-        m_parts.source.look(m_lastWhole < 0 || now >= m_lastWhole + Pace::heartbeat);
+    const Result<ScreenSource::Look> look = m_parts.source.look(isWholeDue(now));
     if (!look)
         return look.failure();
     m_lastPointer = now;
@@ -119,7 +123,7 @@ void Filming::wait(double now) const
         waitFor({signals, parent, alarm}, std::min(m_pace.earliest() - now, beat));
         return;
     }
-    double limit = beat;
+    double limit = std::min(beat, std::max(m_lastWhole + Pace::heartbeat - now, 0.0));
     if (m_parts.overlay.followsPointer())
         limit = std::min(limit, std::max(m_lastPointer + pointerPatience - now, 0.0));
     waitFor({signals, parent, alarm, m_parts.source.descriptor()}, limit);

@@ -34,6 +34,8 @@ private:
     bool isOver() const;
     bool isDue(double time) const;
     bool hasNews(double time) const;
+    /// Whether all of the screen has to be looked at: servers do not tell of every change.
+    bool isWholeDue(double time) const;
     PossibleFailure lookAndSend(double time);
     void wait(double time) const;
 

@@ -1,0 +1,224 @@
+// Whether a film tells the truth: what was on the screen, when, and what was heard then.
+
+#include "desktop/flow/NumberedWindow.h"
+#include "desktop/flow/RecordingFlow.h"
+#include "desktop/harness/Commands.h"
+#include "support/Beeper.h"
+#include "support/SoundServer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <iostream>
+#include <thread>
+
+using namespace Desktop;
+using namespace std::chrono_literals;
+using Control = RecordingControls::Control;
+using Instant = NumberedWindow::Instant;
+
+namespace {
+
+class RecordingTruth : public RecordingFlow {
+protected:
+    void SetUp() override
+    {
+        begin({.compositor = Compositor::None}); // which would show things later than they are
+        auto shown = NumberedWindow::show(*desktop, area());
+        ASSERT_TRUE(succeeded(shown));
+        window = std::move(*shown);
+    }
+
+    /// With the microphone, from now on.
+    void hear(const SoundServer& sound)
+    {
+        ASSERT_TRUE(succeeded(tamrik->app().stop()));
+        ASSERT_NO_FATAL_FAILURE(wantMicrophone());
+        ASSERT_NO_FATAL_FAILURE(
+            restart({{QStringLiteral("PULSE_SERVER"), QString::fromStdString(sound.address())}}));
+    }
+
+    std::unique_ptr<NumberedWindow> window;
+};
+
+double seconds(Instant instant)
+{
+    return std::chrono::duration<double>(instant.time_since_epoch()).count();
+}
+
+/// Of so many observations as many may be wrong because the machine was busy at that moment, with
+/// what the test itself does too.
+qsizetype excused(qsizetype all)
+{
+    return 1 + all / 20;
+}
+
+/// How many frames of a segment show something of another moment than their own.
+qsizetype misplaced(const QList<NumberedFrame>& frames,
+                    const QList<NumberedWindow::Showing>& showings)
+{
+    // By each frame the segment began at some time between two.
+    QList<double> earliest;
+    double latest = 1e99;
+    for (const NumberedFrame& frame : frames) {
+        const qsizetype index = frame.number - showings.front().number;
+        earliest += seconds(showings[index].from) - frame.time;
+        latest = std::min(latest, seconds(showings[index + 1].to) - frame.time);
+    }
+    // A frame's time is when the tool began to look.
+    return std::count_if(earliest.begin(), earliest.end(),
+                         [&](double time) { return time > latest + 1.0 / 60; });
+}
+
+/// The sound of a film as one channel at 48 kHz from time 0 on.
+std::vector<float> soundOf(const QString& film)
+{
+    const auto bytes = run(QStringLiteral("ffmpeg"),
+                           {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"),
+                            film, QStringLiteral("-vn"), QStringLiteral("-ac"), QStringLiteral("1"),
+                            QStringLiteral("-ar"), QStringLiteral("48000"), QStringLiteral("-f"),
+                            QStringLiteral("f32le"), QStringLiteral("-af"),
+                            QStringLiteral("aresample=async=1:first_pts=0"), QStringLiteral("-")},
+                           QProcessEnvironment::systemEnvironment());
+    EXPECT_TRUE(succeeded(bytes));
+    std::vector<float> samples;
+    if (bytes) {
+        samples.resize(static_cast<std::size_t>(bytes->size()) / sizeof(float));
+        std::memcpy(samples.data(), bytes->constData(), samples.size() * sizeof(float));
+    }
+    return samples;
+}
+
+/// When each of the tones begins, in seconds.
+QList<double> tonesIn(const std::vector<float>& sound)
+{
+    constexpr double rate = 48000;
+    QList<double> times;
+    double lastLoud = -1;
+    for (std::size_t i = 0; i < sound.size(); ++i) {
+        if (std::abs(sound[i]) < .1F)
+            continue;
+        const double time = static_cast<double>(i) / rate;
+        if (time - lastLoud > .1)
+            times += time;
+        lastLoud = time;
+    }
+    return times;
+}
+
+} // namespace
+
+TEST_F(RecordingTruth, EveryFrameIsOfItsMomentAndNoneOfAPause)
+{
+    ASSERT_NO_FATAL_FAILURE(record());
+    window->count(33ms);
+    std::this_thread::sleep_for(1s);
+    ASSERT_TRUE(succeeded(controls->click(Control::Pause)));
+    ASSERT_TRUE(succeeded(awaitNoTool()));
+    const double paused = seconds(std::chrono::steady_clock::now());
+    std::this_thread::sleep_for(500ms);
+    const double resumed = seconds(std::chrono::steady_clock::now());
+    ASSERT_NO_FATAL_FAILURE(clickAgain());
+    ASSERT_NO_FATAL_FAILURE(awaitFilming(2));
+    std::this_thread::sleep_for(1s);
+    ASSERT_TRUE(succeeded(controls->click(Control::Stop)));
+    const auto path = awaitFilm();
+    const QList<NumberedWindow::Showing> showings = window->stop();
+    ASSERT_TRUE(succeeded(path));
+    const auto frames = readNumbers(*path);
+    ASSERT_TRUE(succeeded(frames));
+
+    QList<NumberedFrame> first;
+    QList<NumberedFrame> second;
+    int last = 0;
+    int changes = 0;
+    for (const NumberedFrame& frame : *frames) {
+        EXPECT_GE(frame.number, last) << frame.time;
+        changes += frame.number > last;
+        last = frame.number;
+        if (frame.number == 0) // from before it counted
+            continue;
+        const qsizetype index = frame.number - showings.front().number;
+        ASSERT_LT(index + 1, showings.size());
+        const bool isBefore = seconds(showings[index].from) < paused;
+        EXPECT_TRUE(isBefore || seconds(showings[index + 1].to) > resumed) << frame.number;
+        (isBefore ? first : second) += frame;
+    }
+    EXPECT_GT(changes, 30); // of some sixty; a busy machine loses some
+    for (const auto& part : {first, second}) {
+        ASSERT_FALSE(part.isEmpty());
+        EXPECT_LE(misplaced(part, showings), excused(part.size())) << "of " << part.size();
+    }
+}
+
+TEST_F(RecordingTruth, FiftyPausesLaterEveryBeepIsHeardWhenItsFlashIsSeen)
+{
+    const SoundServer sound;
+    ASSERT_NO_FATAL_FAILURE(hear(sound));
+    Beeper beeper(sound);
+    constexpr int pauses = TAMRIK_PAUSES;
+    // Seconds for which there surely was a segment, and in which there can have been one.
+    double atLeast = 0;
+    double atMost = 0;
+    double asked = seconds(std::chrono::steady_clock::now());
+    ASSERT_NO_FATAL_FAILURE(record());
+    double begun = seconds(std::chrono::steady_clock::now());
+    for (int i = 1; i <= pauses + 1; ++i) {
+        SCOPED_TRACE(i);
+        std::this_thread::sleep_until(beeper.beep());
+        window->show(i);
+        std::this_thread::sleep_for(80ms); // of the tone's 50
+        atLeast += seconds(std::chrono::steady_clock::now()) - begun;
+        if (i == 1)
+            ASSERT_TRUE(succeeded(controls->click(Control::Pause)));
+        else
+            ASSERT_NO_FATAL_FAILURE(clickAgain());
+        ASSERT_TRUE(succeeded(awaitNoTool()));
+        atMost += seconds(std::chrono::steady_clock::now()) - asked;
+        if (i > pauses)
+            break;
+        asked = seconds(std::chrono::steady_clock::now());
+        ASSERT_NO_FATAL_FAILURE(clickAgain());
+        ASSERT_NO_FATAL_FAILURE(awaitFilming(i + 1));
+        begun = seconds(std::chrono::steady_clock::now());
+    }
+    double recorded = 0;
+    for (const QString& segment : segments()) {
+        const auto film = Film::read(temporaryFolder(*desktop) + u'/' + segment);
+        ASSERT_TRUE(succeeded(film));
+        recorded += film->seconds;
+    }
+    ASSERT_TRUE(succeeded(controls->click(Control::Stop)));
+    ASSERT_TRUE(succeeded(tamrik->awaitChips(1)));
+    const auto path = awaitFilm();
+    ASSERT_TRUE(succeeded(path));
+
+    const auto film = Film::read(*path);
+    ASSERT_TRUE(succeeded(film));
+    EXPECT_NEAR(film->seconds, recorded, 0.001);
+    EXPECT_GE(recorded, atLeast);
+    EXPECT_LE(recorded, atMost);
+    const auto frames = readNumbers(*path);
+    ASSERT_TRUE(succeeded(frames));
+    const QList<double> heard = tonesIn(soundOf(*path));
+    QList<double> seen;
+    for (const NumberedFrame& frame : *frames) {
+        if (frame.number == seen.size() + 1)
+            seen += frame.time;
+        EXPECT_EQ(frame.number, seen.size()) << frame.time;
+    }
+    ASSERT_EQ(seen.size(), pauses + 1);
+    ASSERT_EQ(heard.size(), seen.size());
+    qsizetype apart = 0;
+    double farthest = 0;
+    for (qsizetype i = 0; i < seen.size(); ++i) {
+        const double distance = heard[i] - seen[i];
+        farthest = std::max(farthest, std::abs(distance));
+        if (std::abs(distance) > 1.0 / 30) {
+            ++apart;
+            std::cout << "after " << i << " pauses: " << distance << " s\n";
+        }
+    }
+    EXPECT_LE(apart, excused(seen.size()));
+    RecordProperty("farthest_milliseconds", std::to_string(1000 * farthest));
+}
