@@ -65,11 +65,12 @@ LAYERS = {
         ["base", "support", "media"],
         ["Core", "Gui"],
         libraries=["png"]),
+    "gif": Layer(["src/Media/GIF/*"], ["base", "support", "media"], ["Core", "Gui"]),
     # FFmpeg's types, for the program and the capture tool.
     "av": Layer(["src/Media/Av/*"], ["base"], [], libraries=["av"]),
     "ffmpeg": Layer(
         ["src/Media/FFmpeg/*"],
-        ["base", "support", "media", "av"],
+        ["base", "support", "media", "gif", "av"],
         ["Core", "Gui"],
         libraries=["av"]),
     "media": Layer(["src/Media/*"], ["base", "support"], ["Core", "Gui"]),

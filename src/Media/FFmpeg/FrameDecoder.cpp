@@ -99,6 +99,13 @@ void FrameDecoder::sendPacket()
     av_packet_unref(m_packet.get());
 }
 
+std::int64_t FrameDecoder::endOf(const AVFrame& frame) const
+{
+    // In fragments what FFmpeg takes for its duration is a guess.
+    const auto end = Tracks::endOfSample(m_stream, frame.pts);
+    return end ? *end : frame.pts + frame.pkt_duration;
+}
+
 bool FrameDecoder::hasNewKeyFrame(std::int64_t time) const
 {
     const AVIndexEntry* const key =

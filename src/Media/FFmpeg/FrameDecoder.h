@@ -21,6 +21,9 @@ public:
     /// over.
     Av::Frame next();
 
+    /// Until when a frame shows that no other follows, in the stream's ticks.
+    std::int64_t endOf(const AVFrame& frame) const;
+
     /// Goes on with the key frame at or before `time`, in the stream's ticks.
     bool seek(std::int64_t time);
 
