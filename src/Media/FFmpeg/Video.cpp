@@ -83,6 +83,7 @@ Result<QImage> Video::picture(QSize box)
 
 void Video::goToTicks(std::int64_t time)
 {
+    m_decoder->setWanted(time);
     if (mustSeek(time))
         seek(time);
     while (m_shown) {

@@ -25,12 +25,14 @@ std::size_t half(const FrameSource& video, std::size_t frames)
 } // namespace
 
 PossibleFailure GIF::animate(const OpenVideo& open, const AnimatedGIF::Frames& frames,
-                             const Sink& sink, const Cancellation& cancellation)
+                             const Sink& sink, const Cancellation& cancellation,
+                             std::size_t mostKept)
 {
     const auto video = open();
     if (!video)
         return video.failure();
-    const Section::Layout layout{fitted((*video)->size(), frames.box), frames.box, frames.delay};
+    const Section::Layout layout{fitted((*video)->size(), frames.box), frames.box, frames.delay,
+                                 mostKept};
     const std::span<const double> times = frames.times;
     const std::size_t middle = half(**video, times.size());
 

@@ -11,9 +11,12 @@ namespace GIF {
 
 using OpenVideo = std::function<Result<std::unique_ptr<FrameSource>>()>;
 
+/// How much memory each half of a GIF's frames may take before some of them are written.
+inline constexpr std::size_t usuallyKept = 32'000'000;
+
 /// Gives the bytes of the file that AnimatedGIF::write makes to `sink`; none when there is no
 /// frame. `open` is called for each thread that reads.
 PossibleFailure animate(const OpenVideo& open, const AnimatedGIF::Frames& frames, const Sink& sink,
-                        const Cancellation& cancellation);
+                        const Cancellation& cancellation, std::size_t mostKept = usuallyKept);
 
 } // namespace GIF

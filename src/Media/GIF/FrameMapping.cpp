@@ -30,7 +30,7 @@ void FrameMapping::setPalette(const Palette& palette)
 IndexedFrame FrameMapping::next(PackedFrames::Reader& frames)
 {
     m_before = m_wanted;
-    std::fill(m_isNew.begin(), m_isNew.end(), false);
+    std::fill(m_isNew.begin(), m_isNew.end(), std::uint8_t{0});
     for (const Span span : frames.read(m_wanted))
         map(span);
     IndexedFrame frame = changedPart();
@@ -50,7 +50,7 @@ void FrameMapping::map(Span span)
             continue;
         m_shown[i] = best;
         m_indices[i] = static_cast<std::uint8_t>(index);
-        m_isNew[i] = true;
+        m_isNew[i] = 1;
     }
 }
 
@@ -61,12 +61,12 @@ IndexedFrame FrameMapping::changedPart() const
     for (int y = 0; y < m_height; ++y) {
         const auto begin = m_isNew.begin() + static_cast<std::ptrdiff_t>(width) * y;
         const auto end = begin + m_width;
-        const auto first = std::find(begin, end, true);
+        const auto first = std::find(begin, end, std::uint8_t{1});
         if (first == end)
             continue;
         left = std::min(left, static_cast<int>(first - begin));
         for (int x = m_width; x > right; --x) {
-            if (begin[x - 1]) {
+            if (begin[x - 1] != 0) {
                 right = x;
                 break;
             }
@@ -80,7 +80,7 @@ IndexedFrame FrameMapping::changedPart() const
     for (int y = top; y < bottom; ++y) {
         for (int x = left; x < right; ++x) {
             const std::size_t i = width * static_cast<std::size_t>(y) + static_cast<std::size_t>(x);
-            frame.pixels.push_back({m_isNew[i] ? m_indices[i] : transparent(), m_indices[i]});
+            frame.pixels.push_back({m_isNew[i] != 0 ? m_indices[i] : transparent(), m_indices[i]});
         }
     }
     return frame;

@@ -43,7 +43,7 @@ private:
     std::vector<Pixel> m_shown;  // as it looks
     std::vector<std::uint8_t>
         m_indices; // where the shown colours are in the palette, or `transparent`
-    std::vector<bool> m_isNew;
+    std::vector<std::uint8_t> m_isNew; // 1 where this frame changes what shows
 };
 
 } // namespace GIF

@@ -14,8 +14,6 @@ namespace {
 
 /// How much time may lie between when a frame is wanted and when it shows, in seconds.
 constexpr double tolerance = 1.0 / 30;
-/// So much memory the frames that are kept may take, in bytes.
-constexpr std::size_t mostKept = 32'000'000;
 constexpr std::size_t mostColours = 255; // and one for what is transparent
 constexpr std::size_t framesAtOnce = 16;
 constexpr double microsecond = 1e-6;
@@ -81,7 +79,7 @@ PossibleFailure Section::read(FrameSource& video, std::span<const double> times)
             continue;
         m_kept.add(pixelsOf(conformed(*picture, m_layout.size)));
         last = showing->begin;
-        if (m_kept.bytes() < mostKept)
+        if (m_kept.bytes() < m_layout.mostKept)
             continue;
         if (PossibleFailure failure = writeKept())
             return failure;

@@ -25,6 +25,8 @@ public:
         QSize size; ///< Of the GIF.
         QSize box;  ///< What frames are to fit into.
         int delay;  ///< In hundredths of a second.
+        /// How much memory the frames that are kept may take, in bytes.
+        std::size_t mostKept;
     };
 
     /// Whether the section begins the file: its first colours are the file's then.
