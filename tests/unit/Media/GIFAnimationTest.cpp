@@ -142,15 +142,15 @@ TEST_F(Animation, WorksForEverySizeAndNumberOfColours)
 
 TEST_F(Animation, KeepsSurfacesOfOneColourAmongMany)
 {
-    QImage slide = plain({200, 150}, QColor(0xf5f6f7));
-    QPainter(&slide).drawImage(0, 0, noise({200, 40}, m_random));
+    QImage slide = plain({100, 90}, QColor(0xf5f6f7));
+    QPainter(&slide).drawImage(0, 0, noise({100, 30}, m_random));
     const PlayedGIF gif = animated({slide});
-    for (int y = 40; y < 150; y += 7) {
-        for (int x = 0; x < 200; x += 3)
+    for (int y = 30; y < 90; y += 7) {
+        for (int x = 0; x < 100; x += 3)
             ASSERT_EQ(gif.frames[0].pixel(x, y), 0xfff5f6f7);
     }
-    // 250 colours for all that there are: no more than six bits a pixel are right.
-    EXPECT_LT(unlikeness(gif.frames[0].copy(0, 0, 200, 40), slide.copy(0, 0, 200, 40)), 300);
+    // 254 colours for all that there are.
+    EXPECT_LT(unlikeness(gif.frames[0].copy(0, 0, 100, 30), slide.copy(0, 0, 100, 30)), 300);
 }
 
 TEST_F(Animation, OfAGradientHasStepsThatAreHardlySeen)
@@ -189,14 +189,14 @@ TEST_F(Animation, ThatDoesNotFitIntoMemoryIsWrittenInPieces)
 {
     // Every piece has colours of its own.
     std::vector<QImage> slides;
-    for (int i = 0; i < 40; ++i) {
-        slides.push_back(noise({60, 60}, m_random, i < 20 ? 0xff0000 : 0xffff));
+    for (int i = 0; i < 16; ++i) {
+        slides.push_back(noise({60, 60}, m_random, i < 8 ? 0xff0000 : 0xffff));
         QPainter(&slides.back()).fillRect(0, 0, 60, 30, QColor(0x336699));
     }
-    for (const std::size_t mostKept : {std::size_t{1}, std::size_t{20'000}, std::size_t{70'000}}) {
+    for (const std::size_t mostKept : {std::size_t{1}, std::size_t{20'000}}) {
         const PlayedGIF gif = animated(slides, mostKept);
         for (std::size_t i = 0; i < slides.size(); ++i)
-            ASSERT_LT(unlikeness(gif.frames[i], slides[i]), i < 20 ? 0.2 : 40)
+            ASSERT_LT(unlikeness(gif.frames[i], slides[i]), i < 8 ? 0.2 : 40)
                 << mostKept << ' ' << i;
     }
     EXPECT_GT(unlikeness(animated(slides).frames[0], slides[0]), 0.4) << "the same for all";
