@@ -3,6 +3,7 @@
 #include "ChipContent.h"
 #include "RecordingTypes.h"
 #include "Support/Geometry.h"
+#include "TimeRange.h"
 
 #include <QUrl>
 
@@ -78,11 +79,7 @@ struct Subsystems {
         std::function<void(Completion)> requestAndShow;
     };
 
-    /// Seconds; the duration may be infinite.
-    struct TimeRange {
-        double start = 0;
-        double duration = 0;
-    };
+    using TimeRange = ::TimeRange;
 
     struct GIF {
         std::function<void(const QUrl& video, TimeRange range, const QUrl& destination,

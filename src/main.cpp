@@ -1,6 +1,7 @@
 #include "AppDelegate.h"
 #include "ChipThumbnail.h"
 #include "Editor/EditorWindowController.h"
+#include "GIFExporter.h"
 #include "Platform/Application.h"
 #include "Platform/Defaults.h"
 #include "Preferences.h"
@@ -106,6 +107,7 @@ int main(int argc, char** argv)
     RecordingManager recorder(RecordingTools::system());
     subsystems.recorder = recorderSubsystem(recorder);
     subsystems.controls.make = makeRecordingControls;
+    subsystems.gif.exportVideo = GIFExporter::exportVideo;
     AppDelegate delegate(preferences, Clock::system(), std::move(subsystems));
     QTimer::singleShot(0, &delegate, [&] { delegate.applicationDidFinishLaunching(instance); });
     return QApplication::exec();

@@ -26,7 +26,17 @@ public:
     virtual ~FrameSource() = default;
     virtual QSize size() const = 0;
     virtual std::optional<double> duration() const = 0;
-    virtual Result<QImage> frameAt(double seconds, QSize box) = 0;
+
+    /// When a frame shows, in seconds of the file's time.
+    struct Showing {
+        double begin;
+        double end;
+    };
+
+    /// Goes to the frame that frameAt() gives.
+    virtual Result<Showing> goTo(double seconds) = 0;
+    /// The frame that it last went to.
+    virtual Result<QImage> picture(QSize box) = 0;
 };
 
 /// The pictures of a video file (MOV, MP4, Matroska, WebM; the content decides, not the name).
@@ -50,7 +60,9 @@ public:
     /// on from where the last one was, times with a key frame between are sought.
     Result<QImage> frameAt(double seconds, QSize box = {})
     {
-        return m_source->frameAt(seconds, box);
+        if (const auto showing = m_source->goTo(seconds); !showing)
+            return showing.failure();
+        return m_source->picture(box);
     }
 
 private:

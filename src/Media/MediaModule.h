@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Media/AnimatedGIF.h"
 #include "Media/FrameReader.h"
 #include "Media/MovieExport.h"
 
@@ -15,6 +16,9 @@ struct MediaModule {
                                   const Cancellation& cancellation);
     MovieExport::Outcome (*concatenate)(const QStringList& segments, const QString& destination,
                                         const Cancellation& cancellation);
+    /// As AnimatedGIF::write.
+    PossibleFailure (*writeGIF)(const QString& video, const AnimatedGIF::Frames& frames,
+                                const QString& destination, const Cancellation& cancellation);
 
     /// The module, loaded by the first call; null when it is missing. Any thread.
     static const MediaModule* get();

@@ -93,10 +93,28 @@ void FrameDecoder::sendPacket()
         m_lastTime = hasTime ? m_packet->dts : m_packet->pts;
         if (m_firstTime == INT64_MIN)
             m_firstTime = m_lastTime;
+        m_codec->skip_frame = isDispensable(*m_packet) ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
         // A packet that the codec refuses is one frame less.
         avcodec_send_packet(m_codec.get(), m_packet.get());
     }
     av_packet_unref(m_packet.get());
+}
+
+bool FrameDecoder::isDispensable(const AVPacket& packet)
+{
+    if (packet.pts == AV_NOPTS_VALUE || packet.pts > m_wanted)
+        return false;
+    if (packet.pts < m_closest)
+        return true;
+    m_closest = packet.pts;
+    return false;
+}
+
+std::int64_t FrameDecoder::endOf(const AVFrame& frame) const
+{
+    // In fragments what FFmpeg takes for its duration is a guess.
+    const auto end = Tracks::endOfSample(m_stream, frame.pts);
+    return end ? *end : frame.pts + frame.pkt_duration;
 }
 
 bool FrameDecoder::hasNewKeyFrame(std::int64_t time) const
@@ -112,5 +130,6 @@ bool FrameDecoder::seek(std::int64_t time)
     m_firstTime = INT64_MIN;
     m_lastTime = INT64_MIN;
     m_lastShown = time;
+    m_closest = INT64_MIN;
     return av_seek_frame(&m_file, m_stream.index, time, AVSEEK_FLAG_BACKWARD) >= 0;
 }

@@ -16,10 +16,17 @@ public:
 
     const AVStream& stream() const { return m_stream; }
 
+    /// What shows at `time`, in the stream's ticks, is wanted next: frames that show before and
+    /// that no other needs may be left out, if there is one at all that shows later but by then.
+    void setWanted(std::int64_t time) { m_wanted = time; }
+
     /// The next frame by the order in which they show, its pts in the stream's ticks, its pixels'
     /// shape filled in. Nothing at the end, where the file is broken off, and when patience is
     /// over.
     Av::Frame next();
+
+    /// Until when a frame shows that no other follows, in the stream's ticks.
+    std::int64_t endOf(const AVFrame& frame) const;
 
     /// Goes on with the key frame at or before `time`, in the stream's ticks.
     bool seek(std::int64_t time);
@@ -34,6 +41,7 @@ private:
     FrameDecoder(AVFormatContext& file, AVStream& stream, const Patience& patience);
     PossibleFailure openCodec();
     void sendPacket();
+    bool isDispensable(const AVPacket& packet);
 
     AVFormatContext& m_file;
     AVStream& m_stream;
@@ -43,4 +51,6 @@ private:
     std::int64_t m_firstTime = INT64_MIN;
     std::int64_t m_lastTime = INT64_MIN;
     std::int64_t m_lastShown = INT64_MIN;
+    std::int64_t m_wanted = INT64_MIN;
+    std::int64_t m_closest = INT64_MIN; // of what was sent, the last that shows by then
 };

@@ -1,6 +1,7 @@
 #include "Media/FFmpeg/FrameImage.h"
 
 #include "Media/FFmpeg/FrameColours.h"
+#include "Media/Fitting.h"
 
 #include <algorithm>
 #include <array>
@@ -33,15 +34,6 @@ QSize squareSize(const AVFrame& frame)
 {
     return {std::max(1, static_cast<int>(std::lround(frame.width * pixelShape(frame)))),
             frame.height};
-}
-
-QSize fitted(QSize size, QSize box)
-{
-    if (box.isEmpty() || (size.width() <= box.width() && size.height() <= box.height()))
-        return size;
-    const QSizeF scaled = QSizeF(size).scaled(QSizeF(box), Qt::KeepAspectRatio);
-    return {std::max(1, static_cast<int>(std::lround(scaled.width()))),
-            std::max(1, static_cast<int>(std::lround(scaled.height())))};
 }
 
 bool hasAlpha(const AVFrame& frame)

@@ -1,6 +1,7 @@
 #include "Media/MediaModule.h"
 
 #include "Media/FFmpeg/Export/Concatenation.h"
+#include "Media/FFmpeg/Export/GIFFile.h"
 #include "Media/FFmpeg/Export/Remux.h"
 #include "Media/FFmpeg/Video.h"
 
@@ -10,7 +11,9 @@ extern "C" Q_DECL_EXPORT const MediaModule* tamrikMediaModule();
 
 const MediaModule* tamrikMediaModule()
 {
-    static const MediaModule module = {
-        .openFrames = Video::open, .remux = remuxMovie, .concatenate = concatenateMovies};
+    static const MediaModule module = {.openFrames = Video::open,
+                                       .remux = remuxMovie,
+                                       .concatenate = concatenateMovies,
+                                       .writeGIF = writeGIF};
     return &module;
 }

@@ -61,19 +61,29 @@ std::optional<double> Video::duration() const
     return {};
 }
 
-Result<QImage> Video::frameAt(double seconds, QSize box)
+Result<FrameSource::Showing> Video::goTo(double seconds)
 {
     m_patience.begin();
-    goTo(ticksAt(seconds, m_decoder->stream().time_base));
+    goToTicks(ticksAt(seconds, m_decoder->stream().time_base));
     if (m_patience.isOver())
         m_shown.reset(); // it may be on its way
+    if (!m_shown)
+        return Failure{"the frame cannot be read"};
+    const double tick = av_q2d(m_decoder->stream().time_base);
+    return Showing{static_cast<double>(m_shown->pts) * tick,
+                   static_cast<double>(m_next ? m_next->pts : m_decoder->endOf(*m_shown)) * tick};
+}
+
+Result<QImage> Video::picture(QSize box)
+{
     if (!m_shown)
         return Failure{"the frame cannot be read"};
     return m_image->render(*m_shown, box);
 }
 
-void Video::goTo(std::int64_t time)
+void Video::goToTicks(std::int64_t time)
 {
+    m_decoder->setWanted(time);
     if (mustSeek(time))
         seek(time);
     while (m_shown) {

@@ -13,7 +13,8 @@ public:
 
     QSize size() const override { return m_size; }
     std::optional<double> duration() const override;
-    Result<QImage> frameAt(double seconds, QSize box) override;
+    Result<Showing> goTo(double seconds) override;
+    Result<QImage> picture(QSize box) override;
 
 private:
     explicit Video(const FrameReaderLimits& limits)
@@ -22,7 +23,7 @@ private:
     }
 
     PossibleFailure open(const std::string& path);
-    void goTo(std::int64_t time);
+    void goToTicks(std::int64_t time);
     bool mustSeek(std::int64_t time) const;
     void seek(std::int64_t time);
     bool isFirst(const AVFrame& frame) const { return frame.pts <= m_firstFrame; }

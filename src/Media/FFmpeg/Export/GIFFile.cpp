@@ -1,0 +1,33 @@
+#include "Media/FFmpeg/Export/GIFFile.h"
+
+#include "Support/OutputFile.h"
+#include "Media/FFmpeg/Video.h"
+#include "Media/GIF/Animation.h"
+
+#include <QFile>
+
+PossibleFailure writeGIF(const QString& video, const AnimatedGIF::Frames& frames,
+                         const QString& destination, const Cancellation& cancellation)
+{
+    const auto open = [&] {
+        FrameReaderLimits limits;
+        limits.cancellation = cancellation;
+        return Video::open(video, limits);
+    };
+    // Not before there is something to write: what stands there goes then.
+    std::unique_ptr<OutputFile> file;
+    const auto write = [&](const GIF::Bytes& bytes) -> PossibleFailure {
+        if (!file) {
+            auto created = OutputFile::create(QFile::encodeName(destination).toStdString());
+            if (!created)
+                return created.failure();
+            file = std::move(*created);
+        }
+        return file->write(bytes, file->size());
+    };
+    if (PossibleFailure failure = GIF::animate(open, frames, write, cancellation))
+        return failure;
+    if (cancellation.isCancelled())
+        return Failure{"it was cancelled"};
+    return file->publish();
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Media/AnimatedGIF.h"
+#include "Media/FrameReader.h"
+#include "Media/GIF/Section.h"
+
+#include <functional>
+#include <memory>
+
+namespace GIF {
+
+using OpenVideo = std::function<Result<std::unique_ptr<FrameSource>>()>;
+
+/// How much memory each half of a GIF's frames may take before some of them are written.
+inline constexpr std::size_t usuallyKept = 32'000'000;
+
+/// Gives the bytes of the file that AnimatedGIF::write makes to `sink`; none when there is no
+/// frame. `open` is called for each thread that reads.
+PossibleFailure animate(const OpenVideo& open, const AnimatedGIF::Frames& frames, const Sink& sink,
+                        const Cancellation& cancellation, std::size_t mostKept = usuallyKept);
+
+} // namespace GIF
