@@ -1,6 +1,8 @@
 #include "AppDelegate.h"
 #include "ChipThumbnail.h"
 #include "Editor/EditorWindowController.h"
+#include "Editor/VideoEditorWindowController.h"
+#include "Media/FrameReader.h"
 #include "Platform/Application.h"
 #include "Platform/Defaults.h"
 #include "Preferences.h"
@@ -40,6 +42,52 @@ std::shared_ptr<Subsystems::Editor> makeImageEditor(const QUrl& image)
     controller->onClose = [handle = std::weak_ptr(editor)](EditorWindowController*) {
         if (const auto closed = handle.lock(); closed && closed->onClose)
             closed->onClose(closed.get());
+    };
+    return editor;
+}
+
+std::optional<double> durationOf(const QString& video)
+{
+    const auto film = FrameReader::open(video);
+    return film ? film->duration() : std::nullopt;
+}
+
+/// `exportGIF` may be unset.
+std::shared_ptr<Subsystems::Editor>
+makeVideoEditor(const QUrl& video, const decltype(Subsystems::GIF::exportVideo)& exportGIF)
+{
+    VideoEditorServices services{.clock = Clock::system(),
+                                 .openPlayer = Player::open,
+                                 .loader = FilmLoader::system(),
+                                 .readDuration = durationOf,
+                                 .trim = {},
+                                 .exportGIF = {}};
+    if (exportGIF)
+        services.exportGIF = [exportGIF](const QUrl& file, FilmRange range, const QUrl& destination,
+                                         std::function<void(bool)> completion) {
+            exportGIF(file, {range.start, range.end - range.start}, destination,
+                      std::move(completion));
+        };
+    // It may end from within one of its own events.
+    const std::shared_ptr<VideoEditorWindowController> controller(
+        VideoEditorWindowController::open(video, std::move(services)).release(),
+        [](VideoEditorWindowController* closed) {
+            if (closed)
+                closed->deleteLater();
+        });
+    if (!controller)
+        return nullptr;
+    auto editor = std::make_shared<Subsystems::Editor>();
+    editor->fileURL = video;
+    editor->makeKeyAndOrderFront = [controller] { controller->makeKeyAndOrderFront(); };
+    // The editor's owner drops it meanwhile.
+    controller->onClose = [handle = std::weak_ptr(editor)](VideoEditorWindowController*) {
+        if (const auto closed = handle.lock(); closed && closed->onClose)
+            closed->onClose(closed.get());
+    };
+    controller->onFileProduced = [handle = std::weak_ptr(editor)](const QUrl& file) {
+        if (const auto open = handle.lock(); open && open->onFileProduced)
+            open->onFileProduced(file);
     };
     return editor;
 }
@@ -103,6 +151,10 @@ int main(int argc, char** argv)
     Subsystems subsystems;
     subsystems.loadChipContent = ChipThumbnail::loadInBackground;
     subsystems.editors.makeImageEditor = makeImageEditor;
+    subsystems.editors.makeVideoEditor = [exportGIF = subsystems.gif.exportVideo](
+                                             const QUrl& video) {
+        return makeVideoEditor(video, exportGIF);
+    };
     RecordingManager recorder(RecordingTools::system());
     subsystems.recorder = recorderSubsystem(recorder);
     subsystems.controls.make = makeRecordingControls;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Media/FilmTimes.h"
 #include "Media/FrameReader.h"
 #include "Media/MovieExport.h"
 
@@ -10,6 +11,8 @@ struct MediaModule {
     /// As FrameReader::open.
     Result<std::unique_ptr<FrameSource>> (*openFrames)(const QString& path,
                                                        const FrameReaderLimits& limits);
+    /// As FilmTimes::read.
+    Result<FilmTimes> (*readTimes)(const QString& path, const FrameReaderLimits& limits);
     /// As MovieExport's of the same names.
     MovieExport::Outcome (*remux)(const QString& source, const QString& destination,
                                   const Cancellation& cancellation);

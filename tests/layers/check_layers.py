@@ -72,6 +72,11 @@ LAYERS = {
         ["base", "support", "media", "av"],
         ["Core", "Gui"],
         libraries=["av"]),
+    "mpv": Layer(
+        ["src/Media/Mpv/*"],
+        ["base", "support", "media"],
+        ["Core", "Gui"],
+        libraries=["mpv"]),
     "media": Layer(["src/Media/*"], ["base", "support"], ["Core", "Gui"]),
     "model": Layer(
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
@@ -79,7 +84,7 @@ LAYERS = {
          "src/RecordingControlsPlacement.*", "src/RecordingTypes.*",
          "src/Editor/Annotation*", "src/Editor/BaseImage.*", "src/Editor/Sidecar*",
          "src/Editor/CanvasLayer.*", "src/Editor/CanvasModel.*", "src/Editor/CanvasPicture.*",
-         "src/Editor/EditorLayout.*", "src/Editor/ScaledPicture.*", "src/Editor/UndoHistory.*"],
+         "src/Editor/EditorLayout.*", "src/Editor/FrameGrid.*", "src/Editor/TrimModel.*", "src/Editor/ScaledPicture.*", "src/Editor/UndoHistory.*"],
         ["base", "support"],
         ["Core", "Gui"]),
     "services": Layer(
@@ -147,6 +152,7 @@ LIBRARIES = {
     "png": ["libdeflate.h", "png.h"],
     "av": ["libav*/*", "libsw*/*"],
     "pulse": ["pulse/*"],
+    "mpv": ["mpv/*"],
 }
 
 OS_MACRO = re.compile(
