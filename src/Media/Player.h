@@ -21,7 +21,8 @@ struct PlayerState {
     std::optional<double> duration; ///< Absent until it is known, and when the file does not say.
     double time = 0;                ///< Of the frame that shows, or that is being sought.
     bool playing = false;
-    bool atEnd = false; ///< Nothing is left to be played.
+    bool seeking = false; ///< The frame that shows is not the one that was asked for yet.
+    bool atEnd = false;   ///< Nothing is left to be played.
     bool hasSound = false;
     bool muted = false;
     double volume = 1; ///< From 0 to 1.

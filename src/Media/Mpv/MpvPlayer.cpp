@@ -343,6 +343,7 @@ void MpvPlayer::changed()
 {
     if (m_state.phase != PlayerState::Phase::failed) {
         m_state.size = liesOnItsSide() ? m_stored.transposed() : m_stored;
+        m_state.seeking = m_isSeeking;
         if (m_hasPicture && !m_state.size.isEmpty())
             m_state.phase = PlayerState::Phase::ready;
     }
