@@ -137,9 +137,10 @@ Design speakerSlashFill(double line)
 {
     constexpr double em = 12;
     const double width = line * em;
-    const QPainterPath slash = polyline({{1.4, 0.6}, {14.6, 13.4}});
-    // A gap beside the slash keeps it apart.
-    const QPainterPath broken = cut(speaker(), stroke(slash.translated(0.9, -0.9), width * 1.9));
+    const QPainterPath slash = polyline({{2, 1.2}, {14.6, 12.8}});
+    // A gap above keeps it apart.
+    const QPainterPath broken =
+        cut(speaker().translated(3.6, 0), stroke(slash.translated(0.75, -0.75), width * 1.8));
     return {em, {16, 14}, unite(broken, stroke(slash, width))};
 }
 

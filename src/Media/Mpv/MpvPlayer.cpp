@@ -303,7 +303,10 @@ void MpvPlayer::seekEnded()
 
 void MpvPlayer::setEnd(std::optional<double> seconds)
 {
-    const QByteArray end = seconds ? QByteArray::number(*seconds, 'f', 6) : QByteArray("none");
+    // Its number is rounded, and the frame that begins there must not show.
+    constexpr double margin = 5e-4;
+    const QByteArray end =
+        seconds ? QByteArray::number(*seconds - margin, 'f', 6) : QByteArray("none");
     if (m_player)
         mpv_set_property_string(m_player.get(), "end", end.constData());
 }

@@ -59,7 +59,8 @@ private:
     QSize m_stored;     ///< With square pixels, before it is turned.
     int m_rotation = 0; ///< Degrees, clockwise.
     bool m_hasPicture = false;
+    /// What mpv's threads post to: it outlives them, and what was posted ends with it.
+    QObject m_mainThread;
     std::unique_ptr<mpv_handle, EndPlayer> m_player;
     std::unique_ptr<mpv_render_context, EndRendering> m_rendering; // ends before the player
-    QObject m_mainThread; ///< What other threads post to; posts to it end with it.
 };
