@@ -159,7 +159,7 @@ TEST_F(VideoEditorTest, AFailedExportIsLogged)
     trims[0].completion({End::failed, "the disk is full"});
     EXPECT_EQ(title(), text("Export failed"));
     EXPECT_EQ(TestLog::takeLines(),
-              QStringList{text("Tamrik: video export failed: the disk is full")});
+              QStringList{text("video export failed: the disk is full")});
     EXPECT_TRUE(produced.empty());
 }
 
@@ -199,7 +199,7 @@ TEST_F(VideoEditorTest, WhatEndsAfterTheEditorIsDroppedButAFailureIsLogged)
     gifs[0].completion(true);
     EXPECT_TRUE(produced.empty());
     trims[1].completion({End::failed, "no"});
-    EXPECT_EQ(TestLog::takeLines(), QStringList{text("Tamrik: video export failed: no")});
+    EXPECT_EQ(TestLog::takeLines(), QStringList{text("video export failed: no")});
     // What reads the film knows as well.
     gotTimes(FilmTimes{{0}, 1});
     clock.advance(5s);
