@@ -2,6 +2,7 @@
 
 #include "Media/FFmpeg/Export/Concatenation.h"
 #include "Media/FFmpeg/Export/Remux.h"
+#include "Media/FFmpeg/Export/Trim.h"
 #include "Media/FFmpeg/Video.h"
 
 #include <QtGlobal>
@@ -10,7 +11,9 @@ extern "C" Q_DECL_EXPORT const MediaModule* tamrikMediaModule();
 
 const MediaModule* tamrikMediaModule()
 {
-    static const MediaModule module = {
-        .openFrames = Video::open, .remux = remuxMovie, .concatenate = concatenateMovies};
+    static const MediaModule module = {.openFrames = Video::open,
+                                       .remux = remuxMovie,
+                                       .concatenate = concatenateMovies,
+                                       .trim = trimMovie};
     return &module;
 }
