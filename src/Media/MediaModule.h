@@ -18,6 +18,8 @@ struct MediaModule {
                                   const Cancellation& cancellation);
     MovieExport::Outcome (*concatenate)(const QStringList& segments, const QString& destination,
                                         const Cancellation& cancellation);
+    MovieExport::Outcome (*trim)(const QString& source, double start, double end,
+                                 const QString& destination, const Cancellation& cancellation);
 
     /// The module, loaded by the first call; null when it is missing. Any thread.
     static const MediaModule* get();

@@ -2,6 +2,7 @@
 
 #include "Media/FFmpeg/Export/Concatenation.h"
 #include "Media/FFmpeg/Export/Remux.h"
+#include "Media/FFmpeg/Export/Trim.h"
 #include "Media/FFmpeg/FrameTimes.h"
 #include "Media/FFmpeg/Video.h"
 
@@ -14,6 +15,7 @@ const MediaModule* tamrikMediaModule()
     static const MediaModule module = {.openFrames = Video::open,
                                        .readTimes = readFilmTimes,
                                        .remux = remuxMovie,
-                                       .concatenate = concatenateMovies};
+                                       .concatenate = concatenateMovies,
+                                       .trim = trimMovie};
     return &module;
 }
