@@ -52,6 +52,13 @@ std::optional<double> durationOf(const QString& video)
     return film ? film->duration() : std::nullopt;
 }
 
+/// The end of the program waits for it: the file is wanted, and is there within seconds.
+void trim(const QString& source, double start, double end, const QString& destination,
+          MovieExport::Completion completion)
+{
+    MovieExport::trimInBackground(source, start, end, destination, std::move(completion));
+}
+
 /// `exportGIF` may be unset.
 std::shared_ptr<Subsystems::Editor>
 makeVideoEditor(const QUrl& video, const decltype(Subsystems::GIF::exportVideo)& exportGIF)
@@ -60,7 +67,7 @@ makeVideoEditor(const QUrl& video, const decltype(Subsystems::GIF::exportVideo)&
                                  .openPlayer = Player::open,
                                  .loader = FilmLoader::system(),
                                  .readDuration = durationOf,
-                                 .trim = {},
+                                 .trim = trim,
                                  .exportGIF = {}};
     if (exportGIF)
         services.exportGIF = [exportGIF](const QUrl& file, FilmRange range, const QUrl& destination,
@@ -151,13 +158,13 @@ int main(int argc, char** argv)
     Subsystems subsystems;
     subsystems.loadChipContent = ChipThumbnail::loadInBackground;
     subsystems.editors.makeImageEditor = makeImageEditor;
+    RecordingManager recorder(RecordingTools::system());
+    subsystems.recorder = recorderSubsystem(recorder);
+    subsystems.controls.make = makeRecordingControls;
     subsystems.editors.makeVideoEditor = [exportGIF = subsystems.gif.exportVideo](
                                              const QUrl& video) {
         return makeVideoEditor(video, exportGIF);
     };
-    RecordingManager recorder(RecordingTools::system());
-    subsystems.recorder = recorderSubsystem(recorder);
-    subsystems.controls.make = makeRecordingControls;
     AppDelegate delegate(preferences, Clock::system(), std::move(subsystems));
     QTimer::singleShot(0, &delegate, [&] { delegate.applicationDidFinishLaunching(instance); });
     return QApplication::exec();
