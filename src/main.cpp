@@ -161,8 +161,8 @@ int main(int argc, char** argv)
     RecordingManager recorder(RecordingTools::system());
     subsystems.recorder = recorderSubsystem(recorder);
     subsystems.controls.make = makeRecordingControls;
-    subsystems.editors.makeVideoEditor = [exportGIF = subsystems.gif.exportVideo](
-                                             const QUrl& video) {
+    subsystems.editors.makeVideoEditor = [exportGIF =
+                                              subsystems.gif.exportVideo](const QUrl& video) {
         return makeVideoEditor(video, exportGIF);
     };
     AppDelegate delegate(preferences, Clock::system(), std::move(subsystems));

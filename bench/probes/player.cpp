@@ -1,6 +1,7 @@
-// `bench_player ROUNDS FILE`: opens a video in its editor and drags a handle of its range. Prints, in
-// milliseconds: the first opening to its first frame, which loads the libraries; the median of the
-// further ones; then the median and the most of from where a handle is drawn to the frame there.
+// `bench_player ROUNDS FILE`: opens a video in its editor and drags a handle of its range. Prints,
+// in milliseconds: the first opening to its first frame, which loads the libraries; the median of
+// the further ones; then the median and the most of from where a handle is drawn to the frame
+// there.
 
 #include "Editor/PlayerView.h"
 #include "Editor/TrimBar.h"

@@ -100,8 +100,8 @@ void FilmPlayback::step(int frames)
     if (!isReady())
         return;
     pause();
-    seek(m_frames.startOf(std::clamp(m_frames.frameAt(m_state.time) + frames, 0,
-                                     m_frames.count() - 1)));
+    seek(m_frames.startOf(
+        std::clamp(m_frames.frameAt(m_state.time) + frames, 0, m_frames.count() - 1)));
 }
 
 void FilmPlayback::toggleMuted()

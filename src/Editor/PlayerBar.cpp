@@ -91,8 +91,8 @@ PlayerBar::PlayerBar(QWidget* parent)
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(insets);
     row->setSpacing(spacing);
-    for (QWidget* item : std::initializer_list<QWidget*>{m_play, m_elapsed, m_position, m_total,
-                                                         m_mute, m_volume})
+    for (QWidget* item :
+         std::initializer_list<QWidget*>{m_play, m_elapsed, m_position, m_total, m_mute, m_volume})
         row->addWidget(item);
 
     connect(m_play, &ChromeButton::clicked, this, &PlayerBar::playClicked);

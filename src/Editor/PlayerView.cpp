@@ -104,8 +104,7 @@ void PlayerView::connectTrimBar()
         m_playback.seek(time);
     });
     connect(&strip, &TrimStrip::resized, this, [this] {
-        m_clock.after(restBeforeReading,
-                      Guarded::any(this, [this, version = ++m_stripVersion] {
+        m_clock.after(restBeforeReading, Guarded::any(this, [this, version = ++m_stripVersion] {
                           if (version == m_stripVersion && isTrimming())
                               loadStrip();
                       }));
@@ -199,15 +198,14 @@ void PlayerView::loadStrip()
     m_stripReading.cancel();
     m_stripReading = Cancellation();
     if (m_loader.readFrames)
-        m_loader.readFrames(
-            m_path, times, strip.framePixels(aspect),
-            Guarded::any<int, const QImage&>(
-                this,
-                [this, reading = m_stripReading](int index, const QImage& frame) {
-                    if (!reading.isCancelled())
-                        m_trimBar->strip().setFrame(index, frame);
-                }),
-            m_stripReading);
+        m_loader.readFrames(m_path, times, strip.framePixels(aspect),
+                            Guarded::any<int, const QImage&>(
+                                this,
+                                [this, reading = m_stripReading](int index, const QImage& frame) {
+                                    if (!reading.isCancelled())
+                                        m_trimBar->strip().setFrame(index, frame);
+                                }),
+                            m_stripReading);
 }
 
 void PlayerView::moveHandle(TrimModel::Handle side, double time)
@@ -300,8 +298,8 @@ void PlayerView::placeBars()
 {
     for (QWidget* bar : std::initializer_list<QWidget*>{m_bar, m_trimBar}) {
         const int height = bar->sizeHint().height();
-        bar->setGeometry(barMargin, QWidget::height() - height - barMargin,
-                         width() - 2 * barMargin, height);
+        bar->setGeometry(barMargin, QWidget::height() - height - barMargin, width() - 2 * barMargin,
+                         height);
     }
 }
 
@@ -324,9 +322,8 @@ void PlayerView::revealControls()
 {
     ++m_activity;
     m_fade->set(1);
-    m_clock.after(restBeforeHiding, Guarded::any(this, [this, since = m_activity] {
-                      hideControlsIfUnused(since);
-                  }));
+    m_clock.after(restBeforeHiding,
+                  Guarded::any(this, [this, since = m_activity] { hideControlsIfUnused(since); }));
 }
 
 void PlayerView::hideControlsIfUnused(int since)

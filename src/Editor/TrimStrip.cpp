@@ -130,8 +130,7 @@ void TrimStrip::placeHandles()
     m_start->showTime(range.start, duration);
     m_end->showTime(range.end, duration);
     const int left = static_cast<int>(std::lround(line().x(range.start)));
-    const int right =
-        std::max(static_cast<int>(std::lround(line().x(range.end))), left + 1);
+    const int right = std::max(static_cast<int>(std::lround(line().x(range.end))), left + 1);
     m_start->setGeometry(left - TrimHandle::breadth, 0, TrimHandle::breadth, height());
     m_end->setGeometry(right, 0, TrimHandle::breadth, height());
 }

@@ -114,11 +114,11 @@ void VideoEditorWindowController::buildUI()
 {
     const QString path = m_videoURL.toLocalFile();
     m_toolbar = new VideoEditorToolbar;
-    m_playerView = new PlayerView({.path = path,
-                                   .player = m_services.openPlayer ? m_services.openPlayer(path)
-                                                                   : nullptr,
-                                   .loader = m_services.loader},
-                                  m_services.clock);
+    m_playerView =
+        new PlayerView({.path = path,
+                        .player = m_services.openPlayer ? m_services.openPlayer(path) : nullptr,
+                        .loader = m_services.loader},
+                       m_services.clock);
     auto* column = new QVBoxLayout(m_window.get());
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -201,8 +201,7 @@ void VideoEditorWindowController::saveTrimmed()
         Guarded::once<const MovieExport::Outcome&>(QCoreApplication::instance(), ended));
 }
 
-void VideoEditorWindowController::trimEnded(const MovieExport::Outcome& outcome,
-                                            const QUrl& output)
+void VideoEditorWindowController::trimEnded(const MovieExport::Outcome& outcome, const QUrl& output)
 {
     if (!outcome.succeeded()) {
         flashTitle(QStringLiteral("Export failed"));

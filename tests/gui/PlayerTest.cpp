@@ -1,8 +1,8 @@
 // The player itself, on real files.
 
+#include "Media/Player.h"
 #include "Media/FilmTimes.h"
 #include "Media/FrameReader.h"
-#include "Media/Player.h"
 #include "Media/PlayerModule.h"
 #include "support/EventLoop.h"
 #include "support/TemporaryFolder.h"
@@ -245,7 +245,8 @@ TEST_F(PlayerTest, WhatCannotBePlayedFails)
     writeFile(*films / "cut.mp4", whole.substr(0, 64)); // without its index
     ASSERT_EQ(mkfifo((*films / "pipe.mp4").c_str(), 0600), 0);
     for (const std::string name :
-         {"empty.mp4", "text.mp4", "list.mp4", "edl.mp4", "cut.mp4", "pipe.mp4", "none.mp4", ""}) {
+         {"empty.mp4", "text.mp4", "list.mp4", "edl.mp4", "cut.mp4", "pipe.mp4", "none.mp4", ""})
+    {
         SCOPED_TRACE(name);
         open(*films / name);
         EXPECT_TRUE(runUntil([&] { return player->state().phase == Phase::failed; }));

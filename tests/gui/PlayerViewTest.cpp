@@ -41,8 +41,11 @@ protected:
 
 TEST_F(PlayerViewTest, ThePictureIsFittedIntoBlack)
 {
-    // 980 x 594 points for 16 to 9.
-    EXPECT_EQ(view().pictureRect(), QRectF(0, 21, 980, 551));
+    // 980 x 594 points for 16 to 9; it stands on whole pixels.
+    const QRectF picture = view().pictureRect();
+    EXPECT_EQ(picture.topLeft(), QPointF(0, 21));
+    EXPECT_EQ(picture.width(), 980);
+    EXPECT_NEAR(picture.height(), 551.25, 0.5);
     const QImage grab = view().grab().toImage();
     const double ratio = grab.devicePixelRatio();
     const auto colour = [&](int x, int y) {

@@ -60,26 +60,27 @@ protected:
 
     VideoEditorServices services()
     {
-        return {.clock = clock.clock(),
-                .openPlayer = [this](const QString&) { return std::make_unique<FakePlayer>(record); },
-                .loader = {.readTimes = [this](const QString&, FilmLoader::GotTimes got,
-                                               const Cancellation&) { gotTimes = std::move(got); },
-                           .readFrames =
-                               [this](const QString&, const std::vector<double>& times, QSize box,
-                                      FilmLoader::GotFrame got, const Cancellation& cancellation) {
-                                   strips.push_back({times, box, std::move(got), cancellation});
-                               }},
-                .readDuration = [](const QString&) { return std::optional(12.5); },
-                .trim =
-                    [this](const QString& source, double start, double end,
-                           const QString& destination, MovieExport::Completion completion) {
-                        trims.push_back({source, start, end, destination, std::move(completion)});
-                    },
-                .exportGIF =
-                    [this](const QUrl& video, FilmRange range, const QUrl& destination,
-                           std::function<void(bool)> completion) {
-                        gifs.push_back({video, range, destination, std::move(completion)});
-                    }};
+        return {
+            .clock = clock.clock(),
+            .openPlayer = [this](const QString&) { return std::make_unique<FakePlayer>(record); },
+            .loader = {.readTimes = [this](const QString&, FilmLoader::GotTimes got,
+                                           const Cancellation&) { gotTimes = std::move(got); },
+                       .readFrames =
+                           [this](const QString&, const std::vector<double>& times, QSize box,
+                                  FilmLoader::GotFrame got, const Cancellation& cancellation) {
+                               strips.push_back({times, box, std::move(got), cancellation});
+                           }},
+            .readDuration = [](const QString&) { return std::optional(12.5); },
+            .trim =
+                [this](const QString& source, double start, double end, const QString& destination,
+                       MovieExport::Completion completion) {
+                    trims.push_back({source, start, end, destination, std::move(completion)});
+                },
+            .exportGIF =
+                [this](const QUrl& video, FilmRange range, const QUrl& destination,
+                       std::function<void(bool)> completion) {
+                    gifs.push_back({video, range, destination, std::move(completion)});
+                }};
     }
 
     void open(const QUrl& video)

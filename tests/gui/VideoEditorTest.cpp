@@ -158,8 +158,7 @@ TEST_F(VideoEditorTest, AFailedExportIsLogged)
     editor->saveTrimmed();
     trims[0].completion({End::failed, "the disk is full"});
     EXPECT_EQ(title(), text("Export failed"));
-    EXPECT_EQ(TestLog::takeLines(),
-              QStringList{text("video export failed: the disk is full")});
+    EXPECT_EQ(TestLog::takeLines(), QStringList{text("video export failed: the disk is full")});
     EXPECT_TRUE(produced.empty());
 }
 
@@ -176,8 +175,9 @@ TEST_F(VideoEditorTest, AnExportEndsOnAnotherThread)
 {
     openReady();
     editor->saveTrimmed();
-    const std::unique_ptr<QThread> thread(
-        QThread::create([&] { trims[0].completion({End::completed, {}}); }));
+    const std::unique_ptr<QThread> thread(QThread::create([&] {
+        trims[0].completion({End::completed, {}});
+    }));
     thread->start();
     thread->wait();
     EXPECT_TRUE(produced.empty());

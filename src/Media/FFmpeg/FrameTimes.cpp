@@ -18,7 +18,8 @@ std::vector<double> timesOf(VideoFile& file, const AVStream& track, const Patien
     std::vector<double> times;
     const Av::Packet packet(av_packet_alloc());
     while (packet && times.size() < mostFrames && !patience.isOver() &&
-           av_read_frame(&file.context(), packet.get()) >= 0) {
+           av_read_frame(&file.context(), packet.get()) >= 0)
+    {
         const std::int64_t ticks = packet->pts == AV_NOPTS_VALUE ? packet->dts : packet->pts;
         const bool shows = packet->stream_index == track.index && ticks != AV_NOPTS_VALUE &&
                            (packet->flags & AV_PKT_FLAG_DISCARD) == 0;

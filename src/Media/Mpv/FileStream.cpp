@@ -26,10 +26,9 @@ std::int64_t read(void* cookie, char* bytes, std::uint64_t most)
 {
     Reading& it = reading(cookie);
     const std::int64_t left = std::max<std::int64_t>(it.file.size - it.position, 0);
-    const ssize_t count =
-        pread(it.file.descriptor.get(), bytes,
-              static_cast<std::size_t>(std::min(most, static_cast<std::uint64_t>(left))),
-              it.position);
+    const ssize_t count = pread(
+        it.file.descriptor.get(), bytes,
+        static_cast<std::size_t>(std::min(most, static_cast<std::uint64_t>(left))), it.position);
     if (count > 0)
         it.position += count;
     return count;

@@ -66,8 +66,13 @@ QImage alignedImage(QSize pixels)
         std::aligned_alloc(alignment, row * static_cast<std::size_t>(pixels.height()));
     if (!bytes)
         throw std::bad_alloc();
-    return {static_cast<uchar*>(bytes), pixels.width(),        pixels.height(),
-            static_cast<qsizetype>(row), QImage::Format_RGB32, std::free, bytes};
+    return {static_cast<uchar*>(bytes),
+            pixels.width(),
+            pixels.height(),
+            static_cast<qsizetype>(row),
+            QImage::Format_RGB32,
+            std::free,
+            bytes};
 }
 
 template <typename Value>

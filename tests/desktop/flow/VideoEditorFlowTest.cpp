@@ -49,8 +49,8 @@ TEST_P(VideoEditorFlow, PlaysTrimsAndGivesAway)
 
     // Keys play, pause and go by frames.
     ASSERT_TRUE(succeeded(press("space")));
-    ASSERT_TRUE(succeeded(waitUntil(QStringLiteral("a later frame"),
-                                    [&] { return editor->frame() > 5; })));
+    ASSERT_TRUE(
+        succeeded(waitUntil(QStringLiteral("a later frame"), [&] { return editor->frame() > 5; })));
     ASSERT_TRUE(succeeded(press("space")));
     ASSERT_TRUE(succeeded(press("Home")));
     ASSERT_TRUE(succeeded(editor->awaitFrame(0)));
@@ -97,9 +97,10 @@ TEST_P(VideoEditorFlow, PlaysTrimsAndGivesAway)
         return uris() == QUrl::fromLocalFile(film).toEncoded();
     })));
     ASSERT_TRUE(succeeded(press("ctrl+w")));
-    EXPECT_TRUE(succeeded(windows().awaitNone(
-        QStringLiteral("the editor"),
-        [&](const Window& window) { return window.id == editor->id(); })));
+    EXPECT_TRUE(
+        succeeded(windows().awaitNone(QStringLiteral("the editor"), [&](const Window& window) {
+            return window.id == editor->id();
+        })));
 }
 
 INSTANTIATE_TEST_SUITE_P(VideoEditors, VideoEditorFlow,

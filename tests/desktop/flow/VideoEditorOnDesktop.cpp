@@ -64,14 +64,13 @@ Outcome<QString> VideoEditorOnDesktop::makeFilm(const VirtualDesktop& desktop)
                                .arg(frameCount / frameRate)
                                .arg(darkest)
                                .arg(step);
-    const auto made =
-        run(QStringLiteral("ffmpeg"),
-            {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-f"),
-             QStringLiteral("lavfi"), QStringLiteral("-i"), frames, QStringLiteral("-pix_fmt"),
-             QStringLiteral("yuv420p"), QStringLiteral("-crf"), QStringLiteral("4"),
-             QStringLiteral("-g"), QStringLiteral("30"), QStringLiteral("-bf"), QStringLiteral("0"),
-             path},
-            QProcessEnvironment::systemEnvironment());
+    const auto made = run(QStringLiteral("ffmpeg"),
+                          {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-f"),
+                           QStringLiteral("lavfi"), QStringLiteral("-i"), frames,
+                           QStringLiteral("-pix_fmt"), QStringLiteral("yuv420p"),
+                           QStringLiteral("-crf"), QStringLiteral("4"), QStringLiteral("-g"),
+                           QStringLiteral("30"), QStringLiteral("-bf"), QStringLiteral("0"), path},
+                          QProcessEnvironment::systemEnvironment());
     if (!made)
         return made.failure();
     return path;

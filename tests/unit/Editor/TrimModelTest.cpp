@@ -1,5 +1,5 @@
-#include "Editor/FrameGrid.h"
 #include "Editor/TrimModel.h"
+#include "Editor/FrameGrid.h"
 
 #include <gtest/gtest.h>
 
