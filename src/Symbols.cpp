@@ -73,6 +73,10 @@ Entry entry(Symbol symbol)
         return {"rectangle", Designs::rectangle};
     case Symbol::scribble:
         return {"scribble", Designs::scribble};
+    case Symbol::speakerSlashFill:
+        return {"speaker.slash.fill", Designs::speakerSlashFill};
+    case Symbol::speakerWaveFill:
+        return {"speaker.wave.2.fill", Designs::speakerWaveFill};
     case Symbol::stopCircleFill:
         return {"stop.circle.fill", Designs::stopCircleFill};
     case Symbol::stopFill:

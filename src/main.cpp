@@ -1,7 +1,9 @@
 #include "AppDelegate.h"
 #include "ChipThumbnail.h"
 #include "Editor/EditorWindowController.h"
+#include "Editor/VideoEditorWindowController.h"
 #include "GIFExporter.h"
+#include "Media/FrameReader.h"
 #include "Platform/Application.h"
 #include "Platform/Defaults.h"
 #include "Preferences.h"
@@ -41,6 +43,59 @@ std::shared_ptr<Subsystems::Editor> makeImageEditor(const QUrl& image)
     controller->onClose = [handle = std::weak_ptr(editor)](EditorWindowController*) {
         if (const auto closed = handle.lock(); closed && closed->onClose)
             closed->onClose(closed.get());
+    };
+    return editor;
+}
+
+std::optional<double> durationOf(const QString& video)
+{
+    const auto film = FrameReader::open(video);
+    return film ? film->duration() : std::nullopt;
+}
+
+/// The end of the program waits for it: the file is wanted, and is there within seconds.
+void trim(const QString& source, double start, double end, const QString& destination,
+          MovieExport::Completion completion)
+{
+    MovieExport::trimInBackground(source, start, end, destination, std::move(completion));
+}
+
+/// `exportGIF` may be unset.
+std::shared_ptr<Subsystems::Editor>
+makeVideoEditor(const QUrl& video, const decltype(Subsystems::GIF::exportVideo)& exportGIF)
+{
+    VideoEditorServices services{.clock = Clock::system(),
+                                 .openPlayer = Player::open,
+                                 .loader = FilmLoader::system(),
+                                 .readDuration = durationOf,
+                                 .trim = trim,
+                                 .exportGIF = {}};
+    if (exportGIF)
+        services.exportGIF = [exportGIF](const QUrl& file, FilmRange range, const QUrl& destination,
+                                         std::function<void(bool)> completion) {
+            exportGIF(file, {range.start, range.end - range.start}, destination,
+                      std::move(completion));
+        };
+    // It may end from within one of its own events.
+    const std::shared_ptr<VideoEditorWindowController> controller(
+        VideoEditorWindowController::open(video, std::move(services)).release(),
+        [](VideoEditorWindowController* closed) {
+            if (closed)
+                closed->deleteLater();
+        });
+    if (!controller)
+        return nullptr;
+    auto editor = std::make_shared<Subsystems::Editor>();
+    editor->fileURL = video;
+    editor->makeKeyAndOrderFront = [controller] { controller->makeKeyAndOrderFront(); };
+    // The editor's owner drops it meanwhile.
+    controller->onClose = [handle = std::weak_ptr(editor)](VideoEditorWindowController*) {
+        if (const auto closed = handle.lock(); closed && closed->onClose)
+            closed->onClose(closed.get());
+    };
+    controller->onFileProduced = [handle = std::weak_ptr(editor)](const QUrl& file) {
+        if (const auto open = handle.lock(); open && open->onFileProduced)
+            open->onFileProduced(file);
     };
     return editor;
 }
@@ -108,6 +163,10 @@ int main(int argc, char** argv)
     subsystems.recorder = recorderSubsystem(recorder);
     subsystems.controls.make = makeRecordingControls;
     subsystems.gif.exportVideo = GIFExporter::exportVideo;
+    subsystems.editors.makeVideoEditor = [exportGIF =
+                                              subsystems.gif.exportVideo](const QUrl& video) {
+        return makeVideoEditor(video, exportGIF);
+    };
     AppDelegate delegate(preferences, Clock::system(), std::move(subsystems));
     QTimer::singleShot(0, &delegate, [&] { delegate.applicationDidFinishLaunching(instance); });
     return QApplication::exec();

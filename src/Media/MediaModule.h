@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Media/AnimatedGIF.h"
+#include "Media/FilmTimes.h"
 #include "Media/FrameReader.h"
 #include "Media/MovieExport.h"
 
@@ -11,11 +12,15 @@ struct MediaModule {
     /// As FrameReader::open.
     Result<std::unique_ptr<FrameSource>> (*openFrames)(const QString& path,
                                                        const FrameReaderLimits& limits);
+    /// As FilmTimes::read.
+    Result<FilmTimes> (*readTimes)(const QString& path, const FrameReaderLimits& limits);
     /// As MovieExport's of the same names.
     MovieExport::Outcome (*remux)(const QString& source, const QString& destination,
                                   const Cancellation& cancellation);
     MovieExport::Outcome (*concatenate)(const QStringList& segments, const QString& destination,
                                         const Cancellation& cancellation);
+    MovieExport::Outcome (*trim)(const QString& source, double start, double end,
+                                 const QString& destination, const Cancellation& cancellation);
     /// As AnimatedGIF::write.
     PossibleFailure (*writeGIF)(const QString& video, const AnimatedGIF::Frames& frames,
                                 const QString& destination, const Cancellation& cancellation);

@@ -31,6 +31,13 @@ MovieExport::Outcome MovieExport::concatenate(const QStringList& segments,
     return module ? module->concatenate(segments, destination, cancellation) : missingModule();
 }
 
+MovieExport::Outcome MovieExport::trim(const QString& source, double start, double end,
+                                       const QString& destination, const Cancellation& cancellation)
+{
+    const MediaModule* const module = MediaModule::get();
+    return module ? module->trim(source, start, end, destination, cancellation) : missingModule();
+}
+
 void MovieExport::remuxInBackground(const QString& source, const QString& destination,
                                     Completion completion, const Cancellation& cancellation,
                                     OnThread onThread)
@@ -50,5 +57,14 @@ void MovieExport::concatenateInBackground(const QStringList& segments, const QSt
         if (onThread)
             onThread();
         completion(concatenate(segments, destination, cancellation));
+    });
+}
+
+void MovieExport::trimInBackground(const QString& source, double start, double end,
+                                   const QString& destination, Completion completion,
+                                   const Cancellation& cancellation)
+{
+    threads().start([=, completion = std::move(completion)] {
+        completion(trim(source, start, end, destination, cancellation));
     });
 }

@@ -56,6 +56,17 @@ Outcome remux(const QString& source, const QString& destination,
 Outcome concatenate(const QStringList& segments, const QString& destination,
                     const Cancellation& cancellation = {});
 
+/// Copies what `source` plays from `start` up to `end`, in seconds of FrameReader's time line, into
+/// a movie that plays just that: the same pictures to the frame, the same sound to the sample,
+/// neither encoded again (sound that MP4 cannot hold becomes AAC). The first picture is the one
+/// that shows at `start`, for as long as it still does. What the first pictures refer to comes
+/// along and is not shown, which an edit list says. An `end` past the film's is the film's; it is a
+/// failure when nothing plays in the range. Of films whose pictures refer to later ones, which ours
+/// never do, a few more pictures may show at the end. FFmpeg's players may sound up to an AAC block
+/// (21 ms) past the end, since they read of that in whole blocks. Any thread.
+Outcome trim(const QString& source, double start, double end, const QString& destination,
+             const Cancellation& cancellation = {});
+
 /// The same on a thread of their own. `completion` is called in any case; the end of the program
 /// waits for it, so whoever does not want that cancels. Exports do not wait for each other.
 /// `onThread` is called on that thread first, before it starts any others.
@@ -64,5 +75,7 @@ void remuxInBackground(const QString& source, const QString& destination, Comple
 void concatenateInBackground(const QStringList& segments, const QString& destination,
                              Completion completion, const Cancellation& cancellation = {},
                              OnThread onThread = {});
+void trimInBackground(const QString& source, double start, double end, const QString& destination,
+                      Completion completion, const Cancellation& cancellation = {});
 
 } // namespace MovieExport

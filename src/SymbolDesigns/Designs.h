@@ -23,6 +23,8 @@ Design cameraViewfinder(double line);
 Design micFill(double line);
 Design pauseFill(double line);
 Design playFill(double line);
+Design speakerSlashFill(double line);
+Design speakerWaveFill(double line);
 Design stopCircleFill(double line);
 Design stopFill(double line);
 Design videoFill(double line);

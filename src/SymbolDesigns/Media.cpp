@@ -53,6 +53,14 @@ QPainterPath cameraBody()
     return body;
 }
 
+/// A loudspeaker seen from its side, at the left of a box of 16 x 14.
+QPainterPath speaker()
+{
+    using namespace SymbolDesigns;
+    return unite(roundedRect({0.4, 4.2, 5, 5.6}, 1.2),
+                 roundedPolygon({{2.2, 7}, {8, 1.2}, {8, 12.8}}, 1));
+}
+
 } // namespace
 
 namespace SymbolDesigns {
@@ -123,6 +131,32 @@ Design playFill(double)
 {
     // Its middle of mass, not that of its box, stands in the middle.
     return {12, {12, 12}, roundedPolygon({{1, -0.6}, {12.6, 6}, {1, 12.6}}, 1.5)};
+}
+
+Design speakerSlashFill(double line)
+{
+    constexpr double em = 12;
+    const double width = line * em;
+    const QPainterPath slash = polyline({{2, 1.2}, {14.6, 12.8}});
+    // A gap above keeps it apart.
+    const QPainterPath broken =
+        cut(speaker().translated(3.6, 0), stroke(slash.translated(0.75, -0.75), width * 1.8));
+    return {em, {16, 14}, unite(broken, stroke(slash, width))};
+}
+
+Design speakerWaveFill(double line)
+{
+    constexpr double em = 12;
+    const double width = line * em;
+    constexpr QPointF mouth(6.4, 7);
+    QPainterPath waves;
+    for (const double radius : {4.0, 7.6}) {
+        constexpr double half = 42;
+        const QRectF circle(mouth.x() - radius, mouth.y() - radius, 2 * radius, 2 * radius);
+        waves.arcMoveTo(circle, -half);
+        waves.arcTo(circle, -half, 2 * half);
+    }
+    return {em, {16, 14}, unite(speaker(), stroke(waves, width))};
 }
 
 Design stopCircleFill(double)

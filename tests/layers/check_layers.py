@@ -73,6 +73,11 @@ LAYERS = {
         ["base", "support", "media", "gif", "av"],
         ["Core", "Gui"],
         libraries=["av"]),
+    "mpv": Layer(
+        ["src/Media/Mpv/*"],
+        ["base", "support", "media"],
+        ["Core", "Gui"],
+        libraries=["mpv"]),
     "media": Layer(["src/Media/*"], ["base", "support"], ["Core", "Gui"]),
     "model": Layer(
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
@@ -81,7 +86,7 @@ LAYERS = {
          "src/GIFSchedule.*", "src/TimeRange.*",
          "src/Editor/Annotation*", "src/Editor/BaseImage.*", "src/Editor/Sidecar*",
          "src/Editor/CanvasLayer.*", "src/Editor/CanvasModel.*", "src/Editor/CanvasPicture.*",
-         "src/Editor/EditorLayout.*", "src/Editor/ScaledPicture.*", "src/Editor/UndoHistory.*"],
+         "src/Editor/EditorLayout.*", "src/Editor/FrameGrid.*", "src/Editor/TrimModel.*", "src/Editor/ScaledPicture.*", "src/Editor/UndoHistory.*"],
         ["base", "support"],
         ["Core", "Gui"]),
     "services": Layer(
@@ -150,6 +155,7 @@ LIBRARIES = {
     "png": ["libdeflate.h", "png.h"],
     "av": ["libav*/*", "libsw*/*"],
     "pulse": ["pulse/*"],
+    "mpv": ["mpv/*"],
 }
 
 OS_MACRO = re.compile(

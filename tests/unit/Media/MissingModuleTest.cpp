@@ -10,7 +10,8 @@ TEST(MissingModule, MakesVideosUnreadableAndExportsImpossible)
     const QString file = QStringLiteral("/nothing/here.mov");
     EXPECT_FALSE(FrameReader::open(file));
     for (const MovieExport::Outcome& outcome :
-         {MovieExport::remux(file, file), MovieExport::concatenate({file, file}, file)})
+         {MovieExport::remux(file, file), MovieExport::concatenate({file, file}, file),
+          MovieExport::trim(file, 0, 1, file)})
     {
         EXPECT_EQ(outcome.end, MovieExport::End::impossible);
         EXPECT_NE(outcome.reason.find("missing"), std::string::npos);

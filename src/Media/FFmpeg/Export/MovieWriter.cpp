@@ -65,6 +65,24 @@ AVStream* MovieWriter::addTrack(const AVCodecParameters& parameters, AVRational 
     return track;
 }
 
+AVStream* MovieWriter::addCopyOf(const AVStream& track)
+{
+    AVStream* const copy = addTrack(*track.codecpar, track.time_base);
+    if (!copy)
+        return nullptr;
+    copy->disposition = track.disposition;
+    copy->sample_aspect_ratio = track.sample_aspect_ratio;
+    av_dict_copy(&copy->metadata, track.metadata, 0);
+    for (int i = 0; i < track.nb_side_data; ++i) {
+        const AVPacketSideData& data = track.side_data[i]; // how it is turned, among others
+        std::uint8_t* const place = av_stream_new_side_data(copy, data.type, data.size);
+        if (!place)
+            return nullptr;
+        std::copy_n(data.data, data.size, place);
+    }
+    return copy;
+}
+
 PossibleFailure MovieWriter::begin(std::optional<std::int64_t> indexRoom)
 {
     AVDictionary* options = nullptr;

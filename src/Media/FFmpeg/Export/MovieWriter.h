@@ -22,6 +22,10 @@ public:
     /// `ticks`. Null when there is no memory left.
     AVStream* addTrack(const AVCodecParameters& parameters, AVRational ticks);
 
+    /// A track for the packets of `track`, another file's, as they are: with its ticks, turn,
+    /// colours and names. Null when there is no memory left.
+    AVStream* addCopyOf(const AVStream& track);
+
     /// `indexRoom` are bytes for an index that is known not to be larger. Without them the samples
     /// are moved at the end to make room.
     PossibleFailure begin(std::optional<std::int64_t> indexRoom = {});

@@ -1,11 +1,10 @@
 #include "Media/FFmpeg/Export/Remux.h"
 
-#include "Media/Av/Text.h"
 #include "Media/FFmpeg/Export/ExportPatience.h"
 #include "Media/FFmpeg/Export/IndexRoom.h"
+#include "Media/FFmpeg/Export/MovieReader.h"
 #include "Media/FFmpeg/Export/MovieWriter.h"
 #include "Media/FFmpeg/Export/SoundJoin.h"
-#include "Media/FFmpeg/Tracks.h"
 
 #include <QFile>
 
@@ -34,16 +33,14 @@ private:
     PossibleFailure open();
     PossibleFailure findFirst();
     PossibleFailure addTracks();
-    AVStream* addCopied(const AVStream& track);
     PossibleFailure copyPackets();
     PossibleFailure copy(AVPacket& packet);
-    bool readPacket();
-    Failure nothingToPlay() const { return {"there is no picture in " + m_source}; }
+    Failure nothingToPlay() const { return MovieReader::noPictureIn(m_source); }
 
     std::string m_source;
     std::string m_destination;
     Patience m_patience;
-    std::unique_ptr<VideoFile> m_file;
+    std::unique_ptr<MovieReader> m_reader;
     AVStream* m_picture = nullptr; // the source's
     AVStream* m_sound = nullptr;   // the source's; null when there is none
     Av::Packet m_packet;
@@ -68,18 +65,14 @@ PossibleFailure Remux::run()
 
 PossibleFailure Remux::open()
 {
-    auto file = VideoFile::open(m_source, m_patience);
-    if (!file)
-        return file.failure();
-    m_file = std::move(*file);
-    m_picture = Tracks::picture(m_file->context());
-    m_sound = Tracks::sound(m_file->context());
-    if (!m_picture)
-        return nothingToPlay();
-    if (!MovieWriter::canHold(*m_picture->codecpar))
-        return Failure{"an MP4 cannot hold the video of " + m_source};
+    auto reader = MovieReader::open(m_source, m_patience);
+    if (!reader)
+        return reader.failure();
+    m_reader = std::move(*reader);
+    m_picture = &m_reader->picture();
+    m_sound = m_reader->sound();
     const bool isCopied = m_sound && MovieWriter::canHold(*m_sound->codecpar);
-    Tracks::readOnly(m_file->context(), m_picture, isCopied ? m_sound : nullptr);
+    m_reader->readOnly(m_picture, isCopied ? m_sound : nullptr);
     return {};
 }
 
@@ -87,7 +80,7 @@ PossibleFailure Remux::open()
 PossibleFailure Remux::findFirst()
 {
     std::size_t bytes = 0;
-    while (!m_hasKey && bytes < mostBytesBefore && readPacket()) {
+    while (!m_hasKey && bytes < mostBytesBefore && m_reader->read(*m_packet)) {
         const bool isPicture = m_packet->stream_index == m_picture->index;
         m_hasKey = isPicture && (m_packet->flags & AV_PKT_FLAG_KEY) != 0;
         if (isPicture && !m_hasKey)
@@ -110,11 +103,11 @@ PossibleFailure Remux::addTracks()
     if (!movie)
         return movie.failure();
     m_movie = std::move(*movie);
-    m_copiedPicture = addCopied(*m_picture);
+    m_copiedPicture = m_movie->addCopyOf(*m_picture);
     if (!m_copiedPicture)
         return Failure{"there is no memory left"};
     if (m_sound && MovieWriter::canHold(*m_sound->codecpar)) {
-        m_copiedSound = addCopied(*m_sound);
+        m_copiedSound = m_movie->addCopyOf(*m_sound);
         if (!m_copiedSound)
             return Failure{"there is no memory left"};
     } else if (m_sound && SoundReader::open(m_source, m_patience)) {
@@ -127,48 +120,6 @@ PossibleFailure Remux::addTracks()
         m_soundJoin ? std::nullopt : indexRoomFor({m_picture, m_copiedSound ? m_sound : nullptr}));
 }
 
-/// The movie's own; null when there is no memory left.
-AVStream* Remux::addCopied(const AVStream& track)
-{
-    AVStream* const copy = m_movie->addTrack(*track.codecpar, track.time_base);
-    if (!copy)
-        return nullptr;
-    copy->disposition = track.disposition;
-    copy->sample_aspect_ratio = track.sample_aspect_ratio;
-    av_dict_copy(&copy->metadata, track.metadata, 0);
-    for (int i = 0; i < track.nb_side_data; ++i) {
-        const AVPacketSideData& data = track.side_data[i]; // how it is turned, among others
-        std::uint8_t* const place = av_stream_new_side_data(copy, data.type, data.size);
-        if (!place)
-            return nullptr;
-        std::copy_n(data.data, data.size, place);
-    }
-    return copy;
-}
-
-bool Remux::readPacket()
-{
-    while (!m_patience.isOver()) {
-        av_packet_unref(m_packet.get());
-        const int error = av_read_frame(&m_file->context(), m_packet.get());
-        if (error == AVERROR(EAGAIN))
-            continue;
-        if (error < 0)
-            return false;
-        // Half a packet is where the file is broken off.
-        if ((m_packet->flags & AV_PKT_FLAG_CORRUPT) != 0 || m_packet->size == 0)
-            continue;
-        // What FFmpeg says of fragments is a guess or nothing, and the last sample would be lost.
-        const bool isPicture = m_packet->stream_index == m_picture->index;
-        if (m_packet->pts == m_packet->dts) {
-            const auto end = Tracks::endOfSample(isPicture ? *m_picture : *m_sound, m_packet->dts);
-            m_packet->duration = end ? *end - m_packet->dts : m_packet->duration;
-        }
-        return true;
-    }
-    return false;
-}
-
 PossibleFailure Remux::copyPackets()
 {
     for (const Av::Packet& packet : m_first) {
@@ -176,16 +127,14 @@ PossibleFailure Remux::copyPackets()
             return failure;
     }
     m_first.clear();
-    while (readPacket()) {
+    while (m_reader->read(*m_packet)) {
         if (PossibleFailure failure = copy(*m_packet))
             return failure;
     }
     if (m_patience.isOver())
         return ExportPatience::cancelled();
-    // A disk that cannot be read is not the file's end.
-    const int error = m_file->context().pb->error;
-    if (error < 0 && error != AVERROR_EOF)
-        return Failure{"cannot read " + m_source + ": " + Av::text(error)};
+    if (PossibleFailure failure = m_reader->readFailure())
+        return failure;
     return m_soundJoin ? m_soundJoin->finish() : std::nullopt;
 }
 

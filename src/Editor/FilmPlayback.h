@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Editor/FrameGrid.h"
+#include "Media/Player.h"
+
+#include <memory>
+#include <optional>
+
+/// Plays a film, or a range of it, by frames. Main thread only.
+class FilmPlayback {
+public:
+    /// Without a player there is nothing to be seen.
+    explicit FilmPlayback(std::unique_ptr<Player> player);
+
+    std::function<void()> onChange;
+    std::function<void()> onPicture;
+
+    const PlayerState& state() const { return m_state; }
+    bool isReady() const { return m_state.phase == PlayerState::Phase::ready; }
+    QImage picture(QSize pixels);
+
+    const FrameGrid& frames() const { return m_frames; }
+    /// Better than what the player knows.
+    void setFrames(FrameGrid frames);
+
+    /// Nothing outside is played or shown; the whole film when absent. Where the film stands stays.
+    void setLimits(std::optional<FilmRange> limits);
+    FilmRange limits() const;
+
+    /// From the beginning when nothing is left to be played.
+    void play();
+    void pause();
+    void togglePlaying();
+    /// Shows the frame that shows at a time.
+    void seek(double time);
+    /// From the frame that shows; it stands still then.
+    void step(int frames);
+    void toggleMuted();
+    /// From 0 to 1; sound that was off comes back.
+    void setVolume(double volume);
+
+private:
+    void playerChanged();
+    int firstFrame() const;
+    int lastFrame() const;
+
+    std::unique_ptr<Player> m_player;
+    PlayerState m_state;
+    FrameGrid m_frames;
+    bool m_framesAreTheFiles = false;
+    std::optional<FilmRange> m_limits;
+};

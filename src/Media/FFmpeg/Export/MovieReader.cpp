@@ -1,0 +1,73 @@
+#include "Media/FFmpeg/Export/MovieReader.h"
+
+#include "Media/Av/Text.h"
+#include "Media/FFmpeg/Export/MovieWriter.h"
+#include "Media/FFmpeg/Tracks.h"
+
+#include <utility>
+
+MovieReader::MovieReader(std::string path, std::unique_ptr<VideoFile> file, AVStream& picture,
+                         const Patience& patience)
+    : m_path(std::move(path))
+    , m_patience(patience)
+    , m_file(std::move(file))
+    , m_picture(picture)
+    , m_sound(Tracks::sound(m_file->context()))
+{
+}
+
+Result<std::unique_ptr<MovieReader>> MovieReader::open(const std::string& path,
+                                                       const Patience& patience)
+{
+    auto file = VideoFile::open(path, patience);
+    if (!file)
+        return file.failure();
+    AVStream* const picture = Tracks::picture((*file)->context());
+    if (!picture)
+        return noPictureIn(path);
+    if (!MovieWriter::canHold(*picture->codecpar))
+        return Failure{"an MP4 cannot hold the video of " + path};
+    return std::unique_ptr<MovieReader>(
+        new MovieReader(path, std::move(*file), *picture, patience));
+}
+
+void MovieReader::readOnly(const AVStream* wanted, const AVStream* alsoWanted)
+{
+    Tracks::readOnly(m_file->context(), wanted, alsoWanted);
+}
+
+bool MovieReader::seek(std::int64_t time)
+{
+    return av_seek_frame(&m_file->context(), m_picture.index, time, AVSEEK_FLAG_BACKWARD) >= 0;
+}
+
+bool MovieReader::read(AVPacket& packet)
+{
+    while (!m_patience.isOver()) {
+        av_packet_unref(&packet);
+        const int error = av_read_frame(&m_file->context(), &packet);
+        if (error == AVERROR(EAGAIN))
+            continue;
+        if (error < 0)
+            return false;
+        // Half a packet is where the file is broken off.
+        if ((packet.flags & AV_PKT_FLAG_CORRUPT) != 0 || packet.size == 0)
+            continue;
+        // What FFmpeg says of fragments is a guess or nothing, and the last sample would be lost.
+        const bool isPicture = packet.stream_index == m_picture.index;
+        if (packet.pts == packet.dts) {
+            const auto end = Tracks::endOfSample(isPicture ? m_picture : *m_sound, packet.dts);
+            packet.duration = end ? *end - packet.dts : packet.duration;
+        }
+        return true;
+    }
+    return false;
+}
+
+PossibleFailure MovieReader::readFailure()
+{
+    const int error = m_file->context().pb->error;
+    if (error < 0 && error != AVERROR_EOF)
+        return Failure{"cannot read " + m_path + ": " + Av::text(error)};
+    return {};
+}

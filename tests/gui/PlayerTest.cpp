@@ -1,0 +1,283 @@
+// The player itself, on real files.
+
+#include "Media/Player.h"
+#include "Media/FilmTimes.h"
+#include "Media/FrameReader.h"
+#include "Media/PlayerModule.h"
+#include "support/EventLoop.h"
+#include "support/TemporaryFolder.h"
+#include "unit/Media/Videos.h"
+
+#include <QColor>
+#include <QElapsedTimer>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+extern "C" const PlayerModule* tamrikPlayerModule();
+
+const PlayerModule* PlayerModule::get()
+{
+    return tamrikPlayerModule();
+}
+
+namespace {
+
+using Phase = PlayerState::Phase;
+
+constexpr int frameCount = 36;
+
+double timeOf(int frame)
+{
+    return frame / double{Videos::frameRate};
+}
+
+/// Films that are made once for all tests.
+class PlayerTest : public testing::Test {
+protected:
+    static void SetUpTestSuite()
+    {
+        films = new TemporaryFolder;
+        writeFile(*films / "grey.raw", Videos::greyFrames(frameCount));
+        Videos::encode(*films / "grey.raw", {"-g", "30", "-bf", "0"}, plain());
+    }
+    static void TearDownTestSuite() { delete films; }
+
+    static std::string plain() { return *films / "plain.mp4"; }
+
+    /// Makes a film of the plain one.
+    static std::string changed(const std::string& name, const std::vector<std::string>& options)
+    {
+        std::vector<std::string> words{"-i", plain()};
+        words.insert(words.end(), options.begin(), options.end());
+        words.push_back(*films / name);
+        Videos::make(words);
+        return *films / name;
+    }
+
+    void open(const std::string& path)
+    {
+        player = Player::open(QString::fromStdString(path));
+        ASSERT_TRUE(player);
+        player->onPicture = [this] { shown.push_back(number()); };
+    }
+    void openPlayable(const std::string& path)
+    {
+        open(path);
+        ASSERT_TRUE(runUntil([&] { return player->state().phase == Phase::ready; }));
+    }
+
+    int number() const
+    {
+        const QImage image = player->picture({64, 48});
+        return image.isNull() ? -1 : Videos::numberOf(qGray(image.pixel(32, 24)));
+    }
+
+    /// The number of the frame that shows after a seek.
+    int sought(double time)
+    {
+        player->seek(time);
+        EXPECT_TRUE(runUntil([&] { return !player->state().seeking; }));
+        return number();
+    }
+
+    bool playToEnd()
+    {
+        player->play();
+        return runUntil([&] { return player->state().atEnd && !player->state().playing; });
+    }
+
+    static inline TemporaryFolder* films = nullptr;
+    std::unique_ptr<Player> player;
+    std::vector<int> shown;
+};
+
+} // namespace
+
+TEST_F(PlayerTest, BeginsWithTheFirstFrameStandingStill)
+{
+    openPlayable(plain());
+    EXPECT_EQ(number(), 0);
+    EXPECT_EQ(player->state().size, QSize(64, 48));
+    EXPECT_NEAR(player->state().duration.value_or(0), 1.2, 1e-3);
+    EXPECT_EQ(player->state().time, 0);
+    EXPECT_FALSE(player->state().playing);
+    EXPECT_FALSE(player->state().hasSound);
+}
+
+TEST_F(PlayerTest, ASeekShowsTheFrameThatBeginsThenAndKnowsItsTime)
+{
+    openPlayable(plain());
+    for (const int frame : {17, 35, 0, 30, 29, 31}) {
+        EXPECT_EQ(sought(timeOf(frame)), frame);
+        EXPECT_NEAR(player->state().time, timeOf(frame), 1e-4);
+    }
+    EXPECT_EQ(sought(100), frameCount - 1);
+}
+
+TEST_F(PlayerTest, OfSeeksThatComeTooFastTheLastOneCounts)
+{
+    openPlayable(plain());
+    for (int frame = 0; frame < 34; ++frame)
+        player->seek(timeOf(frame));
+    EXPECT_EQ(player->state().time, timeOf(33));
+    EXPECT_EQ(sought(timeOf(12)), 12);
+    // Most of them were never shown.
+    EXPECT_LT(shown.size(), 20U);
+}
+
+TEST_F(PlayerTest, PlaysInOrderToTheEndAndStandsOnTheLastFrame)
+{
+    openPlayable(plain());
+    shown.clear();
+    QElapsedTimer timer;
+    timer.start();
+    ASSERT_TRUE(playToEnd());
+    EXPECT_GT(timer.elapsed(), 1100);
+    EXPECT_TRUE(std::is_sorted(shown.begin(), shown.end()));
+    EXPECT_EQ(number(), frameCount - 1);
+    // And again from where it is put.
+    EXPECT_EQ(sought(timeOf(30)), 30);
+    EXPECT_FALSE(player->state().atEnd);
+    ASSERT_TRUE(playToEnd());
+    EXPECT_EQ(number(), frameCount - 1);
+}
+
+TEST_F(PlayerTest, PlaysNoFrameAtOrAfterItsEnd)
+{
+    openPlayable(plain());
+    player->setEnd(timeOf(20));
+    EXPECT_EQ(sought(timeOf(10)), 10);
+    shown.clear();
+    ASSERT_TRUE(playToEnd());
+    EXPECT_LE(*std::max_element(shown.begin(), shown.end()), 19);
+    EXPECT_EQ(number(), 19);
+    player->setEnd(std::nullopt);
+    EXPECT_EQ(sought(timeOf(30)), 30);
+    ASSERT_TRUE(playToEnd());
+    EXPECT_EQ(number(), frameCount - 1);
+}
+
+TEST_F(PlayerTest, ShowsWhatTheFrameReaderReadsAlsoWithFramesOutOfOrder)
+{
+    const std::string file = *films / "b.mp4";
+    Videos::encode(*films / "grey.raw", {"-g", "30", "-bf", "3"}, file);
+    openPlayable(file);
+    const auto times = FilmTimes::read(QString::fromStdString(file));
+    ASSERT_TRUE(times);
+    ASSERT_EQ(times->frames.size(), std::size_t{frameCount});
+    for (const std::size_t frame : {std::size_t{1}, std::size_t{22}, std::size_t{34}})
+        EXPECT_EQ(sought(times->frames[frame]), static_cast<int>(frame));
+}
+
+TEST_F(PlayerTest, ATurnedFilmStandsUpright)
+{
+    const std::string quadrants = *films / "quadrants.mp4";
+    Videos::make({"-f", "lavfi", "-i", "color=red:s=64x48:r=30:d=0.2", "-vf",
+                  "drawbox=0:0:32:48:blue:fill", "-pix_fmt", "yuv420p", quadrants});
+    const std::string turned = *films / "turned.mp4";
+    Videos::make({"-i", quadrants, "-c", "copy", "-metadata:s:v", "rotate=90", turned});
+    openPlayable(turned);
+    EXPECT_EQ(player->state().size, QSize(48, 64));
+    const QImage ours = player->picture({48, 64});
+    auto reader = FrameReader::open(QString::fromStdString(turned));
+    ASSERT_TRUE(reader);
+    const auto theirs = reader->frameAt(0);
+    ASSERT_TRUE(theirs);
+    for (const QPoint place : {QPoint(24, 10), QPoint(24, 54)}) {
+        EXPECT_EQ(qRed(ours.pixel(place)) > 128, qRed(theirs->pixel(place)) > 128);
+        EXPECT_EQ(qBlue(ours.pixel(place)) > 128, qBlue(theirs->pixel(place)) > 128);
+    }
+    EXPECT_NE(qRed(ours.pixel(24, 10)) > 128, qRed(ours.pixel(24, 54)) > 128);
+}
+
+TEST_F(PlayerTest, ColoursAreTheFilmsOwn)
+{
+    const std::string file = *films / "colour.mp4";
+    Videos::make({"-f", "lavfi", "-i", "color=0x2E8B57:s=64x48:r=30:d=0.2", "-vf",
+                  "scale=out_color_matrix=bt709:out_range=tv", "-colorspace", "bt709",
+                  "-color_range", "tv", "-pix_fmt", "yuv420p", file});
+    openPlayable(file);
+    const QColor colour = player->picture({101, 77}).pixelColor(50, 38);
+    EXPECT_NEAR(colour.red(), 0x2E, 4);
+    EXPECT_NEAR(colour.green(), 0x8B, 4);
+    EXPECT_NEAR(colour.blue(), 0x57, 4);
+}
+
+TEST_F(PlayerTest, SoundIsKnownAndPlaysWithoutADevice)
+{
+    openPlayable(changed("sound.mp4", {"-f", "lavfi", "-i", "sine", "-map", "0:v", "-map", "1:a",
+                                       "-c:v", "copy", "-t", "0.5", "-shortest"}));
+    ASSERT_TRUE(runUntil([&] { return player->state().hasSound; }));
+    player->setMuted(true);
+    player->setVolume(0.5);
+    EXPECT_TRUE(runUntil([&] { return player->state().muted && player->state().volume == 0.5; }));
+    EXPECT_TRUE(playToEnd());
+}
+
+TEST_F(PlayerTest, OtherCodecsAndContainersPlay)
+{
+    const std::vector<std::pair<std::string, std::vector<std::string>>> kinds = {
+        {"vp9.webm", {"-c:v", "libvpx-vp9", "-deadline", "realtime", "-t", "0.3"}},
+        {"hevc.mp4", {"-c:v", "libx265", "-preset", "ultrafast", "-t", "0.3"}},
+        {"named like a picture.png", {"-c", "copy", "-f", "mp4"}},
+        {"two.mp4", {"-map", "0:v", "-map", "0:v", "-c", "copy"}},
+    };
+    for (const auto& [name, options] : kinds) {
+        SCOPED_TRACE(name);
+        openPlayable(changed(name, options));
+        EXPECT_EQ(number(), 0);
+    }
+}
+
+TEST_F(PlayerTest, WhatCannotBePlayedFails)
+{
+    const std::string whole = contentOf(plain());
+    writeFile(*films / "empty.mp4", "");
+    writeFile(*films / "text.mp4", "this is no film\n");
+    writeFile(*films / "list.mp4", "#EXTM3U\n" + plain() + "\n");
+    writeFile(*films / "edl.mp4", "# mpv EDL v0\n" + plain() + "\n");
+    writeFile(*films / "cut.mp4", whole.substr(0, 64)); // without its index
+    ASSERT_EQ(mkfifo((*films / "pipe.mp4").c_str(), 0600), 0);
+    for (const std::string name :
+         {"empty.mp4", "text.mp4", "list.mp4", "edl.mp4", "cut.mp4", "pipe.mp4", "none.mp4", ""})
+    {
+        SCOPED_TRACE(name);
+        open(*films / name);
+        EXPECT_TRUE(runUntil([&] { return player->state().phase == Phase::failed; }));
+        EXPECT_TRUE(player->picture({64, 48}).isNull());
+        player->play();
+        player->seek(1);
+        player->setEnd(1);
+    }
+}
+
+TEST_F(PlayerTest, MayEndAtAnyTime)
+{
+    open(plain());
+    player.reset();
+    openPlayable(plain());
+    player->play();
+    player->seek(1);
+    player.reset();
+    settle();
+}
+
+TEST_F(PlayerTest, FrameTimesAreThoseOfTheFile)
+{
+    const auto times = FilmTimes::read(QString::fromStdString(plain()));
+    ASSERT_TRUE(times);
+    ASSERT_EQ(times->frames.size(), std::size_t{frameCount});
+    for (int frame = 0; frame < frameCount; ++frame)
+        EXPECT_NEAR(times->frames[static_cast<std::size_t>(frame)], timeOf(frame), 1e-6);
+    EXPECT_NEAR(times->duration, 1.2, 1e-6);
+    EXPECT_FALSE(FilmTimes::read(QString::fromStdString(*films / "none.mp4")));
+    Cancellation cancelled;
+    cancelled.cancel();
+    EXPECT_FALSE(FilmTimes::read(QString::fromStdString(plain()), {.cancellation = cancelled}));
+}

@@ -1,0 +1,384 @@
+// Playing and choosing a range, with a player that only pretends.
+
+#include "gui/VideoEditorFixture.h"
+
+#include "NumberLabel.h"
+
+#include <QAccessible>
+
+#include <gmock/gmock.h>
+
+using namespace std::chrono_literals;
+using testing::DoubleNear;
+using testing::ElementsAre;
+using Handle = TrimModel::Handle;
+
+namespace {
+
+class PlayerViewTest : public VideoEditorTest {
+protected:
+    void SetUp() override { openReady(); }
+
+    double lastSeek() const { return record.seeks.empty() ? -1 : record.seeks.back(); }
+    PlayerState state() const { return record.player->state(); }
+    void stand(double time)
+    {
+        PlayerState now = state();
+        now.time = time;
+        record.player->become(now);
+    }
+    /// Chooses a range by the handles, and confirms it.
+    void trimTo(double start, double end)
+    {
+        editor->trimClicked();
+        Q_EMIT strip().moved(Handle::end, end);
+        Q_EMIT strip().moved(Handle::start, start);
+        view().confirmTrimming();
+    }
+};
+
+} // namespace
+
+TEST_F(PlayerViewTest, ThePictureIsFittedIntoBlack)
+{
+    // 980 x 594 points for 16 to 9; it stands on whole pixels.
+    const QRectF picture = view().pictureRect();
+    EXPECT_EQ(picture.topLeft(), QPointF(0, 21));
+    EXPECT_EQ(picture.width(), 980);
+    EXPECT_NEAR(picture.height(), 551.25, 0.5);
+    const QImage grab = view().grab().toImage();
+    const double ratio = grab.devicePixelRatio();
+    const auto colour = [&](int x, int y) {
+        return grab.pixelColor(QPoint(qRound(x * ratio), qRound(y * ratio)));
+    };
+    EXPECT_EQ(colour(490, 10), QColor(Qt::black));
+    EXPECT_EQ(colour(490, 100), QColor(Qt::darkCyan));
+    editor->window().resize(1200, 640);
+    settle();
+    EXPECT_EQ(view().pictureRect(), QRectF(72, 0, 1056, 594));
+}
+
+TEST_F(PlayerViewTest, KeysPlayAndGoByFrames)
+{
+    press(Qt::Key_Space);
+    EXPECT_EQ(record.plays, 1);
+    EXPECT_TRUE(state().playing);
+    press(Qt::Key_Space);
+    EXPECT_FALSE(state().playing);
+    stand(3.14);
+    press(Qt::Key_Right);
+    EXPECT_THAT(lastSeek(), DoubleNear(3.2, 1e-9));
+    press(Qt::Key_Left);
+    press(Qt::Key_Left);
+    EXPECT_THAT(lastSeek(), DoubleNear(3.0, 1e-9));
+    press(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_THAT(lastSeek(), DoubleNear(4.0, 1e-9));
+    press(Qt::Key_End);
+    EXPECT_THAT(lastSeek(), DoubleNear(9.9, 1e-9));
+    press(Qt::Key_Right);
+    EXPECT_THAT(lastSeek(), DoubleNear(9.9, 1e-9));
+    press(Qt::Key_Home);
+    EXPECT_EQ(lastSeek(), 0);
+    press(Qt::Key_Left);
+    EXPECT_EQ(lastSeek(), 0);
+}
+
+TEST_F(PlayerViewTest, AStepEndsPlaying)
+{
+    press(Qt::Key_Space);
+    press(Qt::Key_Right);
+    EXPECT_FALSE(state().playing);
+}
+
+TEST_F(PlayerViewTest, AtTheEndPlayingBeginsAgain)
+{
+    stand(9.9);
+    press(Qt::Key_Space);
+    EXPECT_THAT(record.seeks, ElementsAre(0));
+    EXPECT_TRUE(state().playing);
+    PlayerState ended = state();
+    ended.time = 10; // where sound is longer than the picture
+    ended.playing = false;
+    ended.atEnd = true;
+    record.player->become(ended);
+    QTest::mouseClick(&view().bar().playButton(), Qt::LeftButton);
+    EXPECT_THAT(record.seeks, ElementsAre(0, 0));
+}
+
+TEST_F(PlayerViewTest, TheBarShowsWhereTheFilmStands)
+{
+    PlayerBar& bar = view().bar();
+    stand(7.3);
+    EXPECT_EQ(bar.elapsed().text(), QStringLiteral("0:07"));
+    EXPECT_EQ(bar.total().text(), QStringLiteral("0:10"));
+    EXPECT_EQ(bar.position().value(), 7300);
+    EXPECT_EQ(bar.playButton().accessibleName(), QStringLiteral("Play (Space)"));
+    press(Qt::Key_Space);
+    EXPECT_EQ(bar.playButton().accessibleName(), QStringLiteral("Pause (Space)"));
+    EXPECT_EQ(clockText(3723.99), QStringLiteral("1:02:03"));
+    EXPECT_EQ(clockText(59.99999), QStringLiteral("1:00"));
+    EXPECT_EQ(clockText(-1), QStringLiteral("0:00"));
+}
+
+TEST_F(PlayerViewTest, TheSliderSeeksAndPlayingGoesOnAfterwards)
+{
+    PlayerSlider& slider = view().bar().position();
+    press(Qt::Key_Space);
+    const auto at = [&](int milliseconds) {
+        return QPoint(qRound(slider.place(milliseconds)), slider.height() / 2);
+    };
+    QTest::mousePress(&slider, Qt::LeftButton, {}, at(2500));
+    EXPECT_FALSE(state().playing);
+    EXPECT_NEAR(lastSeek(), 2.5, 0.11);
+    QTest::mouseMove(&slider, at(8000));
+    EXPECT_NEAR(lastSeek(), 8, 0.11);
+    QTest::mouseRelease(&slider, Qt::LeftButton, {}, at(8000));
+    EXPECT_TRUE(state().playing);
+}
+
+TEST_F(PlayerViewTest, SoundCanBeTurnedDownWhereThereIsSome)
+{
+    EXPECT_FALSE(view().bar().muteButton().isVisible());
+    PlayerState loud = state();
+    loud.hasSound = true;
+    record.player->become(loud);
+    ASSERT_TRUE(view().bar().muteButton().isVisible());
+    QTest::mouseClick(&view().bar().muteButton(), Qt::LeftButton);
+    EXPECT_TRUE(state().muted);
+    EXPECT_EQ(view().bar().volume().value(), 0);
+    press(Qt::Key_M);
+    EXPECT_FALSE(state().muted);
+    press(Qt::Key_Down);
+    EXPECT_NEAR(state().volume, 0.95, 1e-9);
+    EXPECT_EQ(view().bar().volume().value(), 95);
+    view().bar().volume().setValue(30);
+    EXPECT_NEAR(state().volume, 0.3, 1e-9);
+}
+
+TEST_F(PlayerViewTest, ControlsGoWhileItPlaysAndComeBack)
+{
+    EXPECT_TRUE(view().controlsShow());
+    clock.advance(10s);
+    EXPECT_TRUE(view().controlsShow()); // it does not play
+    press(Qt::Key_Space);
+    clock.advance(2400ms);
+    EXPECT_TRUE(view().controlsShow());
+    clock.advance(200ms);
+    EXPECT_TRUE(runUntil([&] { return !view().controlsShow(); }));
+    QTest::mouseMove(&view(), {300, 300});
+    EXPECT_TRUE(view().controlsShow());
+    clock.advance(3s);
+    EXPECT_TRUE(runUntil([&] { return !view().controlsShow(); }));
+    press(Qt::Key_Space);
+    EXPECT_TRUE(view().controlsShow());
+}
+
+TEST_F(PlayerViewTest, AClickOnThePicturePlays)
+{
+    QTest::mouseClick(&view(), Qt::LeftButton, {}, {300, 200});
+    EXPECT_TRUE(state().playing);
+    QTest::mouseClick(&view(), Qt::RightButton, {}, {300, 200});
+    EXPECT_TRUE(state().playing);
+}
+
+TEST_F(PlayerViewTest, TrimmingPutsHandlesAroundTheWholeFilm)
+{
+    press(Qt::Key_Space);
+    QTest::mouseClick(button("Trim"), Qt::LeftButton);
+    EXPECT_TRUE(view().isTrimming());
+    EXPECT_FALSE(state().playing);
+    EXPECT_FALSE(view().bar().isVisible());
+    EXPECT_TRUE(view().trimBar().isVisible());
+    EXPECT_EQ(handle(Handle::start).geometry().right() + 1, qRound(strip().line().x(0)));
+    EXPECT_EQ(handle(Handle::end).x(), qRound(strip().line().x(10)));
+    EXPECT_EQ(view().trimBar().length().text(), QStringLiteral("0:10.00"));
+    EXPECT_EQ(title(), QStringLiteral("clip.mp4"));
+    EXPECT_EQ(editor->window().focusWidget(), &handle(Handle::start));
+}
+
+TEST_F(PlayerViewTest, TheStripIsReadInTheBackground)
+{
+    editor->trimClicked();
+    ASSERT_EQ(strips.size(), 1U);
+    const auto count = strips[0].times.size();
+    ASSERT_GE(count, 5U);
+    EXPECT_NEAR(strips[0].times[0], 5.0 / static_cast<double>(count), 1e-9);
+    EXPECT_GE(strips[0].box.height(), 40);
+    EXPECT_FALSE(strip().hasAllFrames());
+    for (std::size_t i = 0; i < count; ++i)
+        strips[0].got(static_cast<int>(i), QImage(71, 40, QImage::Format_RGB32));
+    EXPECT_TRUE(strip().hasAllFrames());
+    // Another width, other frames, once it rests.
+    editor->window().resize(1300, 640);
+    settle();
+    EXPECT_EQ(strips.size(), 1U);
+    clock.advance(300ms);
+    ASSERT_EQ(strips.size(), 2U);
+    EXPECT_TRUE(strips[0].cancellation.isCancelled());
+    EXPECT_GT(strips[1].times.size(), count);
+    // What comes late is not taken, and nobody reads on for nothing.
+    view().cancelTrimming();
+    EXPECT_TRUE(strips[1].cancellation.isCancelled());
+}
+
+TEST_F(PlayerViewTest, AHandleShowsTheFrameUnderIt)
+{
+    editor->trimClicked();
+    drag(Handle::start, 2.33);
+    EXPECT_THAT(lastSeek(), DoubleNear(2.3, 1e-9));
+    drag(Handle::end, 7.01);
+    EXPECT_THAT(lastSeek(), DoubleNear(6.9, 1e-9)); // the last one that is left
+    EXPECT_EQ(record.end, 7);
+    EXPECT_EQ(view().trimBar().length().text(), QStringLiteral("0:04.70"));
+    // Grasping one shows it again.
+    QTest::mousePress(&handle(Handle::start), Qt::LeftButton);
+    EXPECT_THAT(lastSeek(), DoubleNear(2.3, 1e-9));
+    QTest::mouseRelease(&handle(Handle::start), Qt::LeftButton);
+}
+
+TEST_F(PlayerViewTest, HandlesDoNotPassEachOther)
+{
+    editor->trimClicked();
+    drag(Handle::end, 5);
+    drag(Handle::start, 9);
+    EXPECT_THAT(lastSeek(), DoubleNear(4.9, 1e-9));
+    QTest::mouseClick(button("Cancel"), Qt::LeftButton);
+}
+
+TEST_F(PlayerViewTest, ConfirmingSetsTheRange)
+{
+    editor->trimClicked();
+    drag(Handle::start, 2);
+    drag(Handle::end, 7);
+    for (auto* candidate : view().trimBar().findChildren<ChromeButton*>()) {
+        if (candidate->text() == QStringLiteral("Trim"))
+            QTest::mouseClick(candidate, Qt::LeftButton);
+    }
+    EXPECT_FALSE(view().isTrimming());
+    EXPECT_TRUE(view().bar().isVisible());
+    EXPECT_EQ(editor->exportRange(), (FilmRange{2, 7}));
+    EXPECT_EQ(record.end, 7);
+    editor->saveTrimmed();
+    EXPECT_EQ(trims.back().start, 2);
+    EXPECT_EQ(trims.back().end, 7);
+    editor->exportGIF();
+    EXPECT_EQ(gifs.back().range, (FilmRange{2, 7}));
+}
+
+TEST_F(PlayerViewTest, AfterwardsOnlyTheRangePlays)
+{
+    trimTo(2, 7);
+    EXPECT_EQ(view().bar().total().text(), QStringLiteral("0:05"));
+    press(Qt::Key_Home);
+    EXPECT_EQ(lastSeek(), 2);
+    EXPECT_EQ(view().bar().elapsed().text(), QStringLiteral("0:00"));
+    press(Qt::Key_Left);
+    EXPECT_EQ(lastSeek(), 2);
+    press(Qt::Key_End);
+    EXPECT_THAT(lastSeek(), DoubleNear(6.9, 1e-9));
+    press(Qt::Key_Space);
+    EXPECT_EQ(lastSeek(), 2);
+    EXPECT_EQ(record.end, 7);
+}
+
+TEST_F(PlayerViewTest, CancellingLeavesEverythingAsItWas)
+{
+    trimTo(2, 7);
+    stand(3);
+    editor->trimClicked();
+    drag(Handle::start, 5);
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(view().isTrimming());
+    EXPECT_EQ(editor->exportRange(), (FilmRange{2, 7}));
+    EXPECT_EQ(record.end, 7);
+    EXPECT_EQ(lastSeek(), 3);
+}
+
+TEST_F(PlayerViewTest, TrimmingAgainStartsFromTheRangeOverTheWholeFilm)
+{
+    trimTo(2, 7);
+    editor->trimClicked();
+    EXPECT_EQ(handle(Handle::start).geometry().right() + 1, qRound(strip().line().x(2)));
+    EXPECT_EQ(handle(Handle::end).x(), qRound(strip().line().x(7)));
+    drag(Handle::start, -1);
+    drag(Handle::end, 11);
+    press(Qt::Key_Return);
+    EXPECT_EQ(editor->exportRange(), (FilmRange{0, 10}));
+    EXPECT_FALSE(view().selectedRange());
+    EXPECT_EQ(record.end, std::nullopt);
+}
+
+TEST_F(PlayerViewTest, AskingTwiceToTrimChangesNothing)
+{
+    editor->trimClicked();
+    drag(Handle::start, 2);
+    editor->trimClicked();
+    EXPECT_EQ(title(), QStringLiteral("clip.mp4"));
+    press(Qt::Key_Return);
+    EXPECT_EQ(editor->exportRange(), (FilmRange{2, 10}));
+}
+
+TEST_F(PlayerViewTest, HandlesGoByTheKeyboard)
+{
+    editor->trimClicked();
+    press(Qt::Key_Right);
+    press(Qt::Key_Right);
+    EXPECT_THAT(lastSeek(), DoubleNear(0.2, 1e-9));
+    press(Qt::Key_Tab);
+    EXPECT_EQ(editor->window().focusWidget(), &handle(Handle::end));
+    press(Qt::Key_Left, Qt::ShiftModifier);
+    EXPECT_THAT(lastSeek(), DoubleNear(8.9, 1e-9));
+    press(Qt::Key_Home); // as far as it goes
+    EXPECT_THAT(lastSeek(), DoubleNear(0.2, 1e-9));
+    press(Qt::Key_End);
+    press(Qt::Key_Left);
+    press(Qt::Key_Space);
+    EXPECT_TRUE(state().playing);
+    EXPECT_EQ(record.end, 9.9);
+    press(Qt::Key_Return);
+    EXPECT_NEAR(editor->exportRange().start, 0.2, 1e-9);
+    EXPECT_NEAR(editor->exportRange().end, 9.9, 1e-9);
+    EXPECT_EQ(editor->window().focusWidget(), &view());
+}
+
+TEST_F(PlayerViewTest, TheRowItselfSeeks)
+{
+    editor->trimClicked();
+    const QPoint middle(qRound(strip().line().x(4.04)), 20);
+    QTest::mouseClick(&strip(), Qt::LeftButton, {}, middle);
+    EXPECT_THAT(lastSeek(), DoubleNear(4, 1e-9));
+    EXPECT_TRUE(view().isTrimming());
+}
+
+TEST_F(PlayerViewTest, ARangeMovesToFramesThatBecomeKnownLater)
+{
+    trimTo(2, 7);
+    gotTimes = {};
+    open(file("other.mp4"));
+    record.player->become(readyState());
+    editor->trimClicked();
+    Q_EMIT strip().moved(Handle::start, 1.9);
+    view().confirmTrimming();
+    EXPECT_NEAR(editor->exportRange().start, 1.9, 1e-9);
+    gotTimes(FilmTimes{{0, 2, 4}, 10});
+    EXPECT_EQ(editor->exportRange(), (FilmRange{2, 10}));
+    EXPECT_EQ(record.end, std::nullopt);
+}
+
+TEST_F(PlayerViewTest, EverythingHasANameForScreenReaders)
+{
+    editor->trimClicked();
+    PlayerState loud = state();
+    loud.hasSound = true;
+    record.player->become(loud);
+    for (QWidget* widget : editor->window().findChildren<QWidget*>()) {
+        QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(widget);
+        ASSERT_TRUE(spoken);
+        EXPECT_FALSE(spoken->text(QAccessible::Name).isEmpty())
+            << widget->metaObject()->className();
+    }
+    QAccessibleInterface* start = QAccessible::queryAccessibleInterface(&handle(Handle::start));
+    ASSERT_TRUE(start->valueInterface());
+    start->valueInterface()->setCurrentValue(3000);
+    EXPECT_THAT(lastSeek(), DoubleNear(3, 1e-9));
+}
