@@ -30,7 +30,7 @@ class Layer:
 
 MODEL_AND_BELOW = ["base", "support", "model"]
 SERVICES_AND_BELOW = MODEL_AND_BELOW + ["platform", "media", "services"]
-EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection", "chips", "controls", "editor"]
+EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection", "chips", "controls", "bubble", "editor"]
 
 LAYERS = {
     # What the capture tool shares with the program: it starts without Qt.
@@ -72,6 +72,11 @@ LAYERS = {
         ["base", "support", "media", "av"],
         ["Core", "Gui"],
         libraries=["av"]),
+    "camera": Layer(
+        ["src/Media/GStreamer/*"],
+        ["base", "support", "media"],
+        ["Core", "Gui"],
+        libraries=["av", "gstreamer"]),
     "media": Layer(["src/Media/*"], ["base", "support"], ["Core", "Gui"]),
     "model": Layer(
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
@@ -105,6 +110,10 @@ LAYERS = {
         ["Core", "Gui", "Widgets"]),
     "controls": Layer(
         ["src/RecordingControlsPanel.*"],
+        SERVICES_AND_BELOW + ["kit"],
+        ["Core", "Gui", "Widgets"]),
+    "bubble": Layer(
+        ["src/CameraBubblePanel.*"],
         SERVICES_AND_BELOW + ["kit"],
         ["Core", "Gui", "Widgets"]),
     "editor": Layer(
@@ -146,6 +155,7 @@ LIBRARIES = {
     "xcb": ["xcb/*", "X11/*", "xkbcommon/*"],
     "png": ["libdeflate.h", "png.h"],
     "av": ["libav*/*", "libsw*/*"],
+    "gstreamer": ["gst/*"],
     "pulse": ["pulse/*"],
 }
 
