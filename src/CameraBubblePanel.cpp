@@ -193,10 +193,16 @@ void CameraBubblePanel::paintCircle(QPainter& painter) const
         content.setTransform(
             QTransform(-scale, 0, 0, scale, shadowMargin + diameter, shadowMargin));
     }
-    painter.setBrush(content);
-    painter.drawEllipse(body());
+    if (!Platform::isComposited()) { // or else what is smooth would have a dark rim
+        painter.setBrush(QColor(borderColor));
+        painter.drawEllipse(body().adjusted(-1, -1, 1, 1));
+    }
+    // It ends below the border, of which alone the smooth edge is.
     constexpr double inset = borderWidth / 2.0;
+    const QRectF circle = QRectF(body()).adjusted(inset, inset, -inset, -inset);
+    painter.setBrush(content);
+    painter.drawEllipse(circle);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(QColor(borderColor), borderWidth));
-    painter.drawEllipse(QRectF(body()).adjusted(inset, inset, -inset, -inset));
+    painter.drawEllipse(circle);
 }

@@ -85,8 +85,6 @@ TEST_P(CameraFlowOn, TheBubbleIsARoundMirrorThatCanBeMovedAndIsInTheFilm)
 {
     ASSERT_NO_FATAL_FAILURE(beginWith(GetParam().options, VirtualCamera::State::PluggedIn));
     const std::uint32_t focused = windows().focused();
-    const QPoint corner(desktop->options().size.width() - qRound(224 * scale()) + 2,
-                        screen().bounds()->height() / 2);
     ASSERT_NO_FATAL_FAILURE(toggle());
     ASSERT_TRUE(
         succeeded(waitUntil(QStringLiteral("the bubble"), [&] { return bubbles().size() == 1; })));
@@ -99,6 +97,10 @@ TEST_P(CameraFlowOn, TheBubbleIsARoundMirrorThatCanBeMovedAndIsInTheFilm)
     ASSERT_TRUE(succeeded(border));
     EXPECT_TRUE(isNearly(*border, QColor(0x4C5058), 4));
 
+    // Not by its square's corner, where a press is not on it.
+    const QPoint outside = at(0.1, 0.1);
+    ASSERT_TRUE(succeeded(input().drag(outside, outside - QPoint(90, 60))));
+    EXPECT_EQ(circle(), place);
     // By its middle, to a place in the rectangle that is filmed.
     const QPoint to = area().center();
     ASSERT_TRUE(succeeded(input().drag(place.center(), to)));
