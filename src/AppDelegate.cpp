@@ -222,14 +222,19 @@ void AppDelegate::toggleCamera()
     const auto& camera = m_subsystems.camera;
     if (!camera.authorization || !camera.make || !camera.requestAndShow)
         return;
+    if (m_awaitsCamera)
+        return; // it is on its way
     using Panel = std::shared_ptr<Subsystems::Panel>;
+    const auto completion =
+        Guarded::once<Panel>(this, [this](const Panel& panel) { cameraShown(panel); });
     switch (camera.authorization()) {
     case Subsystems::CameraAuthorization::notDetermined:
-        camera.requestAndShow(
-            Guarded::once<Panel>(this, [this](const Panel& panel) { cameraShown(panel); }));
+        m_awaitsCamera = true;
+        camera.requestAndShow(completion);
         return;
     case Subsystems::CameraAuthorization::authorized:
-        cameraShown(camera.make());
+        m_awaitsCamera = true;
+        camera.make(completion);
         return;
     case Subsystems::CameraAuthorization::restricted:
     case Subsystems::CameraAuthorization::denied:
@@ -242,6 +247,7 @@ void AppDelegate::toggleCamera()
 
 void AppDelegate::cameraShown(std::shared_ptr<Subsystems::Panel> panel)
 {
+    m_awaitsCamera = false;
     m_cameraBubble = std::move(panel);
     if (m_statusMenu)
         m_statusMenu->setCameraShown(m_cameraBubble != nullptr);

@@ -95,4 +95,5 @@ private:
     OpenEditors m_editors;
     OpenEditors m_videoEditors;
     std::shared_ptr<Subsystems::Panel> m_cameraBubble;
+    bool m_awaitsCamera = false; // whether one is being made
 };

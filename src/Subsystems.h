@@ -73,8 +73,8 @@ struct Subsystems {
         using Completion = std::function<void(std::shared_ptr<Panel> panel)>;
 
         std::function<CameraAuthorization()> authorization;
-        /// A bubble that is already shown, or null.
-        std::function<std::shared_ptr<Panel>()> make;
+        /// Makes a bubble that is already shown, or null; to look for a camera takes a moment.
+        std::function<void(Completion)> make;
         /// Asks the user for the camera, then as `make`; null when access was refused.
         std::function<void(Completion)> requestAndShow;
     };

@@ -1,15 +1,18 @@
 #include "AppDelegate.h"
+#include "CameraBubblePanel.h"
 #include "ChipThumbnail.h"
 #include "Editor/EditorWindowController.h"
 #include "Editor/VideoEditorWindowController.h"
 #include "GIFExporter.h"
 #include "Media/FrameReader.h"
 #include "Platform/Application.h"
+#include "Platform/CameraAccess.h"
 #include "Platform/Defaults.h"
 #include "Preferences.h"
 #include "RecordingControlsPanel.h"
 #include "RecordingManager.h"
 #include "Support/Clock.h"
+#include "Support/Guarded.h"
 #include "Support/Log.h"
 
 #include <QApplication>
@@ -135,6 +138,50 @@ makeRecordingControls(Geometry::Rect near, const Subsystems::RecordingControlsCa
                           .close = [panel] { panel->close(); }});
 }
 
+Subsystems::CameraAuthorization cameraAuthorization()
+{
+    switch (Platform::cameraAuthorization()) {
+    case Platform::CameraAuthorization::NotDetermined:
+        return Subsystems::CameraAuthorization::notDetermined;
+    case Platform::CameraAuthorization::Restricted:
+        return Subsystems::CameraAuthorization::restricted;
+    case Platform::CameraAuthorization::Denied:
+        return Subsystems::CameraAuthorization::denied;
+    case Platform::CameraAuthorization::Authorized:
+        return Subsystems::CameraAuthorization::authorized;
+    }
+    Q_UNREACHABLE();
+}
+
+std::shared_ptr<Subsystems::Panel> showCameraBubble()
+{
+    const auto panel = std::make_shared<CameraBubblePanel>(Camera::open, Clock::system());
+    panel->orderFrontRegardless();
+    return std::make_shared<Subsystems::Panel>(
+        Subsystems::Panel{.stop = [panel] { panel->stopSession(); },
+                          .orderFrontRegardless = [panel] { panel->orderFrontRegardless(); },
+                          .close = [panel] { panel->close(); }});
+}
+
+void makeCameraBubble(Subsystems::Camera::Completion completion)
+{
+    Camera::find(Guarded::once<bool>(QCoreApplication::instance(),
+                                     [completion = std::move(completion)](bool exists) {
+                                         completion(exists ? showCameraBubble() : nullptr);
+                                     }));
+}
+
+void requestCameraBubble(Subsystems::Camera::Completion completion)
+{
+    Platform::requestCameraAccess(Guarded::once<bool>(
+        QCoreApplication::instance(), [completion = std::move(completion)](bool isGranted) {
+            if (isGranted)
+                makeCameraBubble(completion);
+            else
+                completion(nullptr);
+        }));
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -162,6 +209,9 @@ int main(int argc, char** argv)
     RecordingManager recorder(RecordingTools::system());
     subsystems.recorder = recorderSubsystem(recorder);
     subsystems.controls.make = makeRecordingControls;
+    subsystems.camera = {.authorization = cameraAuthorization,
+                         .make = makeCameraBubble,
+                         .requestAndShow = requestCameraBubble};
     subsystems.gif.exportVideo = GIFExporter::exportVideo;
     subsystems.editors.makeVideoEditor = [exportGIF =
                                               subsystems.gif.exportVideo](const QUrl& video) {

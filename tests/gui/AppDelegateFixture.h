@@ -97,7 +97,9 @@ protected:
             finishGIF = std::move(completion);
         };
         subsystems.camera.authorization = [this] { return authorization; };
-        subsystems.camera.make = [this] { return cameraExists ? makePanel("camera") : nullptr; };
+        subsystems.camera.make = [this](const auto& completion) {
+            completion(cameraExists ? makePanel("camera") : nullptr);
+        };
         subsystems.camera.requestAndShow = [this](auto completion) {
             notes += QStringLiteral("camera asked");
             answerCamera = std::move(completion);

@@ -210,6 +210,24 @@ TEST_F(AppDelegateTest, AnUndecidedCameraIsAskedFor)
     EXPECT_TRUE(menuItem("Camera Bubble")->isChecked());
 }
 
+TEST_F(AppDelegateTest, ACameraThatIsOnItsWayIsNotAskedForAgain)
+{
+    Subsystems::Camera::Completion found;
+    subsystems.camera.make = [&](auto completion) {
+        notes += QStringLiteral("camera sought");
+        found = std::move(completion);
+    };
+    launch();
+    app->toggleCamera();
+    app->toggleCamera();
+    EXPECT_EQ(takeNotes(), QStringList{QStringLiteral("camera sought")});
+    found(nullptr);
+    EXPECT_FALSE(menuItem("Camera Bubble")->isChecked());
+    app->toggleCamera();
+    found(makePanel("camera"));
+    EXPECT_TRUE(menuItem("Camera Bubble")->isChecked());
+}
+
 TEST_F(AppDelegateTest, ARefusedCameraIsLogged)
 {
     for (const auto refusal :

@@ -30,7 +30,7 @@ class Layer:
 
 MODEL_AND_BELOW = ["base", "support", "model"]
 SERVICES_AND_BELOW = MODEL_AND_BELOW + ["platform", "media", "services"]
-EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection", "chips", "controls", "editor"]
+EVERY_HEADER = SERVICES_AND_BELOW + ["kit", "selection", "chips", "controls", "bubble", "editor"]
 
 LAYERS = {
     # What the capture tool shares with the program: it starts without Qt.
@@ -78,6 +78,11 @@ LAYERS = {
         ["base", "support", "media"],
         ["Core", "Gui"],
         libraries=["mpv"]),
+    "camera": Layer(
+        ["src/Media/GStreamer/*"],
+        ["base", "support", "media"],
+        ["Core", "Gui"],
+        libraries=["av", "gstreamer"]),
     "media": Layer(["src/Media/*"], ["base", "support"], ["Core", "Gui"]),
     "model": Layer(
         ["src/SelectionModel.*", "src/SelectionTypes.*", "src/ChipPosition.*",
@@ -113,6 +118,10 @@ LAYERS = {
         ["Core", "Gui", "Widgets"]),
     "controls": Layer(
         ["src/RecordingControlsPanel.*"],
+        SERVICES_AND_BELOW + ["kit"],
+        ["Core", "Gui", "Widgets"]),
+    "bubble": Layer(
+        ["src/CameraBubblePanel.*"],
         SERVICES_AND_BELOW + ["kit"],
         ["Core", "Gui", "Widgets"]),
     "editor": Layer(
@@ -154,6 +163,7 @@ LIBRARIES = {
     "xcb": ["xcb/*", "X11/*", "xkbcommon/*"],
     "png": ["libdeflate.h", "png.h"],
     "av": ["libav*/*", "libsw*/*"],
+    "gstreamer": ["gst/*"],
     "pulse": ["pulse/*"],
     "mpv": ["mpv/*"],
 }

@@ -1,8 +1,11 @@
+#include "Media/Camera.h"
 #include "Media/FrameReader.h"
 #include "Media/MediaModule.h"
 #include "Media/MovieExport.h"
 
 #include <gtest/gtest.h>
+
+#include <future>
 
 TEST(MissingModule, MakesVideosUnreadableAndExportsImpossible)
 {
@@ -16,4 +19,14 @@ TEST(MissingModule, MakesVideosUnreadableAndExportsImpossible)
         EXPECT_EQ(outcome.end, MovieExport::End::impossible);
         EXPECT_NE(outcome.reason.find("missing"), std::string::npos);
     }
+}
+
+TEST(MissingModule, IsNoCamera)
+{
+    std::promise<bool> answer;
+    Camera::find([&](bool exists) { answer.set_value(exists); });
+    EXPECT_FALSE(answer.get_future().get());
+    const auto feed = Camera::open(100, [] {});
+    feed->setSide(200);
+    EXPECT_TRUE(feed->picture().isNull());
 }

@@ -2,10 +2,10 @@
 #include "Platform/Linux/X11/QtConnection.h"
 #include "Platform/WindowTraits.h"
 
-#include <QPainterPath>
 #include <QRegion>
 #include <QWidget>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <vector>
@@ -14,12 +14,20 @@
 
 namespace {
 
-/// A rectangle with round corners. All in native pixels.
+/// The pixels whose middles are in a rectangle with round corners, a line at a time. All in native
+/// pixels.
 QRegion rounded(QRect rect, double radius)
 {
-    QPainterPath path;
-    path.addRoundedRect(rect, radius, radius);
-    return {path.toFillPolygon().toPolygon()};
+    QRegion region;
+    for (int line = 0; line < rect.height(); ++line) {
+        const double middle = line + 0.5;
+        const double beyond = radius - std::min(middle, rect.height() - middle);
+        const double inset =
+            beyond > 0 ? radius - std::sqrt(std::max(radius * radius - beyond * beyond, 0.0)) : 0;
+        const int left = static_cast<int>(std::ceil(inset - 0.5));
+        region += QRect(rect.left() + left, rect.top() + line, rect.width() - 2 * left, 1);
+    }
+    return region;
 }
 
 void setShape(xcb_window_t window, xcb_shape_sk_t kind, const QRegion& region)
@@ -50,11 +58,12 @@ void Platform::setBody(QWidget& window, const QRectF& body, double cornerRadius)
     };
     const QRect pixels(native(body.x()), native(body.y()), native(body.width()),
                        native(body.height()));
-    setShape(id, XCB_SHAPE_SK_INPUT, pixels);
+    const QRegion region = rounded(pixels, cornerRadius * scale);
+    setShape(id, XCB_SHAPE_SK_INPUT, region);
     if (isComposited())
         xcb_shape_mask(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, id, 0, 0, XCB_NONE);
     else
-        setShape(id, XCB_SHAPE_SK_BOUNDING, rounded(pixels, cornerRadius * scale));
+        setShape(id, XCB_SHAPE_SK_BOUNDING, region);
     // What GTK's windows say of the shadow that they paint themselves. Compositors that know it
     // draw none of their own around it. Left, right, top, bottom.
     const std::array<std::uint32_t, 4> extents = {

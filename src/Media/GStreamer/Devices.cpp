@@ -1,0 +1,111 @@
+#include "Media/GStreamer/Devices.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace {
+
+/// What a bubble has on a screen of scale 2, and some more; in pixels.
+constexpr int enoughPixels = 480;
+constexpr int enoughFramesASecond = 24;
+constexpr int wantedFramesASecond = 30;
+constexpr const char* raw = "video/x-raw";
+constexpr const char* compressed = "image/jpeg";
+
+/// Started when it is first asked, and then kept: it knows at once what comes and goes.
+GstDeviceMonitor* monitor()
+{
+    static GstDeviceMonitor* const started = []() -> GstDeviceMonitor* {
+        if (!gst_init_check(nullptr, nullptr, nullptr))
+            return nullptr;
+        GstDeviceMonitor* const made = gst_device_monitor_new();
+        gst_device_monitor_add_filter(made, "Video/Source", nullptr);
+        gst_device_monitor_start(made);
+        return made;
+    }();
+    return started;
+}
+
+/// How fast a format can be at most, in frames a second; unknown is fast enough.
+double fastest(const GstStructure& format)
+{
+    const auto of = [](const GValue* value) {
+        return static_cast<double>(gst_value_get_fraction_numerator(value)) /
+               std::max(gst_value_get_fraction_denominator(value), 1);
+    };
+    const GValue* const rates = gst_structure_get_value(&format, "framerate");
+    if (rates && GST_VALUE_HOLDS_FRACTION(rates))
+        return of(rates);
+    if (rates && GST_VALUE_HOLDS_FRACTION_RANGE(rates))
+        return of(gst_value_get_fraction_range_max(rates));
+    double most = rates && GST_VALUE_HOLDS_LIST(rates) ? 0 : wantedFramesASecond;
+    for (guint i = 0; rates && GST_VALUE_HOLDS_LIST(rates) && i < gst_value_list_get_size(rates);
+         ++i) {
+        const GValue* const rate = gst_value_list_get_value(rates, i);
+        if (GST_VALUE_HOLDS_FRACTION(rate))
+            most = std::max(most, of(rate));
+    }
+    return most;
+}
+
+/// How much a format costs; absent when it is not good enough.
+std::optional<int> costOf(const GstStructure& format)
+{
+    constexpr int costOfDecompression = 3;
+    const bool isRaw = gst_structure_has_name(&format, raw);
+    int width = 0, height = 0;
+    if ((!isRaw && !gst_structure_has_name(&format, compressed)) ||
+        !gst_structure_get_int(&format, "width", &width) ||
+        !gst_structure_get_int(&format, "height", &height) ||
+        std::min(width, height) < enoughPixels || fastest(format) < enoughFramesASecond)
+        return {};
+    return width * height * (isRaw ? 1 : costOfDecompression);
+}
+
+} // namespace
+
+Gst::Owner<GstDevice> Devices::first()
+{
+    GstDeviceMonitor* const known = monitor();
+    GList* const devices = known ? gst_device_monitor_get_devices(known) : nullptr;
+    Gst::Owner<GstDevice> found;
+    for (const GList* item = devices; item; item = item->next) {
+        auto* const device = static_cast<GstDevice*>(item->data);
+        GstStructure* const properties = gst_device_get_properties(device);
+        gboolean isDefault = FALSE;
+        if (properties) {
+            gst_structure_get_boolean(properties, "is-default", &isDefault);
+            gst_structure_free(properties);
+        }
+        if (!found || isDefault)
+            found.reset(static_cast<GstDevice*>(gst_object_ref(device)));
+    }
+    g_list_free_full(devices, gst_object_unref);
+    return found;
+}
+
+Gst::Owner<GstCaps> Devices::formatOf(GstDevice& device)
+{
+    const Gst::Owner<GstCaps> all(gst_device_get_caps(&device));
+    const GstStructure* best = nullptr;
+    int least = 0;
+    for (guint i = 0; all && i < gst_caps_get_size(all.get()); ++i) {
+        const GstStructure* const format = gst_caps_get_structure(all.get(), i);
+        const std::optional<int> cost = costOf(*format);
+        if (cost && (!best || *cost < least)) {
+            best = format;
+            least = *cost;
+        }
+    }
+    if (!best)
+        return nullptr;
+    GstStructure* const chosen = gst_structure_copy(best);
+    gst_structure_fixate_field_nearest_fraction(chosen, "framerate", wantedFramesASecond, 1);
+    return Gst::Owner<GstCaps>(gst_caps_new_full(chosen, nullptr));
+}
+
+bool Devices::isCompressed(const GstCaps* format)
+{
+    return format && gst_structure_has_name(gst_caps_get_structure(format, 0), compressed);
+}
