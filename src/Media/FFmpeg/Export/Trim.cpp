@@ -100,9 +100,7 @@ PossibleFailure Trim::run()
         if (PossibleFailure failure = (this->*step)())
             return failure;
     }
-    if (m_patience.isOver())
-        return ExportPatience::cancelled();
-    return m_output->publish();
+    return m_movie->publish(m_patience);
 }
 
 PossibleFailure Trim::open()
@@ -337,9 +335,7 @@ PossibleFailure Trim::finish()
 {
     if (PossibleFailure failure = writeHeld())
         return failure;
-    if (PossibleFailure failure = m_soundJoin ? m_soundJoin->finish() : std::nullopt)
-        return failure;
-    return m_movie->finish();
+    return m_soundJoin ? m_soundJoin->finish() : std::nullopt;
 }
 
 } // namespace
