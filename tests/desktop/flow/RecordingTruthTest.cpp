@@ -151,7 +151,7 @@ TEST_F(RecordingTruth, EveryFrameIsOfItsMomentAndNoneOfAPause)
     }
 }
 
-TEST_F(RecordingTruth, FiftyPausesLaterEveryBeepIsHeardWhenItsFlashIsSeen)
+TEST_F(RecordingTruth, AfterManyPausesEveryBeepIsHeardWhenItsFlashIsSeen)
 {
     const SoundServer sound;
     ASSERT_NO_FATAL_FAILURE(hear(sound));
