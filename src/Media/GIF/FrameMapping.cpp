@@ -74,6 +74,8 @@ IndexedFrame FrameMapping::changedPart() const
     if (top >= bottom)
         return {0, 0, 1, 1, {{transparent(), m_indices[0]}}};
     IndexedFrame frame{left, top, right - left, bottom - top, {}};
+    frame.pixels.reserve(static_cast<std::size_t>(frame.width) *
+                         static_cast<std::size_t>(frame.height));
     for (int y = top; y < bottom; ++y) {
         for (int x = left; x < right; ++x) {
             const std::size_t i = width * static_cast<std::size_t>(y) + static_cast<std::size_t>(x);
