@@ -26,8 +26,8 @@ struct Frames {
 ///
 /// The file has its name when it is complete and not before, is readable by its owner alone, and
 /// replaces one that stands at `destination`; nothing stays behind of one that fails, is cancelled
-/// or is killed. Holds little of the film at a time: about as much as four of its frames and 150 MB
-/// at most. Uses two cores. Any thread.
+/// or is killed. Takes less than 200 MB of memory for a film of up to 4K. Uses two cores. Any
+/// thread.
 PossibleFailure write(const QString& video, const Frames& frames, const QString& destination,
                       const Cancellation& cancellation = {});
 

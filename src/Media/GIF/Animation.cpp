@@ -2,9 +2,11 @@
 
 #include "Media/Fitting.h"
 
-#include <algorithm>
+#include <condition_variable>
+#include <mutex>
 #include <span>
 #include <thread>
+#include <utility>
 
 using namespace GIF;
 
@@ -13,7 +15,7 @@ namespace {
 /// Fewer are not worth a second reader, which has to find its place in the film.
 constexpr std::size_t fewFrames = 8;
 /// A reader keeps up to 17 frames in memory: of larger ones there is one reader.
-constexpr qint64 mostPixelsForTwo = qint64{1} << 22;
+constexpr qint64 mostPixelsForTwo = qint64{3} << 20;
 
 /// How many of the first frames are for the first reader.
 std::size_t half(const FrameSource& video, std::size_t frames)
@@ -21,6 +23,78 @@ std::size_t half(const FrameSource& video, std::size_t frames)
     const bool isLarge = qint64{video.size().width()} * video.size().height() > mostPixelsForTwo;
     return frames < fewFrames || isLarge ? frames : (frames + 1) / 2;
 }
+
+/// Brings the bytes of two halves that are made at the same time into one file.
+class Handover {
+public:
+    Handover(const Sink& sink, std::size_t mostHeld)
+        : m_sink(sink)
+        , m_mostHeld(mostHeld)
+    {
+    }
+
+    /// Holds bytes of the later half until the earlier one is in the file; when they are too many,
+    /// waits for that.
+    PossibleFailure putLater(const Bytes& bytes)
+    {
+        std::unique_lock lock(m_mutex);
+        m_hasLater = true;
+        m_changed.notify_all();
+        if (!m_isEarlierOver && m_held.size() + bytes.size() <= m_mostHeld) {
+            m_held.insert(m_held.end(), bytes.begin(), bytes.end());
+            return {};
+        }
+        m_changed.wait(lock, [this] { return m_isEarlierOver; });
+        if (m_failure)
+            return m_failure;
+        if (PossibleFailure failure = putHeld())
+            return failure;
+        return m_sink(bytes);
+    }
+
+    /// The later half has been read.
+    void endLater()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isLaterRead = true;
+        m_changed.notify_all();
+    }
+
+    /// Waits until it is known whether the later half has written something before all of it was
+    /// read.
+    bool awaitLater()
+    {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait(lock, [this] { return m_hasLater || m_isLaterRead; });
+        return m_hasLater;
+    }
+
+    /// The earlier half is in the file, or will never be.
+    void endEarlier(const PossibleFailure& failure)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isEarlierOver = true;
+        m_failure = failure;
+        m_changed.notify_all();
+    }
+
+private:
+    PossibleFailure putHeld()
+    {
+        const Bytes held = std::exchange(m_held, {});
+        return held.empty() ? PossibleFailure() : m_sink(held);
+    }
+
+    const Sink& m_sink;
+    const std::size_t m_mostHeld;
+    std::mutex m_mutex; // for the rest
+    std::condition_variable m_changed;
+    Bytes m_held;
+    bool m_hasLater = false;
+    bool m_isLaterRead = false;
+    bool m_isEarlierOver = false;
+    PossibleFailure m_failure;
+};
 
 } // namespace
 
@@ -36,34 +110,36 @@ PossibleFailure GIF::animate(const OpenVideo& open, const AnimatedGIF::Frames& f
     const std::span<const double> times = frames.times;
     const std::size_t middle = half(**video, times.size());
 
-    // The second half is written to memory, since what comes before it in the file is not known.
-    Bytes later;
-    const auto keep = [&later](const Bytes& bytes) {
-        later.insert(later.end(), bytes.begin(), bytes.end());
-        return PossibleFailure();
-    };
+    Handover handover(sink, mostKept);
     Section first(layout, Section::Place::AtTheBeginning, sink, cancellation);
-    Section second(layout, Section::Place::Behind, keep, cancellation);
+    Section second(
+        layout, Section::Place::Behind,
+        [&handover](const Bytes& bytes) { return handover.putLater(bytes); }, cancellation);
     PossibleFailure secondFailure;
     std::thread secondReader([&] {
-        if (middle == times.size())
-            return;
-        const auto other = open();
-        secondFailure =
-            other ? second.read(**other, times.subspan(middle)) : PossibleFailure(other.failure());
+        if (middle < times.size()) {
+            const auto other = open();
+            secondFailure = other ? second.read(**other, times.subspan(middle))
+                                  : PossibleFailure(other.failure());
+        }
+        handover.endLater();
     });
     PossibleFailure failure = first.read(**video, times.first(middle));
+    // Frames that are still kept get the same colours in both halves.
+    const bool isApart = !failure && handover.awaitLater();
+    if (isApart)
+        failure = first.finish();
+    if (isApart || failure)
+        handover.endEarlier(failure);
     secondReader.join();
     if (failure || secondFailure)
         return failure ? failure : secondFailure;
     if (first.isEmpty() && second.isEmpty())
         return Failure{"there is no frame at these times"};
-
-    failure = first.finish(second.hasWritten() ? nullptr : &second);
-    if (!failure && second.hasWritten())
-        failure = second.finish();
+    failure = isApart ? second.finish() : first.finish(&second);
     if (failure)
         return failure;
-    appendEnd(later);
-    return sink(later);
+    Bytes end;
+    appendEnd(end);
+    return sink(end);
 }

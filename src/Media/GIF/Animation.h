@@ -11,8 +11,9 @@ namespace GIF {
 
 using OpenVideo = std::function<Result<std::unique_ptr<FrameSource>>()>;
 
-/// How much memory each half of a GIF's frames may take before some of them are written.
-inline constexpr std::size_t usuallyKept = 32'000'000;
+/// How much memory each half of a GIF's frames may take before some of them are written, and how
+/// much of the later half's bytes are kept until the earlier one is in the file.
+inline constexpr std::size_t usuallyKept = 20'000'000;
 
 /// Gives the bytes of the file that AnimatedGIF::write makes to `sink`; none when there is no
 /// frame. `open` is called for each thread that reads.

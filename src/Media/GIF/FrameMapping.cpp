@@ -29,7 +29,6 @@ void FrameMapping::setPalette(const Palette& palette)
 
 IndexedFrame FrameMapping::next(PackedFrames::Reader& frames)
 {
-    m_before = m_wanted;
     std::fill(m_isNew.begin(), m_isNew.end(), std::uint8_t{0});
     for (const Span span : frames.read(m_wanted))
         map(span);
@@ -42,8 +41,6 @@ void FrameMapping::map(Span span)
 {
     for (std::size_t i = span.begin; i < span.end; ++i) {
         const Pixel wanted = m_wanted[i];
-        if (!m_isFirst && wanted == m_before[i])
-            continue;
         const int index = m_search->nearest(wanted);
         const Pixel best = palette()[static_cast<std::size_t>(index)];
         if (!m_isFirst && distance(m_shown[i], wanted) <= distance(best, wanted) + tolerance)
@@ -77,6 +74,8 @@ IndexedFrame FrameMapping::changedPart() const
     if (top >= bottom)
         return {0, 0, 1, 1, {{transparent(), m_indices[0]}}};
     IndexedFrame frame{left, top, right - left, bottom - top, {}};
+    frame.pixels.reserve(static_cast<std::size_t>(frame.width) *
+                         static_cast<std::size_t>(frame.height));
     for (int y = top; y < bottom; ++y) {
         for (int x = left; x < right; ++x) {
             const std::size_t i = width * static_cast<std::size_t>(y) + static_cast<std::size_t>(x);

@@ -39,7 +39,6 @@ private:
     std::optional<PaletteSearch> m_search;
     bool m_isFirst = true;
     std::vector<Pixel> m_wanted; // the frame as it should look
-    std::vector<Pixel> m_before; // the frame before, as it should have looked
     std::vector<Pixel> m_shown;  // as it looks
     std::vector<std::uint8_t>
         m_indices; // where the shown colours are in the palette, or `transparent`

@@ -15,7 +15,7 @@ namespace {
 /// How much time may lie between when a frame is wanted and when it shows, in seconds.
 constexpr double tolerance = 1.0 / 30;
 constexpr std::size_t mostColours = 255; // and one for what is transparent
-constexpr std::size_t framesAtOnce = 16;
+constexpr std::size_t framesAtOnce = 8;
 constexpr double microsecond = 1e-6;
 
 bool isClose(const FrameSource::Showing& showing, double time)
@@ -124,14 +124,16 @@ PossibleFailure Section::write(const PackedFrames& frames, int threads)
         if (m_cancellation.isCancelled())
             return Failure{"it was cancelled"};
         const std::size_t count = std::min(framesAtOnce, frames.count() - written);
-        if (PossibleFailure failure = m_sink(encoded(reader, count, threads)))
-            return failure;
+        for (const Bytes& bytes : encoded(reader, count, threads)) {
+            if (PossibleFailure failure = m_sink(bytes))
+                return failure;
+        }
         written += count;
     }
     return {};
 }
 
-Bytes Section::encoded(PackedFrames::Reader& frames, std::size_t count, int threads)
+std::vector<Bytes> Section::encoded(PackedFrames::Reader& frames, std::size_t count, int threads)
 {
     std::vector<Bytes> all(count);
     std::mutex mapping; // frames are mapped one after the other, and compressed side by side
@@ -155,8 +157,5 @@ Bytes Section::encoded(PackedFrames::Reader& frames, std::size_t count, int thre
     work();
     for (std::thread& other : others)
         other.join();
-    Bytes together;
-    for (const Bytes& bytes : all)
-        together.insert(together.end(), bytes.begin(), bytes.end());
-    return together;
+    return all;
 }

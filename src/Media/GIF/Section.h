@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <span>
+#include <vector>
 
 namespace GIF {
 
@@ -50,7 +51,7 @@ private:
     PossibleFailure writeKept();
     PossibleFailure begin(const Palette& palette);
     PossibleFailure write(const PackedFrames& frames, int threads);
-    Bytes encoded(PackedFrames::Reader& frames, std::size_t count, int threads);
+    std::vector<Bytes> encoded(PackedFrames::Reader& frames, std::size_t count, int threads);
 
     Layout m_layout;
     Sink m_sink;

@@ -140,6 +140,15 @@ TEST_F(Animation, WorksForEverySizeAndNumberOfColours)
     }
 }
 
+TEST_F(Animation, OfAPictureWhoseLowerHalfIsLikeNothingAboveIsSmall)
+{
+    // Many colours above, few below: four bits a pixel.
+    QImage slide = noise({300, 300}, m_random, 0x00e0e0);
+    QPainter(&slide).drawImage(0, 100, noise({300, 200}, m_random, 0xc00080));
+    EXPECT_TRUE(animated({slide}).frames[0] == slide);
+    EXPECT_LT(m_size, 75'000U);
+}
+
 TEST_F(Animation, KeepsSurfacesOfOneColourAmongMany)
 {
     QImage slide = plain({100, 90}, QColor(0xf5f6f7));
@@ -191,7 +200,9 @@ TEST_F(Animation, ThatDoesNotFitIntoMemoryIsWrittenInPieces)
     std::vector<QImage> slides;
     for (int i = 0; i < 16; ++i) {
         slides.push_back(noise({60, 60}, m_random, i < 8 ? 0xff0000 : 0xffff));
-        QPainter(&slides.back()).fillRect(0, 0, 60, 30, QColor(0x336699));
+        // And columns that stay.
+        for (int x = 0; x < 60; x += 12)
+            QPainter(&slides.back()).fillRect(x, 0, 6, 60, QColor(0x336699));
     }
     for (const std::size_t mostKept : {std::size_t{1}, std::size_t{20'000}}) {
         const PlayedGIF gif = animated(slides, mostKept);

@@ -190,6 +190,9 @@ TEST_F(GIFExport, IsMadeOfFilmsOfAllKinds)
     };
     for (const auto& [name, options] : kinds)
         EXPECT_EQ(numbers(film(3, name, options)), counted(0, 60)) << name;
+    // The last one shows as long as the others.
+    for (const std::string name : {"h264.mov", "fragments.mp4", "vp9.webm"})
+        EXPECT_THAT(numbers(m_folder / name, {5.98, 0.05}), ElementsAre(59)) << name;
 }
 
 TEST_F(GIFExport, OfAFilmThatIsBrokenOffHasWhatIsThere)

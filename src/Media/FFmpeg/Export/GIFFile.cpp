@@ -27,7 +27,5 @@ PossibleFailure writeGIF(const QString& video, const AnimatedGIF::Frames& frames
     };
     if (PossibleFailure failure = GIF::animate(open, frames, write, cancellation))
         return failure;
-    if (cancellation.isCancelled())
-        return Failure{"it was cancelled"};
     return file->publish();
 }
