@@ -9,7 +9,7 @@ import sys
 
 from desktops import ROOT, Failed
 
-NAMES = ["still", "movie", "overlay", "confirm", "chips", "flatten", "canvas", "sidecar", "finish",
+NAMES = ["still", "movie", "overlay", "confirm", "chips", "flatten", "canvas", "sidecar", "finish", "player",
          "idle"]
 
 
