@@ -10,7 +10,7 @@ import sys
 from desktops import ROOT, Failed
 
 NAMES = ["still", "movie", "overlay", "confirm", "chips", "flatten", "canvas", "sidecar", "finish",
-         "gif", "idle"]
+         "gif", "player", "idle"]
 
 
 class Report:

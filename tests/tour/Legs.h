@@ -14,6 +14,8 @@ void chips(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 void editor(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 void adjusting(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 void recording(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
+/// Begins with a film; the newest chip is its.
+void videoEditor(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 void recordingAsGIF(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 /// `program` is the path of what `tamrik` runs.
 void secondStart(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik,

@@ -57,6 +57,7 @@ int main(int argc, char** argv)
         Legs::editor(tour, **desktop, *tamrik);
         Legs::adjusting(tour, **desktop, *tamrik);
         Legs::recording(tour, **desktop, *tamrik);
+        Legs::videoEditor(tour, **desktop, *tamrik);
         Legs::recordingAsGIF(tour, **desktop, *tamrik);
         Legs::secondStart(tour, **desktop, *tamrik, program);
         Legs::statusMenu(tour, **desktop, *tamrik);

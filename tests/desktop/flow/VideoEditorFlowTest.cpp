@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QUrl>
 
+#include <csignal>
 #include <optional>
 
 using namespace Desktop;
@@ -28,6 +29,11 @@ protected:
         auto launched = Tamrik::startAndAwaitKeys(*desktop, QStringLiteral(TAMRIK_PROGRAM));
         ASSERT_TRUE(succeeded(launched));
         tamrik = std::move(*launched);
+        ASSERT_NO_FATAL_FAILURE(openAgain());
+    }
+
+    void openAgain()
+    {
         ASSERT_TRUE(succeeded(input().key(QStringLiteral("alt+shift+e"))));
         auto opened = VideoEditorOnDesktop::await(*desktop, film);
         ASSERT_TRUE(succeeded(opened));
@@ -101,6 +107,20 @@ TEST_P(VideoEditorFlow, PlaysTrimsAndGivesAway)
         succeeded(windows().awaitNone(QStringLiteral("the editor"), [&](const Window& window) {
             return window.id == editor->id();
         })));
+
+    // The program may end while a film plays and another is being written.
+    ASSERT_NO_FATAL_FAILURE(openAgain());
+    ASSERT_TRUE(succeeded(press("space")));
+    ASSERT_TRUE(
+        succeeded(waitUntil(QStringLiteral("a later frame"), [&] { return editor->frame() > 0; })));
+    ASSERT_TRUE(succeeded(press("ctrl+s")));
+    ASSERT_TRUE(succeeded(tamrik->app().signal(SIGTERM)));
+    const auto ended = tamrik->app().waitForExit();
+    ASSERT_TRUE(succeeded(ended));
+    EXPECT_EQ(*ended, (Exit{0, false}));
+    EXPECT_EQ(tamrik->app().errorOutput(), QString());
+    EXPECT_TRUE(QFileInfo::exists(trimmed));
+    tamrik.reset();
 }
 
 INSTANTIATE_TEST_SUITE_P(VideoEditors, VideoEditorFlow,

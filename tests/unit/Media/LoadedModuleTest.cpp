@@ -1,4 +1,6 @@
+#include "Media/CameraModule.h"
 #include "Media/MediaModule.h"
+#include "Media/PlayerModule.h"
 
 #include <gtest/gtest.h>
 
@@ -13,4 +15,19 @@ TEST(LoadedModule, IsFoundFromTheProgramAndWorks)
     const auto outcome = MovieExport::remux(QStringLiteral("/nothing/here.mov"), {});
     EXPECT_EQ(outcome.end, MovieExport::End::failed);
     EXPECT_NE(outcome.reason.find("/nothing/here.mov"), std::string::npos);
+}
+
+TEST(LoadedModule, ThePlayerIsFoundLikewise)
+{
+    ASSERT_TRUE(PlayerModule::get());
+    const std::unique_ptr<Player> player = Player::open(QStringLiteral("/nothing/here.mp4"));
+    ASSERT_TRUE(player);
+    EXPECT_EQ(player->state().phase, PlayerState::Phase::failed);
+}
+
+TEST(LoadedModule, TheCameraIsFoundLikewise)
+{
+    const CameraModule* module = CameraModule::get();
+    ASSERT_TRUE(module);
+    EXPECT_TRUE(module->open);
 }

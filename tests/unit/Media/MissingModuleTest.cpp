@@ -1,7 +1,9 @@
 #include "Media/Camera.h"
+#include "Media/FilmTimes.h"
 #include "Media/FrameReader.h"
 #include "Media/MediaModule.h"
 #include "Media/MovieExport.h"
+#include "Media/Player.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +14,8 @@ TEST(MissingModule, MakesVideosUnreadableAndExportsImpossible)
     EXPECT_FALSE(MediaModule::get());
     const QString file = QStringLiteral("/nothing/here.mov");
     EXPECT_FALSE(FrameReader::open(file));
+    EXPECT_FALSE(FilmTimes::read(file));
+    EXPECT_FALSE(Player::open(file));
     for (const MovieExport::Outcome& outcome :
          {MovieExport::remux(file, file), MovieExport::concatenate({file, file}, file),
           MovieExport::trim(file, 0, 1, file)})
