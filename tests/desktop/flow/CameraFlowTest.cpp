@@ -5,6 +5,8 @@
 #include "desktop/harness/TrayIcon.h"
 #include "support/VirtualCamera.h"
 
+#include <csignal>
+
 using namespace Desktop;
 using namespace std::chrono_literals;
 
@@ -134,23 +136,7 @@ TEST_P(CameraFlowOn, TheBubbleIsARoundMirrorThatCanBeMovedAndIsInTheFilm)
         waitUntil(QStringLiteral("the bubble to go"), [&] { return bubbles().isEmpty(); })));
 }
 
-TEST_F(CameraFlow, AnUnpluggedCameraLeavesABlackBubbleThatComesBackWithIt)
-{
-    ASSERT_NO_FATAL_FAILURE(beginWith({}, VirtualCamera::State::PluggedIn));
-    ASSERT_NO_FATAL_FAILURE(toggle());
-    ASSERT_TRUE(
-        succeeded(waitUntil(QStringLiteral("the bubble"), [&] { return bubbles().size() == 1; })));
-    ASSERT_NO_FATAL_FAILURE(awaitPicture());
-    camera->unplug();
-    ASSERT_TRUE(succeeded(screen().awaitColor(at(0.5, 0.35), Qt::black, 0, unplugPatience)));
-    camera->plugIn();
-    ASSERT_NO_FATAL_FAILURE(awaitPicture());
-    // Off at once, with the camera at work.
-    ASSERT_NO_FATAL_FAILURE(toggle());
-    EXPECT_TRUE(bubbles().isEmpty());
-}
-
-TEST_F(CameraFlow, WithoutACameraThereIsNoBubbleAndNoWord)
+TEST_F(CameraFlow, ComesAndGoesWithTheCameraAndEndsWithTheProgramWithoutAWord)
 {
     ASSERT_NO_FATAL_FAILURE(beginWith({}, VirtualCamera::State::Unplugged));
     ASSERT_NO_FATAL_FAILURE(toggle());
@@ -164,6 +150,16 @@ TEST_F(CameraFlow, WithoutACameraThereIsNoBubbleAndNoWord)
     });
     ASSERT_TRUE(succeeded(asked));
     ASSERT_NO_FATAL_FAILURE(awaitPicture());
+    camera->unplug();
+    ASSERT_TRUE(succeeded(screen().awaitColor(at(0.5, 0.35), Qt::black, 0, unplugPatience)));
+    camera->plugIn();
+    ASSERT_NO_FATAL_FAILURE(awaitPicture());
+    ASSERT_TRUE(succeeded(tamrik->app().signal(SIGTERM)));
+    const auto ended = tamrik->app().waitForExit();
+    ASSERT_TRUE(succeeded(ended));
+    EXPECT_EQ(*ended, (Exit{0, false}));
+    EXPECT_EQ(tamrik->app().errorOutput(), QString());
+    tamrik.reset();
 }
 
 INSTANTIATE_TEST_SUITE_P(Cameras, CameraFlowOn,
