@@ -13,6 +13,8 @@ void chips(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 /// Begins with chips; the newest one is of the newest capture.
 void editor(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 void adjusting(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
+/// With a camera as tests/support/VirtualCamera.
+void camera(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 void recording(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 /// `program` is the path of what `tamrik` runs.
 void secondStart(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik,
