@@ -172,10 +172,15 @@ TEST_F(CameraBubblePanelTest, IsDraggedByTheLeftButton)
     FakePlatform::current().mouse = {1000, 400};
     QTest::mouseMove(panel.get(), {119, 118});
     EXPECT_EQ(panel->frame().origin(), (Point{1216 - 300, 24 + 300}));
+    FakePlatform::current().mouse = {1010, 400};
+    QTest::mouseMove(panel.get(), {118, 118});
+    EXPECT_EQ(panel->frame().origin(), (Point{1216 - 290, 24 + 300}));
     QTest::mouseRelease(panel.get(), Qt::LeftButton, {}, {118, 118});
+    QTest::mousePress(panel.get(), Qt::RightButton, {}, {118, 118});
     FakePlatform::current().mouse = {900, 400};
     QTest::mouseMove(panel.get(), {120, 118});
-    EXPECT_EQ(panel->frame().origin(), (Point{1216 - 300, 24 + 300}));
+    EXPECT_EQ(panel->frame().origin(), (Point{1216 - 290, 24 + 300}));
+    QTest::mouseRelease(panel.get(), Qt::RightButton, {}, {118, 118});
 }
 
 TEST_F(CameraBubblePanelTest, ComesBackFromAScreenThatGoes)

@@ -13,6 +13,8 @@ void chips(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 /// Begins with chips; the newest one is of the newest capture.
 void editor(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 void adjusting(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
+/// With a camera as tests/support/VirtualCamera.
+void camera(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 void recording(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);
 /// Begins with a film; the newest chip is its.
 void videoEditor(Tour& tour, const Desktop::VirtualDesktop& desktop, Tamrik& tamrik);

@@ -3,6 +3,7 @@
 
 #include "desktop/flow/Tamrik.h"
 #include "desktop/harness/TrayIcon.h"
+#include "support/VirtualCamera.h"
 #include "tour/Legs.h"
 #include "tour/Tour.h"
 
@@ -11,6 +12,8 @@
 #include <QGuiApplication>
 
 #include <cstdio>
+#include <optional>
+#include <stdexcept>
 
 int main(int argc, char** argv)
 {
@@ -39,12 +42,26 @@ int main(int argc, char** argv)
         return 1;
     }
 
+    std::optional<VirtualCamera> camera;
+    try {
+        camera.emplace((*desktop)
+                           ->environment()
+                           .value(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"))
+                           .toStdString());
+    } catch (const std::runtime_error& error) {
+        std::fprintf(stderr, "tour: %s\n", error.what());
+        return 1;
+    }
+
     Tour tour(**desktop, folder);
     std::unique_ptr<Tamrik> tamrik;
     tour.leg(QStringLiteral("Start"));
     tour.step(QStringLiteral("Tamrik starts and stands in the status area"),
               [&]() -> Desktop::Outcome<void> {
-                  auto started = Tamrik::startAndAwaitKeys(**desktop, program);
+                  auto started =
+                      Tamrik::startAndAwaitKeys(**desktop, program,
+                                                {{QStringLiteral("PIPEWIRE_RUNTIME_DIR"),
+                                                  QString::fromStdString(camera->folder())}});
                   if (!started)
                       return started.failure();
                   tamrik = std::move(*started);
@@ -56,6 +73,7 @@ int main(int argc, char** argv)
         Legs::chips(tour, **desktop, *tamrik);
         Legs::editor(tour, **desktop, *tamrik);
         Legs::adjusting(tour, **desktop, *tamrik);
+        Legs::camera(tour, **desktop, *tamrik);
         Legs::recording(tour, **desktop, *tamrik);
         Legs::videoEditor(tour, **desktop, *tamrik);
         Legs::recordingAsGIF(tour, **desktop, *tamrik);
