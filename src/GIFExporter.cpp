@@ -37,13 +37,19 @@ struct Exports {
     QThreadPool threads;
 };
 
-/// In seconds, 0 when the file does not say; absent when it is no video.
+/// In seconds, 0 when it cannot be found out; absent when it is no video.
 std::optional<double> durationOf(const QString& video, const Cancellation& cancellation)
 {
     FrameReaderLimits limits;
     limits.cancellation = cancellation;
-    const auto reader = FrameReader::open(video, limits);
-    return reader ? std::optional(reader->duration().value_or(0)) : std::nullopt;
+    auto reader = FrameReader::open(video, limits);
+    if (!reader)
+        return std::nullopt;
+    if (const auto duration = reader->duration())
+        return duration;
+    // It was written as it was made, as browsers do: nobody knew then.
+    const auto last = reader->showingAt(std::numeric_limits<double>::max());
+    return last ? last->end : 0;
 }
 
 bool makeGIF(const QString& video, TimeRange range, const QString& destination,

@@ -65,6 +65,9 @@ public:
         return m_source->picture(box);
     }
 
+    /// When it shows. Of times past the end that is how one learns of the end.
+    Result<FrameSource::Showing> showingAt(double seconds) { return m_source->goTo(seconds); }
+
 private:
     explicit FrameReader(std::unique_ptr<FrameSource> source)
         : m_source(std::move(source))

@@ -224,7 +224,7 @@ std::vector<Span> PackedFrames::Reader::read(std::vector<Pixel>& frame)
 {
     const std::uint8_t* at = m_frames.m_frames[m_next++].data();
     const auto number = [&at] {
-        const std::uint32_t value = at[0] << 16 | at[1] << 8 | at[2];
+        const auto value = static_cast<std::uint32_t>(at[0] << 16 | at[1] << 8 | at[2]);
         at += 3;
         return value;
     };

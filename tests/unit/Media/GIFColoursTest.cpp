@@ -42,7 +42,9 @@ void expectUnchanged(const std::vector<std::vector<Pixel>>& frames, int most)
 TEST(PackedFrames, AreReadAsTheyWere)
 {
     std::mt19937 random(1);
-    const auto number = [&](unsigned most) { return static_cast<int>(random() % (most + 1)); };
+    const auto number = [&](int most) {
+        return static_cast<int>(random() % (static_cast<unsigned>(most) + 1));
+    };
     // Steps from a pixel to the next of every length, and long and short stretches of all kinds.
     std::vector<std::vector<Pixel>> frames(1, std::vector<Pixel>(5000, black));
     for (int i = 0; i < 60; ++i) {

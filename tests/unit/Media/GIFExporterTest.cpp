@@ -187,6 +187,8 @@ TEST_F(GIFExport, IsMadeOfFilmsOfAllKinds)
         {"hevc.mp4", {"-c:v", "libx265", "-x265-params", "log-level=none:bframes=2"}},
         {"vp9.webm", {"-c:v", "libvpx-vp9", "-b:v", "0", "-deadline", "realtime"}},
         {"no-video.txt", {"-f", "mp4"}},
+        {"no-duration.webm",
+         {"-c:v", "libvpx", "-b:v", "1M", "-deadline", "realtime", "-live", "1"}},
     };
     for (const auto& [name, options] : kinds)
         EXPECT_EQ(numbers(film(3, name, options)), counted(0, 60)) << name;
