@@ -90,6 +90,20 @@ TEST_F(PlayerViewTest, AStepEndsPlaying)
     EXPECT_FALSE(state().playing);
 }
 
+TEST_F(VideoEditorTest, WhatIsToPlayBeforeItIsOpenPlaysThen)
+{
+    open(file("clip.mp4"));
+    press(Qt::Key_Space);
+    EXPECT_EQ(record.plays, 0);
+    record.player->become(readyState());
+    EXPECT_EQ(record.plays, 1);
+    open(file("other.mp4"));
+    press(Qt::Key_Space);
+    press(Qt::Key_Space);
+    record.player->become(readyState());
+    EXPECT_EQ(record.plays, 1);
+}
+
 TEST_F(PlayerViewTest, AtTheEndPlayingBeginsAgain)
 {
     stand(9.9);
