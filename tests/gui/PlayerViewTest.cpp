@@ -5,6 +5,7 @@
 #include "NumberLabel.h"
 
 #include <QAccessible>
+#include <QMouseEvent>
 
 #include <gmock/gmock.h>
 
@@ -185,6 +186,21 @@ TEST_F(PlayerViewTest, ControlsGoWhileItPlaysAndComeBack)
     EXPECT_TRUE(runUntil([&] { return !view().controlsShow(); }));
     press(Qt::Key_Space);
     EXPECT_TRUE(view().controlsShow());
+    press(Qt::Key_Space);
+    clock.advance(3s);
+    EXPECT_TRUE(runUntil([&] { return !view().controlsShow(); }));
+    for (QWidget* control :
+         std::initializer_list<QWidget*>{&view().bar().elapsed(), &view().bar().position()})
+    {
+        clock.advance(3s);
+        EXPECT_TRUE(runUntil([&] { return !view().controlsShow(); }));
+        // At scale 2 it is off the screen, where no pointer gets.
+        const QPointF middle = control->rect().center();
+        QMouseEvent moved(QEvent::MouseMove, middle, control->mapToGlobal(middle), Qt::NoButton,
+                          Qt::NoButton, {});
+        QCoreApplication::sendEvent(control, &moved);
+        EXPECT_TRUE(view().controlsShow());
+    }
 }
 
 TEST_F(PlayerViewTest, AClickOnThePicturePlays)
