@@ -23,6 +23,8 @@ void FilmPlayback::playerChanged()
     const std::optional<double> before = std::exchange(m_state, m_player->state()).duration;
     if (!m_framesAreTheFiles && m_state.duration && m_state.duration != before)
         m_frames = FrameGrid::even(*m_state.duration);
+    if (isReady() && std::exchange(m_playsWhenReady, false))
+        play();
     if (onChange)
         onChange();
 }
@@ -65,8 +67,10 @@ int FilmPlayback::lastFrame() const
 
 void FilmPlayback::play()
 {
-    if (!isReady())
+    if (!isReady()) {
+        m_playsWhenReady = true;
         return;
+    }
     const int frame = m_frames.frameAt(m_state.time);
     if (m_state.atEnd || frame >= lastFrame() || frame < firstFrame())
         seek(limits().start);
@@ -75,13 +79,14 @@ void FilmPlayback::play()
 
 void FilmPlayback::pause()
 {
+    m_playsWhenReady = false;
     if (isReady())
         m_player->pause();
 }
 
 void FilmPlayback::togglePlaying()
 {
-    if (m_state.playing && !m_state.atEnd)
+    if (m_playsWhenReady || (m_state.playing && !m_state.atEnd))
         pause();
     else
         play();
@@ -102,6 +107,13 @@ void FilmPlayback::step(int frames)
     pause();
     seek(m_frames.startOf(
         std::clamp(m_frames.frameAt(m_state.time) + frames, 0, m_frames.count() - 1)));
+}
+
+void FilmPlayback::end()
+{
+    m_player.reset();
+    m_state = {};
+    m_state.phase = PlayerState::Phase::failed;
 }
 
 void FilmPlayback::toggleMuted()

@@ -27,7 +27,8 @@ public:
     void setLimits(std::optional<FilmRange> limits);
     FilmRange limits() const;
 
-    /// From the beginning when nothing is left to be played.
+    /// From the beginning when nothing is left to be played; as soon as it can when it is only
+    /// being opened.
     void play();
     void pause();
     void togglePlaying();
@@ -35,6 +36,8 @@ public:
     void seek(double time);
     /// From the frame that shows; it stands still then.
     void step(int frames);
+    /// Lets go of the player: nothing more shows or sounds.
+    void end();
     void toggleMuted();
     /// From 0 to 1; sound that was off comes back.
     void setVolume(double volume);
@@ -48,5 +51,6 @@ private:
     PlayerState m_state;
     FrameGrid m_frames;
     bool m_framesAreTheFiles = false;
+    bool m_playsWhenReady = false;
     std::optional<FilmRange> m_limits;
 };

@@ -46,6 +46,10 @@ PlayerView::PlayerView(Film film, Clock clock, QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
+    // The mouse brings the controls back there too.
+    m_bar->setMouseTracking(true);
+    for (QWidget* control : m_bar->findChildren<QWidget*>())
+        control->setMouseTracking(true);
     m_bar->hide();
     m_trimBar->hide();
     m_playback.onChange = [this] { playerChanged(); };

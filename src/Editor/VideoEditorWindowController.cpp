@@ -91,6 +91,8 @@ VideoEditorWindowController::~VideoEditorWindowController()
 {
     m_window->willClose = {};
     m_window->hide();
+    // The window may outlive the event loop, which the player must not.
+    m_playerView->playback().end();
     m_window.release()->deleteLater();
 }
 

@@ -3,6 +3,7 @@
 #include "Media/Player.h"
 #include "Media/FilmTimes.h"
 #include "Media/FrameReader.h"
+#include "Media/MovieExport.h"
 #include "Media/PlayerModule.h"
 #include "support/EventLoop.h"
 #include "support/TemporaryFolder.h"
@@ -173,6 +174,41 @@ TEST_F(PlayerTest, ShowsWhatTheFrameReaderReadsAlsoWithFramesOutOfOrder)
     ASSERT_EQ(times->frames.size(), std::size_t{frameCount});
     for (const std::size_t frame : {std::size_t{1}, std::size_t{22}, std::size_t{34}})
         EXPECT_EQ(sought(times->frames[frame]), static_cast<int>(frame));
+}
+
+TEST_F(PlayerTest, FramesAreFoundByTheirTimesWhereverTheseBeginAndHoweverLongTheyLast)
+{
+    const std::string trimmed = *films / "trimmed.mp4";
+    ASSERT_TRUE(MovieExport::trim(QString::fromStdString(plain()), timeOf(10), timeOf(25),
+                                  QString::fromStdString(trimmed))
+                    .succeeded());
+    const std::string late = *films / "late.mp4";
+    Videos::make({"-itsoffset", "0.5", "-i", plain(), "-c", "copy", late});
+    struct Kind {
+        std::string file;
+        std::size_t count;
+        double begins;
+        int first;
+        int step;
+    };
+    const std::vector<Kind> kinds = {
+        {trimmed, 15, 0, 10, 1}, // by an edit list, in the middle of what frames refer to
+        {late, frameCount, 0.5, 0, 1},
+        {changed("rare.mp4", {"-vf", "select=not(mod(n\\,7))", "-fps_mode", "vfr", "-crf", "4"}), 6,
+         0, 0, 7},
+    };
+    for (const Kind& kind : kinds) {
+        SCOPED_TRACE(kind.file);
+        const auto times = FilmTimes::read(QString::fromStdString(kind.file));
+        ASSERT_TRUE(times);
+        ASSERT_EQ(times->frames.size(), kind.count);
+        EXPECT_NEAR(times->frames[0], kind.begins, 1e-3);
+        openPlayable(kind.file);
+        EXPECT_EQ(number(), kind.first);
+        for (const std::size_t frame : {kind.count - 1, std::size_t{0}, kind.count / 2})
+            EXPECT_EQ(sought(times->frames[frame]),
+                      kind.first + static_cast<int>(frame) * kind.step);
+    }
 }
 
 TEST_F(PlayerTest, ATurnedFilmStandsUpright)

@@ -5,6 +5,7 @@
 #include "NumberLabel.h"
 
 #include <QAccessible>
+#include <QMouseEvent>
 
 #include <gmock/gmock.h>
 
@@ -90,6 +91,20 @@ TEST_F(PlayerViewTest, AStepEndsPlaying)
     EXPECT_FALSE(state().playing);
 }
 
+TEST_F(VideoEditorTest, WhatIsToPlayBeforeItIsOpenPlaysThen)
+{
+    open(file("clip.mp4"));
+    press(Qt::Key_Space);
+    EXPECT_EQ(record.plays, 0);
+    record.player->become(readyState());
+    EXPECT_EQ(record.plays, 1);
+    open(file("other.mp4"));
+    press(Qt::Key_Space);
+    press(Qt::Key_Space);
+    record.player->become(readyState());
+    EXPECT_EQ(record.plays, 1);
+}
+
 TEST_F(PlayerViewTest, AtTheEndPlayingBeginsAgain)
 {
     stand(9.9);
@@ -171,6 +186,21 @@ TEST_F(PlayerViewTest, ControlsGoWhileItPlaysAndComeBack)
     EXPECT_TRUE(runUntil([&] { return !view().controlsShow(); }));
     press(Qt::Key_Space);
     EXPECT_TRUE(view().controlsShow());
+    press(Qt::Key_Space);
+    clock.advance(3s);
+    EXPECT_TRUE(runUntil([&] { return !view().controlsShow(); }));
+    for (QWidget* control :
+         std::initializer_list<QWidget*>{&view().bar().elapsed(), &view().bar().position()})
+    {
+        clock.advance(3s);
+        EXPECT_TRUE(runUntil([&] { return !view().controlsShow(); }));
+        // At scale 2 it is off the screen, where no pointer gets.
+        const QPointF middle = control->rect().center();
+        QMouseEvent moved(QEvent::MouseMove, middle, control->mapToGlobal(middle), Qt::NoButton,
+                          Qt::NoButton, {});
+        QCoreApplication::sendEvent(control, &moved);
+        EXPECT_TRUE(view().controlsShow());
+    }
 }
 
 TEST_F(PlayerViewTest, AClickOnThePicturePlays)

@@ -40,6 +40,8 @@ constexpr Option options[] = {
     {"cache", "no"},
     // The file's own times, exact to the frame.
     {"rebase-start-time", "no"},
+    {"start",
+     "0"}, // what trimming left before that, for others to refer to, is no part of the film
     {"hr-seek", "yes"},
     {"keep-open", "yes"},
     {"pause", "yes"},

@@ -118,7 +118,7 @@ TEST_P(VideoEditorFlow, PlaysTrimsAndGivesAway)
     const auto ended = tamrik->app().waitForExit();
     ASSERT_TRUE(succeeded(ended));
     EXPECT_EQ(*ended, (Exit{0, false}));
-    EXPECT_EQ(tamrik->app().errorOutput(), QString());
+    EXPECT_EQ(tamrik->app().errorOutput().toStdString(), "");
     EXPECT_TRUE(QFileInfo::exists(trimmed));
     tamrik.reset();
 }
