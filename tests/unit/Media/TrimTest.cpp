@@ -88,6 +88,10 @@ void expectPart(const PlayedMovie& part, const PlayedMovie& whole, double start,
     }
     EXPECT_NEAR(part.picture.duration, std::min(end, whole.picture.duration) - start, 2 * tick);
     EXPECT_TRUE(part.hasIndexInFront);
+    // For players that show it all: next to nothing, but nothing that is nearly at 0.
+    for (const PlayedMovie::Packet& packet : part.picture.packets)
+        EXPECT_TRUE(packet.time >= 0 || (packet.time > -0.012 && packet.time < -0.006))
+            << packet.time;
     const auto first = static_cast<std::size_t>(std::llround(start * rate));
     if (whole.samples.size() <= first)
         return;
