@@ -27,6 +27,11 @@ GstDeviceMonitor* monitor()
     return started;
 }
 
+bool holds(const GValue* value, GType type)
+{
+    return value && value->g_type == type; // GLib's own macros cast the const away
+}
+
 /// How fast a format can be at most, in frames a second; unknown is fast enough.
 double fastest(const GstStructure& format)
 {
@@ -35,15 +40,16 @@ double fastest(const GstStructure& format)
                std::max(gst_value_get_fraction_denominator(value), 1);
     };
     const GValue* const rates = gst_structure_get_value(&format, "framerate");
-    if (rates && GST_VALUE_HOLDS_FRACTION(rates))
+    if (holds(rates, GST_TYPE_FRACTION))
         return of(rates);
-    if (rates && GST_VALUE_HOLDS_FRACTION_RANGE(rates))
+    if (holds(rates, GST_TYPE_FRACTION_RANGE))
         return of(gst_value_get_fraction_range_max(rates));
-    double most = rates && GST_VALUE_HOLDS_LIST(rates) ? 0 : wantedFramesASecond;
-    for (guint i = 0; rates && GST_VALUE_HOLDS_LIST(rates) && i < gst_value_list_get_size(rates);
-         ++i) {
+    if (!holds(rates, GST_TYPE_LIST))
+        return wantedFramesASecond;
+    double most = 0;
+    for (guint i = 0; i < gst_value_list_get_size(rates); ++i) {
         const GValue* const rate = gst_value_list_get_value(rates, i);
-        if (GST_VALUE_HOLDS_FRACTION(rate))
+        if (holds(rate, GST_TYPE_FRACTION))
             most = std::max(most, of(rate));
     }
     return most;

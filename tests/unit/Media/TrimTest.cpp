@@ -1,3 +1,4 @@
+#include "Media/FrameReader.h"
 #include "Media/MovieExport.h"
 
 #include "support/TemporaryFolder.h"
@@ -65,6 +66,22 @@ protected:
         return m_folder / "film.mp4";
     }
 
+    /// What our own reader finds in it, and in `source`, at the same moments in any order.
+    void expectFrames(const std::string& source, double start, double end) const
+    {
+        auto whole = FrameReader::open(QString::fromStdString(source));
+        auto part = FrameReader::open(QString::fromStdString(m_target));
+        ASSERT_TRUE(whole && part);
+        EXPECT_NEAR(part->duration().value_or(0), end - start, 2 * tick);
+        const double length = end - start - 0.001;
+        for (const double time : {0.0, length, length / 2, length / 3, 0.0}) {
+            const auto expected = whole->frameAt(start + time);
+            const auto found = part->frameAt(time);
+            ASSERT_TRUE(expected && found) << time;
+            EXPECT_EQ(*found, *expected) << time;
+        }
+    }
+
     TemporaryFolder m_folder;
     std::string m_target = m_folder / "film trimmed.mp4";
 };
@@ -88,6 +105,10 @@ void expectPart(const PlayedMovie& part, const PlayedMovie& whole, double start,
     }
     EXPECT_NEAR(part.picture.duration, std::min(end, whole.picture.duration) - start, 2 * tick);
     EXPECT_TRUE(part.hasIndexInFront);
+    // For players that show it all: next to nothing, but nothing that is nearly at 0.
+    for (const PlayedMovie::Packet& packet : part.picture.packets)
+        EXPECT_TRUE(packet.time >= 0 || (packet.time > -0.012 && packet.time < -0.006))
+            << packet.time;
     const auto first = static_cast<std::size_t>(std::llround(start * rate));
     if (whole.samples.size() <= first)
         return;
@@ -124,6 +145,7 @@ TEST_F(Trim, PlaysTheRangeToTheFrameAndTheSample)
         expectTrimmed(source, start, end);
         expectPart(PlayedMovie::of(m_target), whole, std::max(start, 0.0), std::min(end, 3.5));
         EXPECT_THAT(m_folder.names(), ElementsAre("film trimmed.mp4", "film.mp4"));
+        expectFrames(source, std::max(start, 0.0), std::min(end, 3.5));
     }
 }
 

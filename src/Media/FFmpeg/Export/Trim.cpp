@@ -19,6 +19,9 @@ namespace {
 constexpr double margin = 10;
 /// Decoded before the first sample that is heard, in seconds: what it builds upon.
 constexpr double preroll = 0.1;
+/// How long what is not to be seen shows in a player that shows it, in seconds: less than screens
+/// notice, more than players take for the same time.
+constexpr double hiddenTime = 0.01;
 
 /// From the beginning of a film; rounded down but for a microsecond, as FrameReader does.
 std::int64_t ticksAt(double seconds, AVRational base)
@@ -61,6 +64,7 @@ private:
     PossibleFailure takeSound(Av::Packet packet);
     PossibleFailure settle();
     bool beginWithShown();
+    void hurryUpTo(const AVPacket& shown);
     PossibleFailure addTracks();
     PossibleFailure addSoundTrack();
     PossibleFailure addPicture(Av::Packet packet);
@@ -230,7 +234,25 @@ bool Trim::beginWithShown()
     if (shown->dts == shown->pts)
         shown->dts = m_shown.begin;
     shown->pts = m_shown.begin;
+    hurryUpTo(*shown);
     return true;
+}
+
+/// Moves all that comes before it together, since nobody is to see it: some players (mpv) do show
+/// what an edit list leaves out. But not up to it, since they take what is near a time that they
+/// seek for what is there.
+void Trim::hurryUpTo(const AVPacket& shown)
+{
+    const auto end =
+        std::find_if(m_pictures.begin(), m_pictures.end(),
+                     [&](const Av::Packet& picture) { return picture.get() == &shown; });
+    if (std::any_of(m_pictures.begin(), end,
+                    [](const Av::Packet& picture) { return picture->pts != picture->dts; }))
+        return;
+    const std::int64_t gap = ticksAt(hiddenTime, m_picture->time_base) + 1;
+    std::int64_t time = shown.dts - gap - (end - m_pictures.begin());
+    for (auto picture = m_pictures.begin(); picture != end; ++picture, ++time)
+        (*picture)->pts = (*picture)->dts = time;
 }
 
 PossibleFailure Trim::addTracks()
