@@ -151,7 +151,7 @@ Design speakerWaveFill(double line)
     constexpr QPointF mouth(6.4, 7);
     QPainterPath waves;
     for (const double radius : {4.0, 7.6}) {
-        constexpr double half = 42;
+        constexpr double half = 50;
         const QRectF circle(mouth.x() - radius, mouth.y() - radius, 2 * radius, 2 * radius);
         waves.arcMoveTo(circle, -half);
         waves.arcTo(circle, -half, 2 * half);
