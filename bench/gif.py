@@ -113,7 +113,7 @@ def likeness(gif, frames):
     count = subprocess.run(["ffprobe", "-v", "error", "-min_delay", "0", "-count_packets", "-show_entries",
                             "stream=nb_read_packets", "-of", "csv=p=0", str(gif)],
                            capture_output=True, text=True, check=True).stdout
-    return (float(re.search(r"PSNR .*average:([\d.]+)", shown).group(1)),
+    return (float(re.search(r"PSNR .*average:([\d.]+|inf)", shown).group(1)),
             float(re.search(r"SSIM .*All:([\d.]+)", shown).group(1)), int(count.strip().strip(",")))
 
 

@@ -141,5 +141,6 @@ PossibleFailure GIF::animate(const OpenVideo& open, const AnimatedGIF::Frames& f
         return failure;
     Bytes end;
     appendEnd(end);
-    return sink(end);
+    handover.endEarlier({});
+    return handover.putLater(end);
 }

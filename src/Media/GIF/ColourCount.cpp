@@ -88,6 +88,7 @@ std::vector<ColourCount::Entry> ColourCount::entries() const
     std::sort(sorted.begin(), sorted.end(),
               [](const auto& one, const auto& other) { return one.first < other.first; });
     std::vector<Entry> entries;
+    entries.reserve(sorted.size());
     for (const auto& [key, entry] : sorted)
         entries.push_back(entry);
     return entries;

@@ -1,6 +1,7 @@
 #include "Media/GIF/Palette.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <numeric>
 #include <utility>
@@ -98,7 +99,7 @@ std::size_t bestCut(std::vector<Colour>& colours, const Box& box)
 
 Pixel pixelAt(const Place& place)
 {
-    const auto rounded = [](double value) { return static_cast<int>(value + 0.5); };
+    const auto rounded = [](double value) { return static_cast<int>(std::lround(value)); };
     return opaque(rounded(place[0]), rounded(place[1]), rounded(place[2]));
 }
 
@@ -195,6 +196,12 @@ std::pair<int, int> distances(int value, int cell)
     return {nearest * nearest, farthest * farthest};
 }
 
+std::size_t cellOf(int red, int green, int blue)
+{
+    const int number = (red * cellsAcross + green) * cellsAcross + blue;
+    return static_cast<std::size_t>(number);
+}
+
 } // namespace
 
 PaletteSearch::PaletteSearch(Palette palette)
@@ -209,7 +216,7 @@ int PaletteSearch::find(Pixel colour)
     const int r = red(colour) >> cellShift;
     const int g = green(colour) >> cellShift;
     const int b = blue(colour) >> cellShift;
-    Cell& cell = m_cells[static_cast<std::size_t>((r * cellsAcross + g) * cellsAcross + b)];
+    Cell& cell = m_cells[cellOf(r, g, b)];
     if (cell.count == 0)
         fill(cell, r, g, b);
     int best = 0, least = std::numeric_limits<int>::max();

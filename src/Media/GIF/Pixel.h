@@ -10,15 +10,15 @@ using Pixel = std::uint32_t;
 
 constexpr int red(Pixel pixel)
 {
-    return pixel >> 16 & 255;
+    return static_cast<int>(pixel >> 16 & 255);
 }
 constexpr int green(Pixel pixel)
 {
-    return pixel >> 8 & 255;
+    return static_cast<int>(pixel >> 8 & 255);
 }
 constexpr int blue(Pixel pixel)
 {
-    return pixel & 255;
+    return static_cast<int>(pixel & 255);
 }
 
 constexpr Pixel opaque(int red, int green, int blue)

@@ -226,6 +226,15 @@ TEST_F(Animation, OnlyTheSecondHalfOfWhichDoesNotFitIsWhole)
     }
 }
 
+TEST_F(Animation, TheLastFrameOfWhichFillsTheMemoryIsWhole)
+{
+    std::vector<QImage> slides(7, plain({60, 60}, Qt::red));
+    slides.push_back(noise({60, 60}, m_random, 0xc08080));
+    const PlayedGIF gif = animated(slides, 3'000);
+    for (std::size_t i = 0; i < slides.size(); ++i)
+        EXPECT_TRUE(gif.frames[i] == slides[i]) << i;
+}
+
 TEST_F(Animation, FitsFramesOfAnotherShape)
 {
     const PlayedGIF gif = animated({plain({40, 40}, Qt::white), plain({20, 40}, Qt::green)});
