@@ -197,6 +197,7 @@ void PlayerView::loadStrip()
     const int count = strip.frameCount(aspect);
     strip.expectFrames(count);
     std::vector<double> times;
+    times.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         times.push_back(strip.frameTime(i, count));
     m_stripReading.cancel();

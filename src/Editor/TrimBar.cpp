@@ -20,7 +20,8 @@ constexpr QMargins insets = {10, 9, 10, 9};
 QString lengthText(double seconds)
 {
     const auto hundredths = std::llround(seconds * 100);
-    return clockText(static_cast<double>(hundredths / 100)) + u'.' +
+    const auto whole = hundredths / 100;
+    return clockText(static_cast<double>(whole)) + u'.' +
            QString::number(hundredths % 100).rightJustified(2, QLatin1Char('0'));
 }
 

@@ -168,15 +168,14 @@ void MpvPlayer::fetchEvents()
         const mpv_event* const event = mpv_wait_event(m_player.get(), 0);
         if (event->event_id == MPV_EVENT_NONE)
             break;
-        if (event->event_id == MPV_EVENT_PROPERTY_CHANGE)
+        const bool isReply = event->event_id == MPV_EVENT_COMMAND_REPLY ||
+                             event->event_id == MPV_EVENT_GET_PROPERTY_REPLY;
+        const bool failedToSeek =
+            isReply && event->reply_userdata == seekRequest && event->error < 0;
+        const bool hasTime = isReply && event->reply_userdata == timeRequest && event->error >= 0;
+        if (event->event_id == MPV_EVENT_PROPERTY_CHANGE || hasTime)
             take(*static_cast<const mpv_event_property*>(event->data));
-        else if (event->event_id == MPV_EVENT_PLAYBACK_RESTART)
-            seekEnded();
-        else if (event->event_id == MPV_EVENT_GET_PROPERTY_REPLY &&
-                 event->reply_userdata == timeRequest && event->error >= 0)
-            take(*static_cast<const mpv_event_property*>(event->data));
-        else if (event->event_id == MPV_EVENT_COMMAND_REPLY &&
-                 event->reply_userdata == seekRequest && event->error < 0)
+        else if (event->event_id == MPV_EVENT_PLAYBACK_RESTART || failedToSeek)
             seekEnded();
         else if (event->event_id == MPV_EVENT_END_FILE)
             fail();
