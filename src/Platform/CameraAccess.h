@@ -11,6 +11,6 @@ enum class CameraAuthorization { NotDetermined, Restricted, Denied, Authorized }
 CameraAuthorization cameraAuthorization();
 
 /// Asks the user; `answer` is called once, on any thread.
-void requestCameraAccess(std::function<void(bool isGranted)> answer);
+void requestCameraAccess(const std::function<void(bool isGranted)>& answer);
 
 } // namespace Platform

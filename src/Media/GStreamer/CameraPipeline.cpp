@@ -64,7 +64,8 @@ GstElement* CameraPipeline::add(GstElement* element)
 bool CameraPipeline::build(GstDevice& device)
 {
     std::vector<GstElement*> chain{add(gst_device_create_element(&device, nullptr))};
-    if (const Gst::Owner<GstCaps> format = Devices::formatOf(device)) {
+    const Gst::Owner<GstCaps> offered(gst_device_get_caps(&device));
+    if (const Gst::Owner<GstCaps> format = Devices::formatOf(offered.get())) {
         chain.push_back(add(gst_element_factory_make("capsfilter", nullptr)));
         if (chain.back())
             g_object_set(chain.back(), "caps", format.get(), nullptr);

@@ -91,13 +91,12 @@ Gst::Owner<GstDevice> Devices::first()
     return found;
 }
 
-Gst::Owner<GstCaps> Devices::formatOf(GstDevice& device)
+Gst::Owner<GstCaps> Devices::formatOf(const GstCaps* offered)
 {
-    const Gst::Owner<GstCaps> all(gst_device_get_caps(&device));
     const GstStructure* best = nullptr;
     int least = 0;
-    for (guint i = 0; all && i < gst_caps_get_size(all.get()); ++i) {
-        const GstStructure* const format = gst_caps_get_structure(all.get(), i);
+    for (guint i = 0; offered && i < gst_caps_get_size(offered); ++i) {
+        const GstStructure* const format = gst_caps_get_structure(offered, i);
         const std::optional<int> cost = costOf(*format);
         if (cost && (!best || *cost < least)) {
             best = format;

@@ -29,7 +29,7 @@ Platform::CameraAuthorization Platform::cameraAuthorization()
                                             : CameraAuthorization::Authorized;
 }
 
-void Platform::requestCameraAccess(std::function<void(bool isGranted)> answer)
+void Platform::requestCameraAccess(const std::function<void(bool isGranted)>& answer)
 {
     answer(cameraAuthorization() == CameraAuthorization::Authorized); // nobody is to be asked
 }

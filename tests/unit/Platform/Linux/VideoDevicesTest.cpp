@@ -1,4 +1,5 @@
 #include "Platform/Linux/VideoDevices.h"
+#include "Platform/CameraAccess.h"
 
 #include "support/TemporaryFolder.h"
 
@@ -44,4 +45,18 @@ TEST(VideoDevices, AreRefusedWhenThereAreSomeAndNoneMayBeOpened)
 TEST(VideoDevices, AreNotRefusedWhereThereIsNoFolder)
 {
     EXPECT_FALSE(VideoDevices::areRefused("/nothing/here"));
+}
+
+TEST(VideoDevices, AreWhatTheUserIsAnsweredBy)
+{
+    const bool isRefused = VideoDevices::areRefused("/dev");
+    EXPECT_EQ(Platform::cameraAuthorization(), isRefused
+                                                   ? Platform::CameraAuthorization::Denied
+                                                   : Platform::CameraAuthorization::Authorized);
+    int answers = 0;
+    Platform::requestCameraAccess([&](bool isGranted) {
+        ++answers;
+        EXPECT_EQ(isGranted, !isRefused);
+    });
+    EXPECT_EQ(answers, 1);
 }
