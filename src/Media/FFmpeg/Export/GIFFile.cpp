@@ -1,8 +1,8 @@
 #include "Media/FFmpeg/Export/GIFFile.h"
 
-#include "Support/OutputFile.h"
 #include "Media/FFmpeg/Video.h"
 #include "Media/GIF/Animation.h"
+#include "Support/OutputFile.h"
 
 #include <QFile>
 
