@@ -176,7 +176,7 @@ void MpvPlayer::fetchEvents()
         if (event->event_id == MPV_EVENT_PROPERTY_CHANGE || hasTime)
             take(*static_cast<const mpv_event_property*>(event->data));
         else if (event->event_id == MPV_EVENT_PLAYBACK_RESTART || failedToSeek)
-            seekEnded();
+            arrived();
         else if (event->event_id == MPV_EVENT_END_FILE)
             fail();
     }
@@ -296,8 +296,11 @@ void MpvPlayer::startSeek(double seconds)
     m_isSeeking = mpv_command_async(m_player.get(), seekRequest, command.data()) >= 0;
 }
 
-void MpvPlayer::seekEnded()
+void MpvPlayer::arrived()
 {
+    // The first time it tells so of the beginning, which comes after its picture: a seek that was
+    // begun before would be taken for done.
+    m_hasBegun = true;
     m_isSeeking = false;
     if (const auto next = std::exchange(m_nextSeek, std::nullopt))
         startSeek(*next);
@@ -351,7 +354,7 @@ void MpvPlayer::changed()
     if (m_state.phase != PlayerState::Phase::failed) {
         m_state.size = liesOnItsSide() ? m_stored.transposed() : m_stored;
         m_state.seeking = m_isSeeking;
-        if (m_hasPicture && !m_state.size.isEmpty())
+        if (m_hasPicture && m_hasBegun && !m_state.size.isEmpty())
             m_state.phase = PlayerState::Phase::ready;
     }
     if (std::exchange(m_told, m_state) != m_state && onChange)

@@ -47,13 +47,14 @@ private:
     bool liesOnItsSide() const;
     void setFlag(const char* name, bool on);
     void startSeek(double seconds);
-    void seekEnded();
+    void arrived();
     void fail();
     void changed();
 
     FileStream m_file; // outlives who reads it
     PlayerState m_state;
     PlayerState m_told; ///< The state at the last onChange.
+    bool m_hasBegun = false; ///< To stand at the first frame.
     bool m_isSeeking = false;
     std::optional<double> m_nextSeek;
     QSize m_stored;     ///< With square pixels, before it is turned.
