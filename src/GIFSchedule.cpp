@@ -39,8 +39,8 @@ GIFSchedule GIFSchedule::of(TimeRange range, double videoDuration)
     GIFSchedule schedule;
     const int count = numberOfFrames(framesPerSecond, duration);
     for (int i = 0; i < count; ++i) {
-        const double time = range.start + i / framesPerSecond;
-        schedule.times.push_back(std::round(time * timescale) / timescale);
+        const double passed = i / framesPerSecond;
+        schedule.times.push_back(range.start + std::round(passed * timescale) / timescale);
     }
     schedule.delay =
         static_cast<int>(std::lround(std::clamp(100 / framesPerSecond, 1.0, longestDelay)));

@@ -6,7 +6,8 @@
 
 /// Which frames of a video an animated GIF shows, and how long it shows each.
 struct GIFSchedule {
-    /// In seconds of the video's time, to the nearest 600th. Never empty.
+    /// In seconds of the video's time: whole 600ths from the range's start on, so that nothing from
+    /// before it shows. Never empty.
     std::vector<double> times;
     /// How long each frame shows, in hundredths of a second as GIF files count: 1 to 65535.
     int delay = 0;

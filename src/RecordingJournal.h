@@ -58,6 +58,8 @@ public:
     /// it runs. -1 before the first `write`, different after each.
     int lockedDescriptor() const { return m_file.get(); }
 
+    const QString& path() const { return m_path; }
+
     struct Found;
     struct Search;
 

@@ -75,7 +75,10 @@ void RecordingRecovery::take(RecordingJournal::Found found, const Recovered& rec
         RecordingFinisher::discard(left);
     } else if (entry.lostAttempts >= mostLostAttempts) {
         left.journal->putAside();
+    } else if (m_tried.contains(left.journal->path())) {
+        return; // the next start may have more luck
     } else {
+        m_tried.insert(left.journal->path());
         const auto place =
             std::find_if(m_waiting.begin(), m_waiting.end(), [&](const Waiting& other) {
                 return other.lostAttempts > entry.lostAttempts;

@@ -5,6 +5,7 @@
 #include "RecordingTools.h"
 
 #include <QObject>
+#include <QSet>
 #include <QUrl>
 
 #include <functional>
@@ -42,5 +43,6 @@ private:
     const RecordingTools& m_tools;
     RecordingFinisher& m_finisher;
     std::vector<Waiting> m_waiting; // the next one first
+    QSet<QString> m_tried;          // journals, by their paths
     std::shared_ptr<RecordingJournal> m_current;
 };

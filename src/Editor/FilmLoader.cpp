@@ -1,8 +1,7 @@
 #include "Editor/FilmLoader.h"
 
 #include "Media/FrameReader.h"
-
-#include <QThreadPool>
+#include "Support/Background.h"
 
 #include <chrono>
 #include <utility>
@@ -16,7 +15,7 @@ constexpr std::chrono::milliseconds longest = 10min;
 
 void readTimes(const QString& path, FilmLoader::GotTimes got, const Cancellation& cancellation)
 {
-    QThreadPool::globalInstance()->start([=, got = std::move(got)] {
+    Background::threads().start([=, got = std::move(got)] {
         auto times = FilmTimes::read(path, {.time = longest, .cancellation = cancellation});
         got(times ? std::optional(std::move(*times)) : std::nullopt);
     });
@@ -25,7 +24,7 @@ void readTimes(const QString& path, FilmLoader::GotTimes got, const Cancellation
 void readFrames(const QString& path, const std::vector<double>& times, QSize box,
                 FilmLoader::GotFrame got, const Cancellation& cancellation)
 {
-    QThreadPool::globalInstance()->start([=, got = std::move(got)] {
+    Background::threads().start([=, got = std::move(got)] {
         const FrameReaderLimits limits{.cancellation = cancellation};
         auto film = FrameReader::open(path, limits);
         if (!film)

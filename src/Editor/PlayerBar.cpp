@@ -6,6 +6,7 @@
 #include "NumberLabel.h"
 
 #include <QHBoxLayout>
+#include <QMouseEvent>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -133,4 +134,9 @@ void PlayerBar::show(const PlayerState& state, FilmRange range)
         const QSignalBlocker quiet(m_volume);
         m_volume->setValue(state.muted ? 0 : static_cast<int>(std::lround(state.volume * percent)));
     }
+}
+
+void PlayerBar::mousePressEvent(QMouseEvent* event)
+{
+    event->accept();
 }

@@ -44,6 +44,10 @@ Q_SIGNALS:
     /// From 0 to 1.
     void volumeChosen(double volume);
 
+protected:
+    /// Between two controls it is no press on the picture.
+    void mousePressEvent(QMouseEvent* event) override;
+
 private:
     FilmRange m_range;
     // Children.

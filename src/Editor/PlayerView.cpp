@@ -63,8 +63,14 @@ PlayerView::PlayerView(Film film, Clock clock, QWidget* parent)
 
 PlayerView::~PlayerView()
 {
+    end();
+}
+
+void PlayerView::end()
+{
     m_closing.cancel();
     m_stripReading.cancel();
+    m_playback.end();
 }
 
 void PlayerView::connectBar()
@@ -129,7 +135,8 @@ void PlayerView::showState()
     m_bar->show(m_playback.state(), m_playback.limits());
     m_bar->setVisible(m_playback.isReady() && !isTrimming());
     m_trimBar->showState(m_playback.state());
-    if (wasHidden || wasPlaying != m_playback.state().playing)
+    const bool hasAppeared = wasHidden && !m_bar->isHidden();
+    if (hasAppeared || wasPlaying != m_playback.state().playing)
         revealControls();
 }
 

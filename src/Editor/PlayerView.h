@@ -28,6 +28,9 @@ public:
     PlayerView(Film film, Clock clock, QWidget* parent = nullptr);
     ~PlayerView() override;
 
+    /// Plays and reads no more. Nothing shows from then on.
+    void end();
+
     FilmPlayback& playback() { return m_playback; }
     PlayerBar& bar() { return *m_bar; }
     TrimBar& trimBar() { return *m_trimBar; }

@@ -7,6 +7,7 @@
 #include "NumberLabel.h"
 
 #include <QHBoxLayout>
+#include <QMouseEvent>
 
 #include <cmath>
 
@@ -63,4 +64,9 @@ void TrimBar::showModel(const TrimModel& model)
     const FilmRange range = model.range();
     m_length->setText(lengthText(range.end - range.start));
     m_strip->showModel(model);
+}
+
+void TrimBar::mousePressEvent(QMouseEvent* event)
+{
+    event->accept();
 }

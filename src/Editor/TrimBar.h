@@ -29,6 +29,10 @@ Q_SIGNALS:
     void trimClicked();
     void cancelClicked();
 
+protected:
+    /// Between two controls it is no press on the picture.
+    void mousePressEvent(QMouseEvent* event) override;
+
 private:
     // Children.
     ChromeButton* m_play;

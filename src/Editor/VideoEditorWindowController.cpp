@@ -19,6 +19,7 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include <limits>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -92,7 +93,7 @@ VideoEditorWindowController::~VideoEditorWindowController()
     m_window->willClose = {};
     m_window->hide();
     // The window may outlive the event loop, which the player must not.
-    m_playerView->playback().end();
+    m_playerView->end();
     m_window.release()->deleteLater();
 }
 
@@ -169,7 +170,7 @@ FilmRange VideoEditorWindowController::exportRange() const
         return {0, *known};
     const auto read =
         m_services.readDuration ? m_services.readDuration(m_videoURL.toLocalFile()) : std::nullopt;
-    return {0, read.value_or(0)};
+    return {0, read.value_or(std::numeric_limits<double>::infinity())}; // wherever that is
 }
 
 void VideoEditorWindowController::trimClicked()

@@ -1,5 +1,7 @@
 #include "Support/Background.h"
 
+#include <QCoreApplication>
+
 #include <limits>
 
 QThreadPool& Background::threads()
@@ -10,6 +12,8 @@ QThreadPool& Background::threads()
             setMaxThreadCount(std::numeric_limits<int>::max());
             // A thread goes with its work: its priority may be low, and none can raise that again.
             setExpiryTimeout(0);
+            // What ends may still call upon the application object, and on libraries that are loaded.
+            qAddPostRoutine([] { threads().waitForDone(); });
         }
     };
     static Pool pool;

@@ -8,8 +8,10 @@
 #include <functional>
 #include <numbers>
 #include <stdexcept>
+#include <string>
 #include <thread>
 
+#include <pulse/error.h>
 #include <pulse/simple.h>
 
 namespace {
@@ -142,7 +144,11 @@ SoundServer::Player::~Player()
 
 double SoundServer::Player::delay() const
 {
-    return static_cast<double>(pa_simple_get_latency(m_stream->handle, nullptr)) / 1e6;
+    int error = PA_OK;
+    const pa_usec_t microseconds = pa_simple_get_latency(m_stream->handle, &error);
+    if (error != PA_OK)
+        throw std::runtime_error(std::string("no latency: ") + pa_strerror(error));
+    return static_cast<double>(microseconds) / 1e6;
 }
 
 void SoundServer::Player::play(double seconds, float loudness)

@@ -82,7 +82,15 @@ TEST(GIFSchedule, HasTimesOfWholeSixHundredths)
     const GIFSchedule schedule = GIFSchedule::of({0, 50.1}, 100);
     EXPECT_EQ(schedule.times[1], 125.0 / 600) << "125.25 ticks";
     EXPECT_EQ(schedule.times[3], 376.0 / 600) << "375.75 ticks";
-    EXPECT_EQ(GIFSchedule::of({1.0 / 7, 3}, 100).times[0], 86.0 / 600) << "85.7 ticks";
+}
+
+TEST(GIFSchedule, BeginsWithItsRangeToTheBit)
+{
+    const GIFSchedule schedule = GIFSchedule::of({1.0 / 7, 3}, 100);
+    EXPECT_EQ(schedule.times[0], 1.0 / 7) << "85.7 ticks";
+    EXPECT_EQ(schedule.times[1], 1.0 / 7 + 60.0 / 600);
+    const double frame = 100'003.0 / 90'000; // 666.7 ticks
+    EXPECT_GE(GIFSchedule::of({frame + 1.0 / 1200, 3}, 100).times[0], frame + 1.0 / 1200);
 }
 
 TEST(GIFSchedule, KeepsDelaysWithinWhatAFileCanSay)

@@ -477,6 +477,27 @@ TEST_F(RecordingRecoveryTest, SegmentsThatCannotBeReadAreTriedAgainAndStay)
     EXPECT_EQ(segmentFiles().size(), 2);
 }
 
+TEST_F(RecordingRecoveryTest, WhatHasFailedWaitsForTheNextStartThoughAToolIsWaitedFor)
+{
+    start();
+    recordAndPause();
+    manager->togglePause();
+    crash();
+    start();
+    const int tools = dup(runs.back()->command.sharedDescriptor);
+    crash();
+    recover();
+    ASSERT_EQ(exports.size(), 1u);
+    complete(MovieExport::End::unreadable);
+    exports.back().completion = {};
+    for (int second = 0; second < 60; ++second)
+        clock.advance(1s);
+    EXPECT_EQ(exports.size(), 1u);
+    close(tools);
+    clock.advance(10s);
+    EXPECT_EQ(exports.size(), 2u); // of the other
+}
+
 TEST_F(RecordingRecoveryTest, FilmsAreMadeOneByOneAndTheDangerousLast)
 {
     start();

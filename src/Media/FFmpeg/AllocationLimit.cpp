@@ -18,11 +18,17 @@ constexpr std::int64_t bytesForAByte = 8;
 constexpr std::int64_t highest = std::int64_t{1} << 30;
 
 std::mutex mutex; // for the set, and that FFmpeg knows its highest
-std::multiset<std::int64_t> limits;
+
+/// Never destroyed: work may go on at the end of the program.
+std::multiset<std::int64_t>& limits()
+{
+    static auto& all = *new std::multiset<std::int64_t>;
+    return all;
+}
 
 void apply()
 {
-    const std::int64_t most = limits.empty() ? AllocationLimit::lowest : *limits.rbegin();
+    const std::int64_t most = limits().empty() ? AllocationLimit::lowest : *limits().rbegin();
     av_max_alloc(static_cast<std::size_t>(most));
 }
 
@@ -32,13 +38,13 @@ AllocationLimit::AllocationLimit(std::int64_t fileSize)
     : m_bytes(std::clamp(std::min(fileSize, highest) * bytesForAByte, lowest, highest))
 {
     const std::lock_guard lock(mutex);
-    limits.insert(m_bytes);
+    limits().insert(m_bytes);
     apply();
 }
 
 AllocationLimit::~AllocationLimit()
 {
     const std::lock_guard lock(mutex);
-    limits.erase(limits.find(m_bytes));
+    limits().erase(limits().find(m_bytes));
     apply();
 }

@@ -76,9 +76,14 @@ Result<std::unique_ptr<VideoFile>> VideoFile::open(const std::string& path,
                                                    const Patience& patience)
 {
     av_log_set_level(AV_LOG_QUIET); // for the whole process: FFmpeg has no other
+    errno = 0;
     Result<RegularFile> file = RegularFile::open(path);
-    if (!file)
+    if (!file) {
+        // What is there and cannot be opened is not the same as nothing.
+        if (errno != 0 && errno != ENOENT)
+            patience.noteUnreadable(file.failure());
         return file.failure();
+    }
     file->size = readableEnd(*file, patience);
     std::unique_ptr<VideoFile> video(new VideoFile(path, std::move(*file), patience));
     if (const PossibleFailure failure = video->openContext())

@@ -10,9 +10,11 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto lookTime = 500ms;
-/// A camera that sends nothing for so many looks is gone, or does not begin. Dark rooms make them
-/// slow, but not so slow.
+/// A camera that sends nothing for so many looks is gone. Dark rooms make them slow, but not so
+/// slow.
 constexpr int mostIdleLooks = 5;
+/// One that has sent nothing at all in so many does not begin.
+constexpr int mostFirstLooks = 10;
 
 } // namespace
 
@@ -46,7 +48,8 @@ void LiveCamera::check()
     const bool isFresh = m_isFresh.exchange(false);
     m_hasPicture = m_hasPicture || isFresh;
     m_idleLooks = isFresh ? 0 : m_idleLooks + 1;
-    if (m_pipeline && !m_pipeline->hasEnded() && m_idleLooks < mostIdleLooks)
+    if (m_pipeline && !m_pipeline->hasEnded() &&
+        m_idleLooks < (m_hasPicture ? mostIdleLooks : mostFirstLooks))
         return;
     m_pipeline.reset();
     if (std::exchange(m_hasPicture, false))

@@ -314,8 +314,9 @@ void MpvPlayer::setEnd(std::optional<double> seconds)
     constexpr double margin = 5e-4;
     const QByteArray end =
         seconds ? QByteArray::number(*seconds - margin, 'f', 6) : QByteArray("none");
+    const char* value = end.constData();
     if (m_player)
-        mpv_set_property_string(m_player.get(), "end", end.constData());
+        mpv_set_property_async(m_player.get(), 0, "end", MPV_FORMAT_STRING, &value);
 }
 
 void MpvPlayer::setMuted(bool muted)

@@ -11,7 +11,9 @@ bool VideoDevices::areRefused(const std::string& folder)
 {
     bool isAnyRefused = false;
     std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+    std::filesystem::directory_iterator at(folder, error);
+    for (; !error && at != std::filesystem::directory_iterator(); at.increment(error)) {
+        const std::filesystem::directory_entry& entry = *at;
         if (!entry.path().filename().string().starts_with("video"))
             continue;
         // To open a camera may switch it on.

@@ -14,11 +14,12 @@ PossibleFailure writeGIF(const QString& video, const AnimatedGIF::Frames& frames
         limits.cancellation = cancellation;
         return Video::open(video, limits);
     };
-    // Not before there is something to write: what stands there goes then.
+    // Not before there is something to write. What stands there stays until this is complete.
     std::unique_ptr<OutputFile> file;
     const auto write = [&](const GIF::Bytes& bytes) -> PossibleFailure {
         if (!file) {
-            auto created = OutputFile::create(QFile::encodeName(destination).toStdString());
+            auto created = OutputFile::create(QFile::encodeName(destination).toStdString(),
+                                              {.clearsPlace = false});
             if (!created)
                 return created.failure();
             file = std::move(*created);
