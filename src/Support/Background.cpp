@@ -12,7 +12,8 @@ QThreadPool& Background::threads()
             setMaxThreadCount(std::numeric_limits<int>::max());
             // A thread goes with its work: its priority may be low, and none can raise that again.
             setExpiryTimeout(0);
-            // What ends may still call upon the application object, and on libraries that are loaded.
+            // What ends may still call upon the application object, and on libraries that are
+            // loaded.
             qAddPostRoutine([] { threads().waitForDone(); });
         }
     };

@@ -53,7 +53,7 @@ private:
 
     FileStream m_file; // outlives who reads it
     PlayerState m_state;
-    PlayerState m_told; ///< The state at the last onChange.
+    PlayerState m_told;      ///< The state at the last onChange.
     bool m_hasBegun = false; ///< To stand at the first frame.
     bool m_isSeeking = false;
     std::optional<double> m_nextSeek;

@@ -88,8 +88,8 @@ protected:
         }
         window->show(noise);
     }
-    /// Does so until the recording has ended by itself; slowly, since what of the last half second is
-    /// not on the disk yet has no room any more.
+    /// Does so until the recording has ended by itself; slowly, since what of the last half second
+    /// is not on the disk yet has no room any more.
     void fillDisk()
     {
         ASSERT_TRUE(
