@@ -3,11 +3,13 @@
 #include "GIFSchedule.h"
 #include "Media/AnimatedGIF.h"
 #include "Media/FrameReader.h"
+#include "Support/FileTurn.h"
 
 #include <QCoreApplication>
 #include <QThreadPool>
 
 #include <limits>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -69,9 +71,11 @@ void GIFExporter::exportVideo(const QUrl& video, TimeRange range, const QUrl& de
                               std::function<void(bool succeeded)> completion)
 {
     Exports& exports = Exports::running();
+    const auto turn = std::make_shared<FileTurn>(destination.toLocalFile());
     exports.threads.start([source = video.toLocalFile(), range, target = destination.toLocalFile(),
-                           completion = std::move(completion),
+                           completion = std::move(completion), turn,
                            cancellation = exports.cancellation] {
+        turn->await();
         const bool succeeded = makeGIF(source, range, target, cancellation);
         QMetaObject::invokeMethod(
             QCoreApplication::instance(), [completion, succeeded] { completion(succeeded); },

@@ -18,6 +18,9 @@ public:
     void invalidate(const QRect& area) { m_painted -= area; }
     void clear() { *this = {}; }
 
+    /// Whether all of `area` has been painted.
+    bool has(const QRect& area) const { return (QRegion(area) - m_painted).isEmpty(); }
+
     /// Has `paint` paint what is missing of `area`.
     void complete(const QRegion& area, const Paint& paint);
 

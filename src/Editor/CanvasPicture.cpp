@@ -2,6 +2,7 @@
 
 #include "Editor/AnnotationRenderer.h"
 
+#include <QElapsedTimer>
 #include <QPainter>
 
 #include <algorithm>
@@ -16,6 +17,10 @@ constexpr qsizetype fewAbove = 32;
 /// What an annotation moves through is prepared in squares of so many pixels: only there, and not
 /// at each step anew.
 constexpr int tile = 128;
+/// So many squares are prepared ahead of it at a step, so that it seldom meets several that are
+/// not: one at least, more while there is time.
+constexpr int mostTilesAhead = 4;
+constexpr int millisecondsAhead = 4;
 
 QRegion tilesOf(const QRegion& area)
 {
@@ -107,13 +112,17 @@ void CanvasPicture::selectionMoved(const Geometry::Rect& from, const Geometry::R
         settle();
     if (!m_move)
         beginMove(index, from);
+    const QPointF heading(to.minX() - m_move->place.minX(), m_move->place.minY() - to.minY());
+    if (!heading.isNull())
+        m_move->heading = heading;
     m_move->place = to;
 }
 
 void CanvasPicture::beginMove(qsizetype index, const Geometry::Rect& place)
 {
     m_still.invalidate(pixels(place));
-    m_move.emplace(Move{.index = index, .place = place, .below = {}, .onBlack = {}, .onWhite = {}});
+    m_move.emplace(Move{
+        .index = index, .place = place, .heading = {}, .below = {}, .onBlack = {}, .onWhite = {}});
     const qsizetype end = m_model.annotations().size();
     if (end - index > fewAbove)
         return;
@@ -178,9 +187,60 @@ QImage CanvasPicture::withDraft(const QRect& area) const
     return result;
 }
 
+/// What moves.
+bool CanvasPicture::isBelowOthers() const
+{
+    return m_move->index + 1 < m_model.annotations().size();
+}
+
 void CanvasPicture::prepareMove(const QRegion& moving, const QRect& seen)
 {
-    const QRegion tiles = tilesOf(moving) & seen;
+    if (moving.isEmpty())
+        return;
+    m_move->below.show(seen, canvas());
+    if (isBelowOthers()) {
+        m_move->onBlack.show(seen, canvas());
+        m_move->onWhite.show(seen, canvas());
+    }
+    prepareTiles(tilesOf(moving) & seen);
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < mostTilesAhead && (i == 0 || timer.elapsed() < millisecondsAhead); ++i) {
+        const QRect next = nextTile(moving, seen);
+        if (next.isEmpty())
+            break;
+        prepareTiles(next);
+    }
+}
+
+/// Of those around what moves that are not prepared, the one farthest ahead; empty when there is
+/// none.
+QRect CanvasPicture::nextTile(const QRegion& moving, const QRect& seen) const
+{
+    const QRect met = tilesOf(moving).boundingRect();
+    const QPointF middle = QRectF(met).center();
+    QRect next;
+    double farthest = 0;
+    for (int y = met.top() - tile; y <= met.bottom() + 1; y += tile) {
+        for (int x = met.left() - tile; x <= met.right() + 1; x += tile) {
+            const QRect candidate = QRect(x, y, tile, tile) & seen;
+            const bool isPrepared = m_move->below.has(candidate) &&
+                                    (!isBelowOthers() || m_move->onWhite.has(candidate));
+            if (isPrepared)
+                continue;
+            const double ahead =
+                QPointF::dotProduct(QRectF(candidate).center() - middle, m_move->heading);
+            if (next.isEmpty() || ahead > farthest) {
+                next = candidate;
+                farthest = ahead;
+            }
+        }
+    }
+    return next;
+}
+
+void CanvasPicture::prepareTiles(const QRegion& tiles)
+{
     const qsizetype index = m_move->index;
     const qsizetype end = m_model.annotations().size();
     const auto fill = [&](const QColor& color) {
@@ -189,16 +249,13 @@ void CanvasPicture::prepareMove(const QRegion& moving, const QRect& seen)
             drawAnnotations(painter, area, index + 1, end);
         };
     };
-    m_move->below.show(seen, canvas());
     m_move->below.complete(tiles, [&](QPainter& painter, const QRect& area) {
         paintBase(painter, area);
         drawAnnotations(painter, area, 0, index);
     });
-    if (index + 1 == end)
+    if (!isBelowOthers())
         return;
-    m_move->onBlack.show(seen, canvas());
     m_move->onBlack.complete(tiles, fill(Qt::black));
-    m_move->onWhite.show(seen, canvas());
     m_move->onWhite.complete(tiles, fill(Qt::white));
 }
 
@@ -211,7 +268,7 @@ QImage CanvasPicture::withMoving(const QRect& area) const
         painter.setClipRect(area);
         draw(painter, m_model.annotations()[m_move->index]);
     }
-    if (m_move->index + 1 < m_model.annotations().size())
+    if (isBelowOthers())
         applyAbove(result, m_move->onBlack.view(area), m_move->onWhite.view(area));
     return result;
 }

@@ -44,6 +44,9 @@ private:
     void completeStill(const QRegion& area, const QRect& seen);
     QImage withDraft(const QRect& area) const;
     void prepareMove(const QRegion& moving, const QRect& seen);
+    bool isBelowOthers() const;
+    void prepareTiles(const QRegion& tiles);
+    QRect nextTile(const QRegion& moving, const QRect& seen) const;
     QImage withMoving(const QRect& area) const;
 
     const BaseImage& m_image;
@@ -57,6 +60,7 @@ private:
     struct Move {
         qsizetype index;
         Geometry::Rect place; ///< Where it is now.
+        QPointF heading;      ///< The way it moved last, y down.
         CanvasLayer below;    ///< The picture and the annotations below.
         // What the annotations above make of black and of white. As each of them changes a channel
         // linearly, that says what they make of anything.

@@ -2,7 +2,9 @@
 
 #include "Media/MediaModule.h"
 #include "Support/Background.h"
+#include "Support/FileTurn.h"
 
+#include <memory>
 #include <utility>
 
 namespace {
@@ -64,7 +66,9 @@ void MovieExport::trimInBackground(const QString& source, double start, double e
                                    const QString& destination, Completion completion,
                                    const Cancellation& cancellation)
 {
+    const auto turn = std::make_shared<FileTurn>(destination);
     threads().start([=, completion = std::move(completion)] {
+        turn->await();
         completion(trim(source, start, end, destination, cancellation));
     });
 }

@@ -75,6 +75,7 @@ void remuxInBackground(const QString& source, const QString& destination, Comple
 void concatenateInBackground(const QStringList& segments, const QString& destination,
                              Completion completion, const Cancellation& cancellation = {},
                              OnThread onThread = {});
+/// Several trims to one destination happen in the order of the calls.
 void trimInBackground(const QString& source, double start, double end, const QString& destination,
                       Completion completion, const Cancellation& cancellation = {});
 

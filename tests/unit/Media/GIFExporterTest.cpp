@@ -247,6 +247,20 @@ TEST_F(GIFExport, ThatCannotBeWrittenIsAFailureThatLeavesNothing)
     EXPECT_TRUE(exported(video));
 }
 
+TEST_F(GIFExport, WhatWasAskedForLastStays)
+{
+    const std::string video = film(30);
+    std::vector<bool> results;
+    for (const double duration : {infinity, 0.05}) { // the first takes far longer
+        GIFExporter::exportVideo(QUrl::fromLocalFile(QString::fromStdString(video)), {0, duration},
+                                 QUrl::fromLocalFile(QString::fromStdString(m_gif)),
+                                 [&](bool succeeded) { results.push_back(succeeded); });
+    }
+    EXPECT_TRUE(runUntil([&] { return results.size() == 2; }));
+    EXPECT_THAT(results, Each(true));
+    EXPECT_EQ(PlayedGIF::of(m_gif).greys().size(), 2u);
+}
+
 TEST_F(GIFExport, IsGivenUpWhenTheProgramEnds)
 {
     fs::create_directory(m_folder / "out");
