@@ -35,6 +35,8 @@ SCENES = [
     Scene("still desktop", HD),
     Scene("terminal, 15 lines a second", HD),
     Scene("full motion", HD),
+    Scene("still desktop", HD, 60),
+    Scene("terminal, 15 lines a second", HD, 60),
     Scene("full motion", HD, 60),
     Scene("still desktop", UHD),
     Scene("terminal, 15 lines a second", UHD),

@@ -68,6 +68,7 @@ PlayerView::~PlayerView()
 
 void PlayerView::end()
 {
+    m_onceOpened = nullptr;
     m_closing.cancel();
     m_stripReading.cancel();
     m_playback.end();
@@ -126,6 +127,8 @@ void PlayerView::playerChanged()
     if (m_playback.isReady() && !std::exchange(m_timesAsked, true))
         loadTimes();
     showState();
+    if (m_onceOpened && m_playback.state().phase != PlayerState::Phase::opening)
+        std::exchange(m_onceOpened, nullptr)();
 }
 
 void PlayerView::showState()
@@ -172,6 +175,14 @@ void PlayerView::takeTimes(const FilmTimes& times)
 bool PlayerView::controlsShow() const
 {
     return m_trimBar->isVisible() || (m_bar->isVisible() && m_fade->opacity() > 0);
+}
+
+void PlayerView::onceOpened(std::function<void()> then)
+{
+    if (m_playback.state().phase == PlayerState::Phase::opening)
+        m_onceOpened = std::move(then);
+    else
+        then();
 }
 
 bool PlayerView::canBeginTrimming() const

@@ -8,6 +8,7 @@
 #include <QImage>
 #include <QWidget>
 
+#include <functional>
 #include <optional>
 
 class Fade;
@@ -41,6 +42,9 @@ public:
     /// By the file itself; absent until it is known.
     std::optional<double> duration() const { return m_duration; }
 
+    /// Calls `then` when the film is open or has turned out not to be playable: at once when that
+    /// is known. Of several that wait the last one is called.
+    void onceOpened(std::function<void()> then);
     bool canBeginTrimming() const;
     bool isTrimming() const { return m_trim.has_value(); }
     /// Shows the handles, around the range as it is. Does nothing when they show already.
@@ -83,6 +87,7 @@ private:
     std::optional<FilmRange> m_range;
     std::optional<TrimModel> m_trim; ///< While the handles show.
     double m_timeBeforeTrimming = 0;
+    std::function<void()> m_onceOpened;
     bool m_timesAsked = false;
     bool m_playsAfterSeek = false;
     int m_activity = 0; ///< Grows with whatever the user does.

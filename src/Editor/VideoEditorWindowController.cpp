@@ -175,10 +175,12 @@ FilmRange VideoEditorWindowController::exportRange() const
 
 void VideoEditorWindowController::trimClicked()
 {
-    if (m_playerView->canBeginTrimming())
-        m_playerView->beginTrimming();
-    else
-        flashTitle(QStringLiteral("Trimming unavailable"));
+    m_playerView->onceOpened([this] {
+        if (m_playerView->canBeginTrimming())
+            m_playerView->beginTrimming();
+        else
+            flashTitle(QStringLiteral("Trimming unavailable"));
+    });
 }
 
 void VideoEditorWindowController::saveTrimmed()

@@ -244,16 +244,35 @@ TEST_F(VideoEditorTest, WhatCannotBeTrimmedSaysSo)
         clock.advance(2s);
         return said;
     };
-    EXPECT_TRUE(refuses()); // it is not there yet
+    EXPECT_FALSE(refuses()); // it is not there yet
     PlayerState state = readyState();
     state.duration.reset();
-    record.player->become(state);
-    EXPECT_TRUE(refuses()); // it has no length
+    record.player->become(state); // it has no length
+    EXPECT_EQ(title(), text("Trimming unavailable"));
+    clock.advance(2s);
+    EXPECT_TRUE(refuses());
     state = {};
     state.phase = PlayerState::Phase::failed;
     record.player->become(state);
     EXPECT_TRUE(refuses());
     EXPECT_FALSE(view().controlsShow());
+}
+
+TEST_F(VideoEditorTest, TrimmingThatWasAskedForTooEarlyBeginsWhenTheFilmIsOpen)
+{
+    open(file("clip.mp4"));
+    QTest::mouseClick(button("Trim"), Qt::LeftButton);
+    EXPECT_FALSE(view().isTrimming());
+    record.player->become(readyState());
+    EXPECT_TRUE(view().isTrimming());
+    view().cancelTrimming();
+    record.player->become(readyState());
+    EXPECT_FALSE(view().isTrimming()) << "once";
+
+    open(file("other.mp4"));
+    QTest::mouseClick(button("Trim"), Qt::LeftButton);
+    editor.reset(); // it does not wait then
+    settle();
 }
 
 TEST_F(VideoEditorTest, WithoutAPlayerTheWindowStillCopies)
