@@ -117,6 +117,15 @@ std::int64_t FrameDecoder::endOf(const AVFrame& frame) const
     return end ? *end : frame.pts + frame.pkt_duration;
 }
 
+bool FrameDecoder::isKnownToShow(const AVFrame& frame, std::int64_t time) const
+{
+    // Tables are in the order of decoding, which is that of showing where no frame is held back.
+    if (m_codec->has_b_frames > 0 || !Tracks::hasWholeTable(m_stream))
+        return false;
+    const auto end = Tracks::endOfSample(m_stream, frame.pts);
+    return end && *end > time;
+}
+
 bool FrameDecoder::hasNewKeyFrame(std::int64_t time) const
 {
     const AVIndexEntry* const key =

@@ -28,6 +28,10 @@ public:
     /// Until when a frame shows that no other follows, in the stream's ticks.
     std::int64_t endOf(const AVFrame& frame) const;
 
+    /// Whether the container's table says that a frame still shows at `time`, in the stream's
+    /// ticks: then the next one need not be decoded to know that. No when that is not known.
+    bool isKnownToShow(const AVFrame& frame, std::int64_t time) const;
+
     /// Goes on with the key frame at or before `time`, in the stream's ticks.
     bool seek(std::int64_t time);
 

@@ -37,10 +37,14 @@ std::optional<std::int64_t> Tracks::endOfSample(AVStream& track, std::int64_t ti
     const int number = av_index_search_timestamp(&track, time, AVSEEK_FLAG_ANY);
     if (number < 0 || avformat_index_get_entry(&track, number)->timestamp != time)
         return {};
-    const bool isLast = number + 1 == avformat_index_get_entries_count(&track);
-    const std::int64_t end =
-        isLast ? track.duration : avformat_index_get_entry(&track, number + 1)->timestamp;
+    const AVIndexEntry* const next = avformat_index_get_entry(&track, number + 1);
+    const std::int64_t end = next ? next->timestamp : track.duration;
     return end > time ? std::optional(end) : std::nullopt;
+}
+
+bool Tracks::hasWholeTable(const AVStream& track)
+{
+    return track.nb_frames > 0 && track.nb_frames == avformat_index_get_entries_count(&track);
 }
 
 void Tracks::readOnly(AVFormatContext& file, const AVStream* wanted, const AVStream* alsoWanted)

@@ -87,6 +87,8 @@ void Video::goToTicks(std::int64_t time)
     if (mustSeek(time))
         seek(time);
     while (m_shown) {
+        if (!m_next && m_decoder->isKnownToShow(*m_shown, time))
+            return;
         if (!m_next)
             m_next = m_decoder->next();
         if (!m_next || m_next->pts > time)
