@@ -128,6 +128,36 @@ TEST(EditorLayout, ALargePictureIsReducedToMostOfTheScreen)
     EXPECT_NEAR(content.height, 765, 1e-9);
 }
 
+TEST(EditorLayout, OnASmallScreenAWindowAndItsPictureAreNoWiderThanThat)
+{
+    const Geometry::Rect visible{0, 20, 910, 480};
+    const double s = EditorLayout::initialMagnification({1000, 100}, visible.size());
+    EXPECT_EQ(s, 0.91);
+    EXPECT_EQ(EditorLayout::placed(EditorLayout::contentSize({1000, 100}, s), visible),
+              (Geometry::Rect{0, 191.5, 910, 137}));
+}
+
+TEST(EditorLayout, AWindowStaysBelowItsTitleBar)
+{
+    EXPECT_EQ(EditorLayout::placed({940, 490}, {0, 0, 960, 520}),
+              (Geometry::Rect{10, 2, 940, 490}));
+    EXPECT_EQ(EditorLayout::placed({980, 640}, {0, 0, 960, 520}), (Geometry::Rect{0, 0, 960, 492}));
+}
+
+TEST_F(EditorTest, OnASmallScreenTheWindowFitsAndTheToolbarToo)
+{
+    FakePlatform::current().screens.front().visibleFrame = {0, 0, 853, 460};
+    open(picture("shot.png", 400, 300));
+    EXPECT_EQ(FakePlatform::current().frames[&editor->window()],
+              (Geometry::Rect{0, 57, 853, 346}));
+    EXPECT_EQ(editor->window().minimumSize(), QSize(853, 332));
+    editor->window().resize(853, 346);
+    settle();
+    const auto* last = button("Save flattened copy next to the original");
+    EXPECT_EQ(last->geometry().right(), 853 - 1 - 10);
+    EXPECT_EQ(last->width(), last->sizeHint().width());
+}
+
 TEST_F(EditorTest, APictureOpensAtItsSizeOnScreen)
 {
     const QUrl file = picture("shot.png", 400, 300);
