@@ -22,8 +22,8 @@ double EditorLayout::initialMagnification(Size picture, Size visible)
 {
     const double width =
         std::min(std::max(visible.width * share, smallestWindow.width), visible.width);
-    return std::min({width / picture.width,
-                     (visible.height * share - toolbarHeight) / picture.height, 1.0});
+    return std::min(
+        {width / picture.width, (visible.height * share - toolbarHeight) / picture.height, 1.0});
 }
 
 Size EditorLayout::contentSize(Size picture, double magnification)

@@ -32,8 +32,9 @@ struct PlayerState {
 
 /// Plays one video file, its sound to the loudspeakers and its pictures to whoever asks for them.
 ///
-/// It begins with the first frame, standing still. Main thread only, its callbacks too. Nothing but
-/// the file itself is opened, nothing is logged, no settings of the user's are read.
+/// It begins with the first frame, standing still; what it is told before has no effect, and no
+/// call waits, its end neither. Main thread only, its callbacks too. Nothing but the file itself is
+/// opened, nothing is logged, no settings of the user's are read.
 class Player {
 public:
     Player() = default;

@@ -2,7 +2,6 @@
 #include "Editor/AnnotationRenderer.h"
 #include "Editor/CanvasView.h"
 #include "Editor/ColorSwatch.h"
-#include "Editor/EditorLayout.h"
 #include "Editor/EditorToolbar.h"
 #include "Editor/EditorWindowController.h"
 #include "Editor/LabelField.h"
@@ -112,44 +111,11 @@ protected:
 
 } // namespace
 
-TEST(EditorLayout, ASmallPictureOpensAtItsSizeInAWindowOfTheLeastWidth)
-{
-    const double s = EditorLayout::initialMagnification({400, 300}, {1440, 900});
-    EXPECT_EQ(s, 1);
-    EXPECT_EQ(EditorLayout::contentSize({400, 300}, s), (Geometry::Size{940, 346}));
-}
-
-TEST(EditorLayout, ALargePictureIsReducedToMostOfTheScreen)
-{
-    const double s = EditorLayout::initialMagnification({4000, 3000}, {1440, 900});
-    EXPECT_NEAR(s, 0.2397, 0.00005);
-    const Geometry::Size content = EditorLayout::contentSize({4000, 3000}, s);
-    EXPECT_NEAR(content.width, 958.7, 0.05);
-    EXPECT_NEAR(content.height, 765, 1e-9);
-}
-
-TEST(EditorLayout, OnASmallScreenAWindowAndItsPictureAreNoWiderThanThat)
-{
-    const Geometry::Rect visible{0, 20, 910, 480};
-    const double s = EditorLayout::initialMagnification({1000, 100}, visible.size());
-    EXPECT_EQ(s, 0.91);
-    EXPECT_EQ(EditorLayout::placed(EditorLayout::contentSize({1000, 100}, s), visible),
-              (Geometry::Rect{0, 191.5, 910, 137}));
-}
-
-TEST(EditorLayout, AWindowStaysBelowItsTitleBar)
-{
-    EXPECT_EQ(EditorLayout::placed({940, 490}, {0, 0, 960, 520}),
-              (Geometry::Rect{10, 2, 940, 490}));
-    EXPECT_EQ(EditorLayout::placed({980, 640}, {0, 0, 960, 520}), (Geometry::Rect{0, 0, 960, 492}));
-}
-
 TEST_F(EditorTest, OnASmallScreenTheWindowFitsAndTheToolbarToo)
 {
     FakePlatform::current().screens.front().visibleFrame = {0, 0, 853, 460};
     open(picture("shot.png", 400, 300));
-    EXPECT_EQ(FakePlatform::current().frames[&editor->window()],
-              (Geometry::Rect{0, 57, 853, 346}));
+    EXPECT_EQ(FakePlatform::current().frames[&editor->window()], (Geometry::Rect{0, 57, 853, 346}));
     EXPECT_EQ(editor->window().minimumSize(), QSize(853, 332));
     editor->window().resize(853, 346);
     settle();

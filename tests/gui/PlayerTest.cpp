@@ -5,14 +5,17 @@
 #include "Media/FrameReader.h"
 #include "Media/MovieExport.h"
 #include "Media/PlayerModule.h"
+#include "Support/Background.h"
 #include "support/EventLoop.h"
 #include "support/TemporaryFolder.h"
 #include "unit/Media/Videos.h"
 
 #include <QColor>
+#include <QDir>
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -302,6 +305,65 @@ TEST_F(PlayerTest, MayEndAtAnyTime)
     player->seek(1);
     player.reset();
     settle();
+}
+
+TEST_F(PlayerTest, TheMainThreadNeitherOpensNorCloses)
+{
+    const auto isOpen = [] {
+        const QDir descriptors(QStringLiteral("/proc/self/fd"));
+        for (const QString& one : descriptors.entryList(QDir::Files | QDir::System))
+            if (QFile::symLinkTarget(descriptors.filePath(one)).toStdString() == plain())
+                return true;
+        return false;
+    };
+    QThreadPool& others = Background::threads();
+    const auto holdOthersUp = [&](bool on) {
+        others.setMaxThreadCount(on ? 0 : std::numeric_limits<int>::max());
+    };
+    others.waitForDone(); // what was played before
+    holdOthersUp(true);
+    open(plain());
+    EXPECT_FALSE(isOpen());
+    holdOthersUp(false);
+    ASSERT_TRUE(runUntil([&] { return player->state().phase == Phase::ready; }));
+    player->play();
+    EXPECT_TRUE(isOpen());
+    holdOthersUp(true);
+    player.reset();
+    EXPECT_TRUE(isOpen());
+    holdOthersUp(false);
+    others.waitForDone();
+    EXPECT_FALSE(isOpen());
+}
+
+TEST_F(PlayerTest, SaysNothingOfABrokenFilmWhateverElseEnded)
+{
+    // Of several libmpvs the first one speaks for FFmpeg.
+    openPlayable(plain());
+    std::unique_ptr<Player> first = std::move(player);
+    std::string broken = contentOf(plain());
+    const std::size_t begin = broken.find("mdat"), end = broken.find("moov");
+    ASSERT_LT(begin, end);
+    for (std::size_t i = begin + (end - begin) / 2; i < end - 4; ++i)
+        broken[i] = '\x55';
+    writeFile(*films / "damaged.mp4", broken);
+    openPlayable(*films / "damaged.mp4");
+    testing::internal::CaptureStderr();
+    first.reset();
+    Background::threads().waitForDone();
+    sought(timeOf(29));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(PlayerTest, OfABrokenTableWhatComesBeforePlays)
+{
+    const std::string fragments =
+        contentOf(changed("fragments.mp4", {"-c", "copy", "-movflags",
+                                            "frag_keyframe+empty_moov+default_base_moof"}));
+    const std::size_t last = fragments.rfind("moof");
+    writeFile(*films / "broken.mp4", fragments.substr(0, last + 20));
+    openPlayable(*films / "broken.mp4");
+    EXPECT_EQ(number(), 0);
 }
 
 TEST_F(PlayerTest, FrameTimesAreThoseOfTheFile)

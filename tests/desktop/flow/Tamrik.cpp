@@ -172,8 +172,8 @@ Outcome<void> Tamrik::dismissChips() const
         const auto resting = awaitRestingChips(left);
         if (!resting)
             return resting.failure();
-        if (const auto clicked = Desktop::Input(m_desktop).click(resting->front().topLeft() +
-                                                                 QPoint(cross, cross));
+        if (const auto clicked =
+                Desktop::Input(m_desktop).click(resting->front().topLeft() + QPoint(cross, cross));
             !clicked)
             return clicked;
     }
