@@ -21,6 +21,10 @@
 
 #include <gtest/gtest.h>
 
+extern "C" {
+#include <libavutil/log.h>
+}
+
 #include <sys/stat.h>
 
 extern "C" const PlayerModule* tamrikPlayerModule();
@@ -338,7 +342,8 @@ TEST_F(PlayerTest, TheMainThreadNeitherOpensNorCloses)
 
 TEST_F(PlayerTest, SaysNothingOfABrokenFilmWhateverElseEnded)
 {
-    // Of several libmpvs the first one speaks for FFmpeg.
+    // Of several libmpvs the first one takes what FFmpeg says, which is not quiet yet here.
+    av_log_set_level(AV_LOG_INFO);
     openPlayable(plain());
     std::unique_ptr<Player> first = std::move(player);
     std::string broken = contentOf(plain());
@@ -360,10 +365,15 @@ TEST_F(PlayerTest, OfABrokenTableWhatComesBeforePlays)
     const std::string fragments =
         contentOf(changed("fragments.mp4", {"-c", "copy", "-movflags",
                                             "frag_keyframe+empty_moov+default_base_moof"}));
-    const std::size_t last = fragments.rfind("moof");
-    writeFile(*films / "broken.mp4", fragments.substr(0, last + 20));
-    openPlayable(*films / "broken.mp4");
-    EXPECT_EQ(number(), 0);
+    const std::size_t table = fragments.rfind("moof") - 4;
+    const std::size_t data = fragments.rfind("mdat") - 4;
+    ASSERT_LT(table, data);
+    for (const std::size_t end : {table + 12, table + 40, (table + data) / 2, data - 1}) {
+        SCOPED_TRACE(end - table);
+        writeFile(*films / "broken.mp4", fragments.substr(0, end));
+        openPlayable(*films / "broken.mp4");
+        EXPECT_EQ(number(), 0);
+    }
 }
 
 TEST_F(PlayerTest, FrameTimesAreThoseOfTheFile)
