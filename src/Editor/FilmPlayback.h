@@ -39,8 +39,10 @@ public:
     /// Lets go of the player: nothing more shows or sounds.
     void end();
     void toggleMuted();
-    /// From 0 to 1; sound that was off comes back.
+    /// From 0 to 1; sound that was off comes back, unless there is none at 0 either.
     void setVolume(double volume);
+    /// Louder or softer; what is off stays off until it is to be louder.
+    void changeVolume(double change);
 
 private:
     void playerChanged();

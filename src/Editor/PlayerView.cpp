@@ -362,7 +362,6 @@ void PlayerView::hideControlsIfUnused(int since)
 void PlayerView::keyPressEvent(QKeyEvent* event)
 {
     const int frames = event->modifiers().testFlag(Qt::ShiftModifier) ? manyFrames : 1;
-    const double volume = m_playback.state().volume;
     switch (event->key()) {
     case Qt::Key_Space:
         if (!event->isAutoRepeat())
@@ -382,10 +381,10 @@ void PlayerView::keyPressEvent(QKeyEvent* event)
         m_playback.seek(m_playback.limits().end);
         break;
     case Qt::Key_Up:
-        m_playback.setVolume(volume + volumeStep);
+        m_playback.changeVolume(volumeStep);
         break;
     case Qt::Key_Down:
-        m_playback.setVolume(volume - volumeStep);
+        m_playback.changeVolume(-volumeStep);
         break;
     case Qt::Key_M:
         m_playback.toggleMuted();

@@ -18,8 +18,9 @@ struct PlayerState {
 
     Phase phase = Phase::opening;
     QSize size; ///< Upright, with square pixels; empty until the first picture is known.
-    std::optional<double> duration; ///< Absent until it is known, and when the file does not say.
-    double time = 0;                ///< Of the frame that shows, or that is being sought.
+    std::optional<double> duration;  ///< Absent until it is known, and when the file does not say.
+    std::optional<double> frameRate; ///< Frames a second, where the file says that or shows it.
+    double time = 0;                 ///< Of the frame that shows, or that is being sought.
     bool playing = false;
     bool seeking = false; ///< The frame that shows is not the one that was asked for yet.
     bool atEnd = false;   ///< Nothing is left to be played.

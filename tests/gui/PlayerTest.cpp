@@ -113,6 +113,7 @@ TEST_F(PlayerTest, BeginsWithTheFirstFrameStandingStill)
     EXPECT_EQ(number(), 0);
     EXPECT_EQ(player->state().size, QSize(64, 48));
     EXPECT_NEAR(player->state().duration.value_or(0), 1.2, 1e-3);
+    EXPECT_EQ(player->state().frameRate.value_or(0), 30);
     EXPECT_EQ(player->state().time, 0);
     EXPECT_FALSE(player->state().playing);
     EXPECT_FALSE(player->state().hasSound);

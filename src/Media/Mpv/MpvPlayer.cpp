@@ -19,6 +19,7 @@ constexpr double fullVolume = 100;
 enum class Property : std::uint64_t {
     atEnd = 1,
     duration,
+    frameRate,
     height,
     mute,
     pause,
@@ -38,6 +39,7 @@ struct Observed {
 constexpr Observed observed[] = {
     {Property::atEnd, "eof-reached", MPV_FORMAT_FLAG},
     {Property::duration, "duration", MPV_FORMAT_DOUBLE},
+    {Property::frameRate, "container-fps", MPV_FORMAT_DOUBLE},
     {Property::height, "video-params/dh", MPV_FORMAT_INT64},
     {Property::mute, "mute", MPV_FORMAT_FLAG},
     {Property::pause, "pause", MPV_FORMAT_FLAG},
@@ -153,6 +155,9 @@ void MpvPlayer::take(const mpv_event_property& property)
         break;
     case Property::duration:
         m_state.duration = valueOf<double>(property);
+        break;
+    case Property::frameRate:
+        m_state.frameRate = valueOf<double>(property);
         break;
     case Property::height:
         m_stored.setHeight(whole());
