@@ -42,6 +42,12 @@ void FilmPlayback::setFrames(FrameGrid frames)
     m_framesAreTheFiles = true;
 }
 
+void FilmPlayback::setOrientation(Orientation orientation)
+{
+    if (m_player)
+        m_player->setOrientation(orientation);
+}
+
 void FilmPlayback::setLimits(std::optional<FilmRange> limits)
 {
     m_limits = limits;

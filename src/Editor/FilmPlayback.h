@@ -22,6 +22,7 @@ public:
     const FrameGrid& frames() const { return m_frames; }
     /// Better than what the player knows.
     void setFrames(FrameGrid frames);
+    void setOrientation(Orientation orientation);
 
     /// Nothing outside is played or shown; the whole film when absent. Where the film stands stays.
     void setLimits(std::optional<FilmRange> limits);

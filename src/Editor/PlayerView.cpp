@@ -162,6 +162,7 @@ void PlayerView::takeTimes(const FilmTimes& times)
     m_duration = times.duration;
     const FrameGrid frames(times.frames, times.duration);
     m_playback.setFrames(frames);
+    m_playback.setOrientation(times.orientation);
     if (m_range)
         m_range = TrimModel(frames, *m_range).range();
     if (m_trim) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Media/Orientation.h"
+
 #include <QImage>
 #include <QSize>
 #include <QString>
@@ -65,6 +67,10 @@ public:
     /// Playing stops before the first frame that begins at `seconds` or later; at the file's end
     /// when absent.
     virtual void setEnd(std::optional<double> seconds) = 0;
+
+    /// How stored pictures become upright, where that is known better: a player may see turns
+    /// alone, and take a mirror for one.
+    virtual void setOrientation(Orientation orientation) = 0;
 
     virtual void setMuted(bool muted) = 0;
     virtual void setVolume(double volume) = 0;

@@ -424,7 +424,8 @@ TEST_F(PlayerViewTest, ARangeMovesToFramesThatBecomeKnownLater)
     Q_EMIT strip().moved(Handle::start, 1.9);
     view().confirmTrimming();
     EXPECT_NEAR(editor->exportRange().start, 1.9, 1e-9);
-    gotTimes(FilmTimes{{0, 2, 4}, 10});
+    gotTimes(FilmTimes{{0, 2, 4}, 10, {true, 1}});
+    EXPECT_EQ(record.orientation, (Orientation{true, 1}));
     EXPECT_EQ(editor->exportRange(), (FilmRange{2, 10}));
     EXPECT_EQ(record.end, std::nullopt);
 }

@@ -228,7 +228,7 @@ TEST_F(VideoEditorTest, WhatEndsAfterTheEditorIsDroppedButAFailureIsLogged)
     trims[1].completion({End::failed, "no"});
     EXPECT_EQ(TestLog::takeLines(), QStringList{text("video export failed: no")});
     // What reads the film knows as well.
-    gotTimes(FilmTimes{{0}, 1});
+    gotTimes(FilmTimes{{0}, 1, {}});
     clock.advance(5s);
 }
 

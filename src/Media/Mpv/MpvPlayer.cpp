@@ -5,7 +5,7 @@
 
 #include <mpv/client.h>
 
-#include <QTransform>
+#include <QtGlobal>
 
 #include <algorithm>
 #include <cstring>
@@ -169,7 +169,8 @@ void MpvPlayer::take(const mpv_event_property& property)
         m_state.playing = property.data && !flag();
         break;
     case Property::rotation:
-        m_rotation = whole();
+        if (!m_isOrientationTold)
+            m_orientation = {false, qRound(whole() / 90.0) & 3};
         break;
     case Property::sound:
         m_state.hasSound = property.data != nullptr;
@@ -197,19 +198,11 @@ void MpvPlayer::fetchPicture()
         onPicture();
 }
 
-bool MpvPlayer::liesOnItsSide() const
-{
-    return m_rotation % 180 != 0;
-}
-
 QImage MpvPlayer::picture(QSize pixels)
 {
     if (!m_hasPicture || pixels.isEmpty())
         return {};
-    const QSize stored = liesOnItsSide() ? pixels.transposed() : pixels;
-    const QImage image = m_film->picture(stored);
-    return m_rotation == 0 || image.isNull() ? image
-                                             : image.transformed(QTransform().rotate(m_rotation));
+    return m_orientation.upright(m_film->picture(m_orientation.upright(pixels)));
 }
 
 void MpvPlayer::play()
@@ -263,6 +256,16 @@ void MpvPlayer::setEnd(std::optional<double> seconds)
                     seconds ? QByteArray::number(*seconds - margin, 'f', 6) : QByteArray("none"));
 }
 
+void MpvPlayer::setOrientation(Orientation orientation)
+{
+    m_isOrientationTold = true;
+    if (std::exchange(m_orientation, orientation) == orientation)
+        return;
+    changed();
+    if (m_hasPicture && onPicture)
+        onPicture();
+}
+
 void MpvPlayer::setMuted(bool muted)
 {
     if (m_film)
@@ -290,7 +293,7 @@ void MpvPlayer::fail()
 void MpvPlayer::changed()
 {
     if (m_state.phase != PlayerState::Phase::failed) {
-        m_state.size = liesOnItsSide() ? m_stored.transposed() : m_stored;
+        m_state.size = m_orientation.upright(m_stored);
         m_state.seeking = m_isSeeking;
         if (m_hasPicture && m_hasBegun && !m_state.size.isEmpty())
             m_state.phase = PlayerState::Phase::ready;

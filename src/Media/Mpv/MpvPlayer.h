@@ -23,6 +23,7 @@ public:
     void pause() override;
     void seek(double seconds) override;
     void setEnd(std::optional<double> seconds) override;
+    void setOrientation(Orientation orientation) override;
     void setMuted(bool muted) override;
     void setVolume(double volume) override;
     QImage picture(QSize pixels) override;
@@ -37,7 +38,6 @@ private:
     void take(const mpv_event& event);
     void take(const mpv_event_property& property);
     bool isLoaded() const;
-    bool liesOnItsSide() const;
     void startSeek(double seconds);
     void arrived();
     void fail();
@@ -49,8 +49,9 @@ private:
     bool m_hasBegun = false; ///< To stand at the first frame.
     bool m_isSeeking = false;
     std::optional<double> m_nextSeek;
-    QSize m_stored;     ///< With square pixels, before it is turned.
-    int m_rotation = 0; ///< Degrees, clockwise.
+    QSize m_stored; ///< With square pixels, before it is turned.
+    Orientation m_orientation;
+    bool m_isOrientationTold = false; ///< By somebody who knows better than libmpv.
     bool m_hasPicture = false;
     /// What mpv's threads post to: it outlives them, and what was posted ends with it.
     QObject m_mainThread;
