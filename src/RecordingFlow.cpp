@@ -4,21 +4,12 @@
 #include "Preferences.h"
 #include "Support/CaptureFiles.h"
 #include "Support/Guarded.h"
-
-#include <QFileInfo>
+#include "Support/Sibling.h"
 
 #include <limits>
 #include <utility>
 
 namespace {
-
-/// `video` with the extension "gif".
-QUrl gifBeside(const QUrl& video)
-{
-    const QFileInfo file(video.toLocalFile());
-    return QUrl::fromLocalFile(file.path() + QLatin1Char('/') + file.completeBaseName() +
-                               QStringLiteral(".gif"));
-}
 
 template <typename Operation, typename... Args>
 void callIfSet(const Operation& operation, Args... args)
@@ -97,7 +88,7 @@ void RecordingFlow::handOver(const QUrl& file, bool asGIF)
         m_outside.deliver(file);
         return;
     }
-    const QUrl gif = gifBeside(file);
+    const QUrl gif = sibling(file, QStringLiteral(".gif"));
     const auto converted = [this, file, gif](bool succeeded) {
         m_outside.deliver(succeeded ? gif : file);
     };

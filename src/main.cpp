@@ -71,6 +71,7 @@ makeVideoEditor(const QUrl& video, const decltype(Subsystems::GIF::exportVideo)&
                                  .openPlayer = Player::open,
                                  .loader = FilmLoader::system(),
                                  .readDuration = durationOf,
+                                 .canTrim = MovieExport::isPossible,
                                  .trim = trim,
                                  .exportGIF = {}};
     if (exportGIF)

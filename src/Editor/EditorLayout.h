@@ -2,7 +2,7 @@
 
 #include "Support/Geometry.h"
 
-/// How large an editor's window opens. All in points.
+/// How large an editor's window opens, and where. All in points.
 namespace EditorLayout {
 
 inline constexpr double toolbarHeight = 46;
@@ -15,5 +15,16 @@ double initialMagnification(Geometry::Size picture, Geometry::Size visible);
 
 /// The window's content then.
 Geometry::Size contentSize(Geometry::Size picture, double magnification);
+
+/// The most that a screen has room for below a title bar, in whole points.
+Geometry::Size room(Geometry::Size visible);
+
+/// Where a window's content lies: in the middle, no larger than there is room for, its title bar
+/// on the screen too.
+Geometry::Rect placed(Geometry::Size content, Geometry::Rect visible);
+
+/// How small the content of a window may become that is to be no smaller than `window`, title bar
+/// included, where there is room for that.
+Geometry::Size smallestContent(Geometry::Size window, Geometry::Size visible);
 
 } // namespace EditorLayout

@@ -1,7 +1,57 @@
 #include "Editor/EditorWindow.h"
 
+#include "Editor/EditorLayout.h"
+#include "Platform/Screens.h"
+#include "Platform/WindowTraits.h"
+#include "StatusIcon.h"
+#include "Support/Guarded.h"
+
 #include <QCloseEvent>
+#include <QFileInfo>
 #include <QKeyEvent>
+
+#include <utility>
+
+namespace {
+
+constexpr Geometry::Rect assumedScreen = {0, 0, 1440, 900};
+
+} // namespace
+
+EditorWindow::EditorWindow(const QString& path, Clock clock)
+    : m_fileName(QFileInfo(path).fileName())
+    , m_clock(std::move(clock))
+{
+    setTitle(m_fileName);
+    setWindowIcon(StatusIcon::icon(false));
+    setWindowFilePath(path);
+}
+
+Geometry::Rect EditorWindow::visibleFrame()
+{
+    const auto screens = Platform::screens();
+    return screens.empty() ? assumedScreen : screens.front().visibleFrame;
+}
+
+void EditorWindow::place(Geometry::Size content, Geometry::Size smallest)
+{
+    const Geometry::Rect visible = visibleFrame();
+    const Geometry::Size least = EditorLayout::smallestContent(smallest, visible.size());
+    setMinimumSize(static_cast<int>(least.width), static_cast<int>(least.height));
+    Platform::setFrame(*this, EditorLayout::placed(content, visible));
+}
+
+void EditorWindow::setTitle(QString text)
+{
+    // Qt replaces this mark in titles.
+    setWindowTitle(text.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
+}
+
+void EditorWindow::flashTitle(const QString& message, std::chrono::milliseconds time)
+{
+    setTitle(message);
+    m_clock.after(time, Guarded::any(this, [this] { setTitle(m_fileName); }));
+}
 
 void EditorWindow::closeEvent(QCloseEvent* event)
 {

@@ -9,15 +9,12 @@
 #include "Editor/ZoomView.h"
 #include "Media/Picture.h"
 #include "Platform/Pasteboard.h"
-#include "Platform/Screens.h"
 #include "Platform/WindowTraits.h"
-#include "StatusIcon.h"
 #include "Support/Log.h"
 #include "Support/ReplaceFile.h"
+#include "Support/Sibling.h"
 
-#include <QFileInfo>
 #include <QGuiApplication>
-#include <QPointer>
 #include <QShortcut>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -27,13 +24,6 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto flashTime = 1400ms;
-constexpr Geometry::Rect assumedScreen = {0, 0, 1440, 900};
-
-Geometry::Rect mainVisibleFrame()
-{
-    const auto screens = Platform::screens();
-    return screens.empty() ? assumedScreen : screens.front().visibleFrame;
-}
 
 std::optional<BaseImage> loadImage(const QString& path)
 {
@@ -44,19 +34,6 @@ std::optional<BaseImage> loadImage(const QString& path)
     if (!pixels)
         return std::nullopt;
     return BaseImage::ofDensity(std::move(*pixels), info->density);
-}
-
-/// Qt replaces this mark in titles.
-QString asTitle(QString text)
-{
-    return text.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
-}
-
-/// What stands before the extension; all of a name that has nothing there.
-QString baseName(const QFileInfo& file)
-{
-    const QString name = file.completeBaseName();
-    return name.isEmpty() ? file.fileName() : name;
 }
 
 } // namespace
@@ -74,28 +51,18 @@ std::unique_ptr<EditorWindowController> EditorWindowController::open(const QUrl&
 
 EditorWindowController::EditorWindowController(const QUrl& image, Clock clock, CanvasView* canvas)
     : m_imageURL(image)
-    , m_clock(std::move(clock))
     , m_sidecar(image.toLocalFile())
-    , m_window(std::make_unique<EditorWindow>())
+    , m_window(std::make_unique<EditorWindow>(image.toLocalFile(), std::move(clock)))
     , m_canvas(canvas)
 {
-    const Geometry::Rect visible = mainVisibleFrame();
     const Geometry::Size picture = m_canvas->image().size;
-    const double magnification = EditorLayout::initialMagnification(picture, visible.size());
-    const Geometry::Size content = EditorLayout::contentSize(picture, magnification);
-
+    const double magnification =
+        EditorLayout::initialMagnification(picture, EditorWindow::visibleFrame().size());
     m_window->setObjectName(QStringLiteral("EditorWindow"));
-    m_window->setWindowTitle(asTitle(fileName()));
-    m_window->setWindowIcon(StatusIcon::icon(false));
-    m_window->setWindowFilePath(m_imageURL.toLocalFile());
-    m_window->setMinimumSize(
-        static_cast<int>(EditorLayout::smallestWindow.width),
-        static_cast<int>(EditorLayout::smallestWindow.height - EditorLayout::titleBarHeight));
     m_window->willClose = [this] { windowWillClose(); };
     buildUI(magnification);
-    Platform::setFrame(*m_window, {visible.x + (visible.width - content.width) / 2,
-                                   visible.y + (visible.height - content.height) / 2, content.width,
-                                   content.height});
+    m_window->place(EditorLayout::contentSize(picture, magnification),
+                    EditorLayout::smallestWindow);
 
     m_canvas->model().onChange = [this] { m_sidecar.save(m_canvas->model().annotations()); };
     // A session that ends may not wait for us any longer than this.
@@ -118,11 +85,6 @@ EditorWindowController::~EditorWindowController()
 QWidget& EditorWindowController::window()
 {
     return *m_window;
-}
-
-QString EditorWindowController::fileName() const
-{
-    return QFileInfo(m_imageURL.toLocalFile()).fileName();
 }
 
 void EditorWindowController::buildUI(double initialMagnification)
@@ -243,23 +205,18 @@ void EditorWindowController::exportFlattened()
         AnnotationRenderer::flattenedPng(m_canvas->image(), m_canvas->model().annotations());
     if (!png)
         return;
-    const QFileInfo image(m_imageURL.toLocalFile());
-    const QString name = baseName(image) + QStringLiteral(" annotated.png");
-    if (const PossibleFailure failure = replaceFile(image.path() + u'/' + name, *png)) {
+    const QUrl copy = sibling(m_imageURL, QStringLiteral(" annotated.png"));
+    if (const PossibleFailure failure = replaceFile(copy.toLocalFile(), *png)) {
         flashTitle(QStringLiteral("Export failed"));
         Log::line(QStringLiteral("export failed: ") + QString::fromStdString(failure->message));
         return;
     }
-    flashTitle(QStringLiteral("Exported ✓ ") + name);
+    flashTitle(QStringLiteral("Exported ✓ ") + copy.fileName());
 }
 
 void EditorWindowController::flashTitle(const QString& message)
 {
-    m_window->setWindowTitle(asTitle(message));
-    m_clock.after(flashTime, [self = QPointer(this)] {
-        if (self)
-            self->m_window->setWindowTitle(asTitle(self->fileName()));
-    });
+    m_window->flashTitle(message, flashTime);
 }
 
 void EditorWindowController::windowWillClose()

@@ -51,11 +51,9 @@ private:
     /// Takes in what is being typed, and returns when all of it is in the sidecar.
     void saveAndWait();
     void flashTitle(const QString& message);
-    QString fileName() const;
     void windowWillClose();
 
     QUrl m_imageURL;
-    Clock m_clock;
     SidecarWriter m_sidecar;
     std::unique_ptr<EditorWindow> m_window;
     // In the window.

@@ -20,9 +20,11 @@ FilmPlayback::FilmPlayback(std::unique_ptr<Player> player)
 
 void FilmPlayback::playerChanged()
 {
-    const std::optional<double> before = std::exchange(m_state, m_player->state()).duration;
-    if (!m_framesAreTheFiles && m_state.duration && m_state.duration != before)
-        m_frames = FrameGrid::even(*m_state.duration);
+    const PlayerState before = std::exchange(m_state, m_player->state());
+    const bool isOther =
+        m_state.duration != before.duration || m_state.frameRate != before.frameRate;
+    if (!m_framesAreTheFiles && m_state.duration && isOther)
+        m_frames = FrameGrid::even(*m_state.duration, m_state.frameRate);
     if (isReady() && std::exchange(m_playsWhenReady, false))
         play();
     if (onChange)
@@ -38,6 +40,12 @@ void FilmPlayback::setFrames(FrameGrid frames)
 {
     m_frames = std::move(frames);
     m_framesAreTheFiles = true;
+}
+
+void FilmPlayback::setOrientation(Orientation orientation)
+{
+    if (m_player)
+        m_player->setOrientation(orientation);
 }
 
 void FilmPlayback::setLimits(std::optional<FilmRange> limits)
@@ -126,6 +134,13 @@ void FilmPlayback::setVolume(double volume)
 {
     if (!isReady())
         return;
-    m_player->setMuted(false);
+    if (volume > 0)
+        m_player->setMuted(false);
     m_player->setVolume(volume);
+}
+
+void FilmPlayback::changeVolume(double change)
+{
+    if (!m_state.muted || change > 0)
+        setVolume(std::clamp(m_state.volume + change, 0.0, 1.0));
 }

@@ -22,6 +22,7 @@ public:
     const FrameGrid& frames() const { return m_frames; }
     /// Better than what the player knows.
     void setFrames(FrameGrid frames);
+    void setOrientation(Orientation orientation);
 
     /// Nothing outside is played or shown; the whole film when absent. Where the film stands stays.
     void setLimits(std::optional<FilmRange> limits);
@@ -39,8 +40,10 @@ public:
     /// Lets go of the player: nothing more shows or sounds.
     void end();
     void toggleMuted();
-    /// From 0 to 1; sound that was off comes back.
+    /// From 0 to 1; sound that was off comes back, unless there is none at 0 either.
     void setVolume(double volume);
+    /// Louder or softer; what is off stays off until it is to be louder.
+    void changeVolume(double change);
 
 private:
     void playerChanged();

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr double usualRate = 30;
+constexpr double usualRate = 30, highestRate = 1000;
 /// Times are rounded on their way through files and players.
 constexpr double tolerance = 1e-4;
 
@@ -22,13 +22,17 @@ FrameGrid::FrameGrid(std::vector<double> frames, double duration)
     m_frames.front() = std::min(m_frames.front(), 0.0);
 }
 
-FrameGrid FrameGrid::even(double duration)
+FrameGrid FrameGrid::even(double duration, std::optional<double> frameRate)
 {
+    const bool isLikely = frameRate && *frameRate > 0 && *frameRate <= highestRate;
+    const double rate = isLikely ? *frameRate : usualRate;
     std::vector<double> frames;
-    const auto count = static_cast<std::size_t>(std::clamp(duration * usualRate, 1.0, 5e6));
+    // Of a length that was multiplied there may be a bit of a frame too much.
+    const auto count =
+        static_cast<std::size_t>(std::clamp(std::ceil(duration * rate - 0.01), 1.0, 5e6));
     frames.reserve(count);
     for (std::size_t i = 0; i < count; ++i)
-        frames.push_back(static_cast<double>(i) / usualRate);
+        frames.push_back(static_cast<double>(i) / rate);
     return {std::move(frames), duration};
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 /// Seconds of a film, from one frame's beginning to another's, or to the film's end.
@@ -18,8 +19,8 @@ public:
     /// `frames` rise. The first one shows from the film's beginning, the last one to its end.
     FrameGrid(std::vector<double> frames, double duration);
 
-    /// For a film of which no more than its length is known.
-    static FrameGrid even(double duration);
+    /// For a film of which no more is known than its length and, perhaps, its frames a second.
+    static FrameGrid even(double duration, std::optional<double> frameRate = {});
 
     double duration() const { return m_duration; }
     int count() const { return static_cast<int>(m_frames.size()); }

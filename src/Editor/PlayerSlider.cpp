@@ -4,6 +4,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QSignalBlocker>
 
 namespace {
 
@@ -65,6 +66,14 @@ void PlayerSlider::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton)
         setSliderDown(false);
+}
+
+void PlayerSlider::hideEvent(QHideEvent* event)
+{
+    // The mouse's release will be somebody else's.
+    const QSignalBlocker quiet(this);
+    setSliderDown(false);
+    QSlider::hideEvent(event);
 }
 
 void PlayerSlider::paintEvent(QPaintEvent*)

@@ -2,8 +2,8 @@
 
 #include <QSlider>
 
-/// A slim slider over a picture, whose knob jumps to where it is pressed. It takes no keyboard
-/// focus.
+/// A slim slider over a picture, whose knob jumps to where it is pressed, and which is let go,
+/// without a word, when it is hidden. It takes no keyboard focus.
 class PlayerSlider : public QSlider {
     Q_OBJECT
 
@@ -21,6 +21,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     void follow(double x);

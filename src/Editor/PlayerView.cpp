@@ -162,6 +162,7 @@ void PlayerView::takeTimes(const FilmTimes& times)
     m_duration = times.duration;
     const FrameGrid frames(times.frames, times.duration);
     m_playback.setFrames(frames);
+    m_playback.setOrientation(times.orientation);
     if (m_range)
         m_range = TrimModel(frames, *m_range).range();
     if (m_trim) {
@@ -362,7 +363,6 @@ void PlayerView::hideControlsIfUnused(int since)
 void PlayerView::keyPressEvent(QKeyEvent* event)
 {
     const int frames = event->modifiers().testFlag(Qt::ShiftModifier) ? manyFrames : 1;
-    const double volume = m_playback.state().volume;
     switch (event->key()) {
     case Qt::Key_Space:
         if (!event->isAutoRepeat())
@@ -382,10 +382,10 @@ void PlayerView::keyPressEvent(QKeyEvent* event)
         m_playback.seek(m_playback.limits().end);
         break;
     case Qt::Key_Up:
-        m_playback.setVolume(volume + volumeStep);
+        m_playback.changeVolume(volumeStep);
         break;
     case Qt::Key_Down:
-        m_playback.setVolume(volume - volumeStep);
+        m_playback.changeVolume(-volumeStep);
         break;
     case Qt::Key_M:
         m_playback.toggleMuted();

@@ -1,15 +1,13 @@
 #include "Editor/VideoEditorWindowController.h"
 
-#include "Editor/EditorLayout.h"
 #include "Editor/EditorWindow.h"
 #include "Editor/PlayerView.h"
 #include "Editor/VideoEditorToolbar.h"
 #include "Platform/Pasteboard.h"
-#include "Platform/Screens.h"
 #include "Platform/WindowTraits.h"
-#include "StatusIcon.h"
 #include "Support/Guarded.h"
 #include "Support/Log.h"
+#include "Support/Sibling.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -29,20 +27,6 @@ namespace {
 constexpr auto flashTime = 1600ms;
 constexpr Geometry::Size contentSize = {980, 640};
 constexpr Geometry::Size smallestWindow = {720, 440};
-constexpr Geometry::Rect assumedScreen = {0, 0, 1440, 900};
-
-/// Qt replaces this mark in titles.
-QString asTitle(QString text)
-{
-    return text.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
-}
-
-/// What stands before the extension; all of a name that has nothing there.
-QString baseName(const QFileInfo& file)
-{
-    const QString name = file.completeBaseName();
-    return name.isEmpty() ? file.fileName() : name;
-}
 
 /// Whatever it is; a link, not what it leads to. What cannot be removed is left to the export.
 void removeItem(const QString& path)
@@ -69,23 +53,13 @@ VideoEditorWindowController::VideoEditorWindowController(const QUrl& video,
                                                          VideoEditorServices services)
     : m_videoURL(video)
     , m_services(std::move(services))
-    , m_window(std::make_unique<EditorWindow>())
+    , m_window(std::make_unique<EditorWindow>(video.toLocalFile(), m_services.clock))
 {
     m_window->setObjectName(QStringLiteral("VideoEditorWindow"));
-    m_window->setWindowTitle(asTitle(fileName()));
-    m_window->setWindowIcon(StatusIcon::icon(false));
-    m_window->setWindowFilePath(m_videoURL.toLocalFile());
-    m_window->setMinimumSize(
-        static_cast<int>(smallestWindow.width),
-        static_cast<int>(smallestWindow.height - EditorLayout::titleBarHeight));
     m_window->willClose = [this] { windowWillClose(); };
     buildUI();
     addShortcuts();
-    const auto screens = Platform::screens();
-    const Geometry::Rect visible = screens.empty() ? assumedScreen : screens.front().visibleFrame;
-    Platform::setFrame(*m_window, {visible.x + (visible.width - contentSize.width) / 2,
-                                   visible.y + (visible.height - contentSize.height) / 2,
-                                   contentSize.width, contentSize.height});
+    m_window->place(contentSize, smallestWindow);
 }
 
 VideoEditorWindowController::~VideoEditorWindowController()
@@ -100,17 +74,6 @@ VideoEditorWindowController::~VideoEditorWindowController()
 QWidget& VideoEditorWindowController::window()
 {
     return *m_window;
-}
-
-QString VideoEditorWindowController::fileName() const
-{
-    return QFileInfo(m_videoURL.toLocalFile()).fileName();
-}
-
-QUrl VideoEditorWindowController::output(const QString& ending) const
-{
-    const QFileInfo video(m_videoURL.toLocalFile());
-    return QUrl::fromLocalFile(video.path() + u'/' + baseName(video) + ending);
 }
 
 void VideoEditorWindowController::buildUI()
@@ -185,11 +148,11 @@ void VideoEditorWindowController::trimClicked()
 
 void VideoEditorWindowController::saveTrimmed()
 {
-    if (!m_services.trim) {
+    if (!m_services.canTrim || !m_services.canTrim()) {
         flashTitle(QStringLiteral("Export failed"));
         return;
     }
-    const QUrl destination = output(QStringLiteral(" trimmed.mp4"));
+    const QUrl destination = sibling(m_videoURL, QStringLiteral(" trimmed.mp4"));
     const FilmRange range = exportRange();
     removeItem(destination.toLocalFile());
     flashTitle(QStringLiteral("Exporting video…"));
@@ -219,7 +182,7 @@ void VideoEditorWindowController::trimEnded(const MovieExport::Outcome& outcome,
 
 void VideoEditorWindowController::exportGIF()
 {
-    const QUrl destination = output(QStringLiteral(".gif"));
+    const QUrl destination = sibling(m_videoURL, QStringLiteral(".gif"));
     flashTitle(QStringLiteral("Exporting GIF…"));
     const auto ended = [this, destination](bool succeeded) {
         if (!succeeded) {
@@ -245,11 +208,7 @@ void VideoEditorWindowController::copyFile()
 
 void VideoEditorWindowController::flashTitle(const QString& message)
 {
-    m_window->setWindowTitle(asTitle(message));
-    m_services.clock.after(flashTime, [self = QPointer(this)] {
-        if (self)
-            self->m_window->setWindowTitle(asTitle(self->fileName()));
-    });
+    m_window->flashTitle(message, flashTime);
 }
 
 void VideoEditorWindowController::windowWillClose()

@@ -25,6 +25,8 @@ struct VideoEditorServices {
     FilmLoader loader;
     /// In seconds; absent when the file cannot be read or does not say.
     std::function<std::optional<double>(const QString& path)> readDuration;
+    /// Whether `trim` has what it needs.
+    std::function<bool()> canTrim;
     /// Copies a range of a movie without encoding it again. The completion is called once, on any
     /// thread.
     std::function<void(const QString& source, double start, double end, const QString& destination,
@@ -75,9 +77,6 @@ private:
     void addShortcuts();
     void flashTitle(const QString& message);
     void trimEnded(const MovieExport::Outcome& outcome, const QUrl& output);
-    QString fileName() const;
-    /// Beside the video, its name without the extension before `ending`.
-    QUrl output(const QString& ending) const;
     void windowWillClose();
 
     QUrl m_videoURL;

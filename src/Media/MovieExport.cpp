@@ -18,6 +18,11 @@ using Background::threads; // an export takes minutes: who reads a thumbnail sha
 
 } // namespace
 
+bool MovieExport::isPossible()
+{
+    return MediaModule::get() != nullptr;
+}
+
 MovieExport::Outcome MovieExport::remux(const QString& source, const QString& destination,
                                         const Cancellation& cancellation)
 {

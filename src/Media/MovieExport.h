@@ -39,6 +39,10 @@ struct Outcome {
 using Completion = std::function<void(const Outcome& outcome)>;
 using OnThread = std::function<void()>;
 
+/// Whether the library for video files is there. The first call loads it, unless something was read
+/// already, which takes tens of milliseconds. Any thread.
+bool isPossible();
+
 /// Copies the pictures and the sound of `source` without encoding them again, with their turn,
 /// colours and timing; sound that MP4 cannot hold becomes AAC. Of a source that is broken off there
 /// is what can be played. It is a failure when that is nothing. Takes about a second for half a

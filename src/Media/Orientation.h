@@ -11,6 +11,8 @@ struct Orientation {
     /// By EXIF's number, 1 to 8; any other is upright already.
     static Orientation fromExif(int number);
 
+    friend bool operator==(const Orientation&, const Orientation&) = default;
+
     bool swapsSides() const { return quarterTurns % 2 != 0; }
 
     /// The size of a picture that is stored as `stored`; the other way round too.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Media/Orientation.h"
+
 #include <QImage>
 #include <QSize>
 #include <QString>
@@ -18,8 +20,9 @@ struct PlayerState {
 
     Phase phase = Phase::opening;
     QSize size; ///< Upright, with square pixels; empty until the first picture is known.
-    std::optional<double> duration; ///< Absent until it is known, and when the file does not say.
-    double time = 0;                ///< Of the frame that shows, or that is being sought.
+    std::optional<double> duration;  ///< Absent until it is known, and when the file does not say.
+    std::optional<double> frameRate; ///< Frames a second, where the file says that or shows it.
+    double time = 0;                 ///< Of the frame that shows, or that is being sought.
     bool playing = false;
     bool seeking = false; ///< The frame that shows is not the one that was asked for yet.
     bool atEnd = false;   ///< Nothing is left to be played.
@@ -32,8 +35,9 @@ struct PlayerState {
 
 /// Plays one video file, its sound to the loudspeakers and its pictures to whoever asks for them.
 ///
-/// It begins with the first frame, standing still. Main thread only, its callbacks too. Nothing but
-/// the file itself is opened, nothing is logged, no settings of the user's are read.
+/// It begins with the first frame, standing still; what it is told before has no effect, and no
+/// call waits, its end neither. Main thread only, its callbacks too. Nothing but the file itself is
+/// opened, nothing is logged, no settings of the user's are read.
 class Player {
 public:
     Player() = default;
@@ -63,6 +67,10 @@ public:
     /// Playing stops before the first frame that begins at `seconds` or later; at the file's end
     /// when absent.
     virtual void setEnd(std::optional<double> seconds) = 0;
+
+    /// How stored pictures become upright, where that is known better: a player may see turns
+    /// alone, and take a mirror for one.
+    virtual void setOrientation(Orientation orientation) = 0;
 
     virtual void setMuted(bool muted) = 0;
     virtual void setVolume(double volume) = 0;

@@ -13,6 +13,7 @@ public:
         FakePlayer* player = nullptr; ///< Null once it is gone.
         std::vector<double> seeks;
         std::optional<double> end;
+        Orientation orientation;
         int plays = 0;
         int pauses = 0;
     };
@@ -56,6 +57,7 @@ public:
         become(m_state);
     }
     void setEnd(std::optional<double> seconds) override { m_record.end = seconds; }
+    void setOrientation(Orientation orientation) override { m_record.orientation = orientation; }
     void setMuted(bool muted) override
     {
         m_state.muted = muted;

@@ -2,7 +2,6 @@
 #include "Editor/AnnotationRenderer.h"
 #include "Editor/CanvasView.h"
 #include "Editor/ColorSwatch.h"
-#include "Editor/EditorLayout.h"
 #include "Editor/EditorToolbar.h"
 #include "Editor/EditorWindowController.h"
 #include "Editor/LabelField.h"
@@ -112,20 +111,17 @@ protected:
 
 } // namespace
 
-TEST(EditorLayout, ASmallPictureOpensAtItsSizeInAWindowOfTheLeastWidth)
+TEST_F(EditorTest, OnASmallScreenTheWindowFitsAndTheToolbarToo)
 {
-    const double s = EditorLayout::initialMagnification({400, 300}, {1440, 900});
-    EXPECT_EQ(s, 1);
-    EXPECT_EQ(EditorLayout::contentSize({400, 300}, s), (Geometry::Size{940, 346}));
-}
-
-TEST(EditorLayout, ALargePictureIsReducedToMostOfTheScreen)
-{
-    const double s = EditorLayout::initialMagnification({4000, 3000}, {1440, 900});
-    EXPECT_NEAR(s, 0.2397, 0.00005);
-    const Geometry::Size content = EditorLayout::contentSize({4000, 3000}, s);
-    EXPECT_NEAR(content.width, 958.7, 0.05);
-    EXPECT_NEAR(content.height, 765, 1e-9);
+    FakePlatform::current().screens.front().visibleFrame = {0, 0, 853, 460};
+    open(picture("shot.png", 400, 300));
+    EXPECT_EQ(FakePlatform::current().frames[&editor->window()], (Geometry::Rect{0, 57, 853, 346}));
+    EXPECT_EQ(editor->window().minimumSize(), QSize(853, 332));
+    editor->window().resize(853, 346);
+    settle();
+    const auto* last = button("Save flattened copy next to the original");
+    EXPECT_EQ(last->geometry().right(), 853 - 1 - 10);
+    EXPECT_EQ(last->width(), last->sizeHint().width());
 }
 
 TEST_F(EditorTest, APictureOpensAtItsSizeOnScreen)

@@ -151,6 +151,32 @@ TEST_F(PlayerViewTest, TheSliderSeeksAndPlayingGoesOnAfterwards)
     EXPECT_TRUE(state().playing);
 }
 
+TEST_F(PlayerViewTest, ASliderThatIsHeldWhenTheBarGoesIsLetGo)
+{
+    PlayerSlider& slider = view().bar().position();
+    press(Qt::Key_Space);
+    QTest::mousePress(&slider, Qt::LeftButton, {}, slider.rect().center());
+    press(Qt::Key_T, Qt::ControlModifier);
+    ASSERT_TRUE(view().isTrimming());
+    EXPECT_FALSE(state().playing);
+    view().cancelTrimming();
+    EXPECT_FALSE(slider.isSliderDown());
+    stand(2);
+    EXPECT_EQ(slider.value(), 2000);
+}
+
+TEST_F(VideoEditorTest, BeforeItsFramesAreKnownAFilmGoesByItsFrameRate)
+{
+    open(file("clip.mp4"));
+    PlayerState state = readyState();
+    state.frameRate = 10;
+    record.player->become(state);
+    press(Qt::Key_Right);
+    EXPECT_THAT(record.seeks, ElementsAre(0.1));
+    press(Qt::Key_End);
+    EXPECT_THAT(record.seeks.back(), DoubleNear(9.9, 1e-9));
+}
+
 TEST_F(PlayerViewTest, SoundCanBeTurnedDownWhereThereIsSome)
 {
     EXPECT_FALSE(view().bar().muteButton().isVisible());
@@ -168,6 +194,14 @@ TEST_F(PlayerViewTest, SoundCanBeTurnedDownWhereThereIsSome)
     EXPECT_EQ(view().bar().volume().value(), 95);
     view().bar().volume().setValue(30);
     EXPECT_NEAR(state().volume, 0.3, 1e-9);
+    // What is off stays off until it is to be louder.
+    press(Qt::Key_M);
+    press(Qt::Key_Down);
+    EXPECT_TRUE(state().muted);
+    EXPECT_NEAR(state().volume, 0.3, 1e-9);
+    press(Qt::Key_Up);
+    EXPECT_FALSE(state().muted);
+    EXPECT_NEAR(state().volume, 0.35, 1e-9);
 }
 
 TEST_F(PlayerViewTest, ControlsGoWhileItPlaysAndComeBack)
@@ -390,7 +424,8 @@ TEST_F(PlayerViewTest, ARangeMovesToFramesThatBecomeKnownLater)
     Q_EMIT strip().moved(Handle::start, 1.9);
     view().confirmTrimming();
     EXPECT_NEAR(editor->exportRange().start, 1.9, 1e-9);
-    gotTimes(FilmTimes{{0, 2, 4}, 10});
+    gotTimes(FilmTimes{{0, 2, 4}, 10, {true, 1}});
+    EXPECT_EQ(record.orientation, (Orientation{true, 1}));
     EXPECT_EQ(editor->exportRange(), (FilmRange{2, 10}));
     EXPECT_EQ(record.end, std::nullopt);
 }

@@ -71,6 +71,7 @@ protected:
                                strips.push_back({times, box, std::move(got), cancellation});
                            }},
             .readDuration = [](const QString&) { return std::optional(12.5); },
+            .canTrim = [this] { return canTrim; },
             .trim =
                 [this](const QString& source, double start, double end, const QString& destination,
                        MovieExport::Completion completion) {
@@ -157,6 +158,7 @@ protected:
     FakePlayer::Record record;
     FilmLoader::GotTimes gotTimes;
     std::vector<Frames> strips;
+    bool canTrim = true;
     std::vector<Trim> trims;
     std::vector<GIF> gifs;
     std::vector<QUrl> produced;

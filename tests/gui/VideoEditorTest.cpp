@@ -114,6 +114,33 @@ TEST_F(VideoEditorTest, WhateverStandsAtTheOutputGoesButNotWhatALinkLeadsTo)
     EXPECT_TRUE(QFileInfo::exists(kept));
 }
 
+TEST_F(VideoEditorTest, WhatWasSavedBeforeStaysWhenNothingCanBeSaved)
+{
+    openReady("clip.mp4");
+    const QUrl before = file("clip trimmed.mp4");
+    canTrim = false;
+    editor->saveTrimmed();
+    EXPECT_EQ(title(), text("Export failed"));
+    EXPECT_TRUE(trims.empty());
+    EXPECT_TRUE(QFileInfo::exists(before.toLocalFile()));
+}
+
+TEST_F(VideoEditorTest, OpensWhollyOnASmallScreen)
+{
+    // What a panel leaves of 960 x 540 points.
+    FakePlatform::current().screens.front().visibleFrame = {10, 20, 950, 520};
+    open(file("clip.mp4"));
+    EXPECT_EQ(FakePlatform::current().frames[&editor->window()],
+              (Geometry::Rect{10, 20, 950, 492})); // below a title bar
+    EXPECT_EQ(editor->window().minimumSize(), QSize(720, 412));
+
+    FakePlatform::current().screens.front().visibleFrame = {0, 0, 640.5, 400};
+    open(file("other.mp4"));
+    EXPECT_EQ(FakePlatform::current().frames[&editor->window()],
+              (Geometry::Rect{0.25, 0, 640, 372}));
+    EXPECT_EQ(editor->window().minimumSize(), QSize(640, 372));
+}
+
 TEST_F(VideoEditorTest, NamesAreMadeOfTheVideosOwnName)
 {
     openReady("clip trimmed.mp4");
@@ -201,7 +228,7 @@ TEST_F(VideoEditorTest, WhatEndsAfterTheEditorIsDroppedButAFailureIsLogged)
     trims[1].completion({End::failed, "no"});
     EXPECT_EQ(TestLog::takeLines(), QStringList{text("video export failed: no")});
     // What reads the film knows as well.
-    gotTimes(FilmTimes{{0}, 1});
+    gotTimes(FilmTimes{{0}, 1, {}});
     clock.advance(5s);
 }
 
@@ -279,7 +306,7 @@ TEST_F(VideoEditorTest, WithoutAPlayerTheWindowStillCopies)
 {
     VideoEditorServices none = services();
     none.openPlayer = {};
-    none.trim = {};
+    none.canTrim = {};
     none.exportGIF = {};
     none.readDuration = {};
     editor = VideoEditorWindowController::open(file("clip.mp4"), none);

@@ -77,7 +77,7 @@ LAYERS = {
         ["src/Media/Mpv/*"],
         ["base", "support", "media"],
         ["Core", "Gui"],
-        libraries=["mpv"]),
+        libraries=["av", "mpv"]),
     "camera": Layer(
         ["src/Media/GStreamer/*"],
         ["base", "support", "media"],

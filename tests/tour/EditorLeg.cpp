@@ -65,18 +65,8 @@ void Legs::editor(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
             editor.emplace(*opened);
             return {};
         });
-    tour.step(QStringLiteral("All chips are dismissed, to see more of it"), [&]() -> Outcome<void> {
-        for (int left = static_cast<int>(tamrik.chips().size()); left > 0; --left) {
-            const auto chips = tamrik.awaitRestingChips(left);
-            if (!chips)
-                return chips.failure();
-            const int cross = qRound(17 * desktop.options().scale);
-            if (const auto clicked = input.click(chips->front().topLeft() + QPoint(cross, cross));
-                !clicked)
-                return clicked;
-        }
-        return tamrik.awaitChips(0);
-    });
+    tour.step(QStringLiteral("All chips are dismissed, to see more of it"),
+              [&] { return tamrik.dismissChips(); });
     tour.step(QStringLiteral("A mark of each kind is drawn, and kept beside the picture at once"),
               [&]() -> Outcome<void> {
                   for (const auto& stroke : EditorOnDesktop::strokes()) {

@@ -32,6 +32,8 @@ void Legs::videoEditor(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik
             editor.emplace(*opened);
             return {};
         });
+    tour.step(QStringLiteral("The chip is dismissed, to see more of it"),
+              [&] { return tamrik.dismissChips(); });
     tour.step(
         QStringLiteral("Trim shows the film's frames; the handles are drawn to a part of it"),
         [&]() -> Outcome<void> {

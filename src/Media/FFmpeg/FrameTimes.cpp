@@ -1,5 +1,6 @@
 #include "Media/FFmpeg/FrameTimes.h"
 
+#include "Media/FFmpeg/FrameImage.h"
 #include "Media/FFmpeg/Tracks.h"
 #include "Media/FFmpeg/Video.h"
 #include "Media/FFmpeg/VideoFile.h"
@@ -52,5 +53,6 @@ Result<FilmTimes> readFilmTimes(const QString& path, const FrameReaderLimits& li
     if (frames.empty() || patience.isOver())
         return Failure{"its frames cannot be counted"};
     const double last = *frames.rbegin();
-    return FilmTimes{std::move(frames), std::max((*video)->duration().value_or(last), last)};
+    return FilmTimes{std::move(frames), std::max((*video)->duration().value_or(last), last),
+                     orientationOf(*track)};
 }

@@ -1,9 +1,9 @@
 #include "Media/FFmpeg/VideoFile.h"
 
 #include "Media/Av/Text.h"
+#include "Media/ReadableEnd.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <utility>
@@ -25,41 +25,6 @@ int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary
 int isOver(void* patience)
 {
     return static_cast<const Patience*>(patience)->isOver() ? 1 : 0;
-}
-
-std::uint64_t numberIn(const std::uint8_t* bytes, int count)
-{
-    std::uint64_t number = 0;
-    for (int i = 0; i < count; ++i)
-        number = number << 8 | bytes[i];
-    return number;
-}
-
-/// Where to stop reading: before a fragment of a movie whose table is broken off, since FFmpeg
-/// takes the whole file for unreadable then. Otherwise the file's own end. Boxes as in ISO/IEC
-/// 14496-12.
-std::int64_t readableEnd(const RegularFile& file, const Patience& patience)
-{
-    constexpr std::uint64_t shortHeader = 8, longHeader = 16;
-    const auto size = static_cast<std::uint64_t>(file.size);
-    std::array<std::uint8_t, longHeader> header = {};
-    for (std::uint64_t at = 0; at + shortHeader <= size && !patience.isOver();) {
-        const ssize_t count =
-            pread(file.descriptor.get(), header.data(), header.size(), static_cast<off_t>(at));
-        if (count < static_cast<ssize_t>(shortHeader))
-            break;
-        std::uint64_t length = numberIn(header.data(), 4);
-        if (length == 1 && count == static_cast<ssize_t>(longHeader))
-            length = numberIn(header.data() + shortHeader, 8);
-        if (length < shortHeader)
-            break;
-        if (length > size - at) {
-            const bool isTable = std::equal(header.begin() + 4, header.begin() + 8, "moof");
-            return isTable ? static_cast<std::int64_t>(at) : file.size;
-        }
-        at += length;
-    }
-    return file.size;
 }
 
 } // namespace
@@ -84,7 +49,7 @@ Result<std::unique_ptr<VideoFile>> VideoFile::open(const std::string& path,
             patience.noteUnreadable(file.failure());
         return file.failure();
     }
-    file->size = readableEnd(*file, patience);
+    file->size = readableEnd(*file, [&] { return patience.isOver(); });
     std::unique_ptr<VideoFile> video(new VideoFile(path, std::move(*file), patience));
     if (const PossibleFailure failure = video->openContext())
         return Failure{"cannot read " + path + ": " + failure->message};

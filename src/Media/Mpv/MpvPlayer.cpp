@@ -1,18 +1,14 @@
 #include "Media/Mpv/MpvPlayer.h"
 
-#include "Media/Mpv/Options.h"
+#include "Support/Background.h"
+#include "Support/Guarded.h"
 
 #include <mpv/client.h>
-#include <mpv/render.h>
 
-#include <QFile>
-#include <QTransform>
+#include <QtGlobal>
 
 #include <algorithm>
-#include <array>
-#include <cstdlib>
 #include <cstring>
-#include <new>
 #include <utility>
 
 namespace {
@@ -23,6 +19,7 @@ constexpr double fullVolume = 100;
 enum class Property : std::uint64_t {
     atEnd = 1,
     duration,
+    frameRate,
     height,
     mute,
     pause,
@@ -42,6 +39,7 @@ struct Observed {
 constexpr Observed observed[] = {
     {Property::atEnd, "eof-reached", MPV_FORMAT_FLAG},
     {Property::duration, "duration", MPV_FORMAT_DOUBLE},
+    {Property::frameRate, "container-fps", MPV_FORMAT_DOUBLE},
     {Property::height, "video-params/dh", MPV_FORMAT_INT64},
     {Property::mute, "mute", MPV_FORMAT_FLAG},
     {Property::pause, "pause", MPV_FORMAT_FLAG},
@@ -56,25 +54,6 @@ constexpr Observed observed[] = {
 constexpr std::uint64_t seekRequest = 1;
 constexpr std::uint64_t timeRequest = 2;
 
-/// As mpv likes it: rows that begin at multiples of 64 bytes.
-QImage alignedImage(QSize pixels)
-{
-    constexpr std::size_t alignment = 64;
-    const std::size_t row =
-        (static_cast<std::size_t>(pixels.width()) * 4 + alignment - 1) / alignment * alignment;
-    void* const bytes =
-        std::aligned_alloc(alignment, row * static_cast<std::size_t>(pixels.height()));
-    if (!bytes)
-        throw std::bad_alloc();
-    return {static_cast<uchar*>(bytes),
-            pixels.width(),
-            pixels.height(),
-            static_cast<qsizetype>(row),
-            QImage::Format_RGB32,
-            std::free,
-            bytes};
-}
-
 template <typename Value>
 std::optional<Value> valueOf(const mpv_event_property& property)
 {
@@ -85,102 +64,78 @@ std::optional<Value> valueOf(const mpv_event_property& property)
 
 } // namespace
 
-void MpvPlayer::EndPlayer::operator()(mpv_handle* player) const
-{
-    mpv_terminate_destroy(player);
-}
-
-void MpvPlayer::EndRendering::operator()(mpv_render_context* context) const
-{
-    mpv_render_context_free(context);
-}
-
 std::unique_ptr<Player> MpvPlayer::open(const QString& path)
 {
-    Result<RegularFile> file = RegularFile::open(QFile::encodeName(path).toStdString());
-    const bool isReadable = static_cast<bool>(file);
-    std::unique_ptr<MpvPlayer> player(
-        new MpvPlayer(isReadable ? std::move(*file) : RegularFile{FileDescriptor(), 0}));
-    if (!isReadable || !player->start())
-        player->fail();
+    std::unique_ptr<MpvPlayer> player(new MpvPlayer);
+    player->begin(path);
     return player;
-}
-
-MpvPlayer::MpvPlayer(RegularFile file)
-    : m_file(std::move(file))
-{
 }
 
 MpvPlayer::~MpvPlayer()
 {
-    if (m_player)
-        mpv_set_wakeup_callback(m_player.get(), nullptr, nullptr);
+    m_ending.cancel();
+    if (m_film)
+        m_film->setCalls({});
 }
 
-bool MpvPlayer::start()
+void MpvPlayer::begin(const QString& path)
 {
-    m_player.reset(mpv_create());
-    if (!m_player)
-        return false;
-    setPlayerOptions(m_player.get(), m_file.format());
-    if (mpv_initialize(m_player.get()) < 0 || !m_file.registerAt(m_player.get()))
-        return false;
-
-    std::array<char, sizeof MPV_RENDER_API_TYPE_SW> software = {MPV_RENDER_API_TYPE_SW};
-    std::array parameters = {mpv_render_param{MPV_RENDER_PARAM_API_TYPE, software.data()},
-                             mpv_render_param{MPV_RENDER_PARAM_INVALID, nullptr}};
-    mpv_render_context* rendering = nullptr;
-    if (mpv_render_context_create(&rendering, m_player.get(), parameters.data()) < 0)
-        return false;
-    m_rendering.reset(rendering);
-    // Both are called on threads of mpv's, and not any more once their object is gone.
-    mpv_render_context_set_update_callback(
-        rendering,
-        [](void* self) {
-            auto* const player = static_cast<MpvPlayer*>(self);
-            QMetaObject::invokeMethod(
-                &player->m_mainThread, [player] { player->fetchPicture(); }, Qt::QueuedConnection);
-        },
-        this);
-    mpv_set_wakeup_callback(
-        m_player.get(),
-        [](void* self) {
-            auto* const player = static_cast<MpvPlayer*>(self);
-            QMetaObject::invokeMethod(
-                &player->m_mainThread, [player] { player->fetchEvents(); }, Qt::QueuedConnection);
-        },
-        this);
-    observe();
-    std::array<const char*, 3> load = {"loadfile", FileStream::address, nullptr};
-    return mpv_command_async(m_player.get(), 0, load.data()) >= 0;
+    const auto opened = Guarded::once<const std::shared_ptr<MpvFilm>&>(
+        &m_mainThread, [this](const std::shared_ptr<MpvFilm>& film) { take(film); });
+    Background::threads().start(
+        [path, opened, ending = m_ending] { opened(MpvFilm::open(path, ending)); });
 }
 
-void MpvPlayer::observe()
+void MpvPlayer::take(std::shared_ptr<MpvFilm> film)
 {
-    for (const Observed& it : observed)
-        mpv_observe_property(m_player.get(), static_cast<std::uint64_t>(it.property), it.name,
-                             it.format);
+    m_film = std::move(film);
+    if (m_film) {
+        m_film->setCalls({.event =
+                              [](void* self) {
+                                  auto* const player = static_cast<MpvPlayer*>(self);
+                                  QMetaObject::invokeMethod(
+                                      &player->m_mainThread, [player] { player->fetchEvents(); },
+                                      Qt::QueuedConnection);
+                              },
+                          .picture =
+                              [](void* self) {
+                                  auto* const player = static_cast<MpvPlayer*>(self);
+                                  QMetaObject::invokeMethod(
+                                      &player->m_mainThread, [player] { player->fetchPicture(); },
+                                      Qt::QueuedConnection);
+                              },
+                          .context = this});
+        for (const Observed& it : observed)
+            m_film->observe(static_cast<std::uint64_t>(it.property), it.name, it.format);
+    }
+    if (!m_film || !m_film->load())
+        fail();
+    changed();
 }
 
 void MpvPlayer::fetchEvents()
 {
     for (;;) {
-        const mpv_event* const event = mpv_wait_event(m_player.get(), 0);
-        if (event->event_id == MPV_EVENT_NONE)
+        const mpv_event& event = m_film->nextEvent();
+        if (event.event_id == MPV_EVENT_NONE)
             break;
-        const bool isReply = event->event_id == MPV_EVENT_COMMAND_REPLY ||
-                             event->event_id == MPV_EVENT_GET_PROPERTY_REPLY;
-        const bool failedToSeek =
-            isReply && event->reply_userdata == seekRequest && event->error < 0;
-        const bool hasTime = isReply && event->reply_userdata == timeRequest && event->error >= 0;
-        if (event->event_id == MPV_EVENT_PROPERTY_CHANGE || hasTime)
-            take(*static_cast<const mpv_event_property*>(event->data));
-        else if (event->event_id == MPV_EVENT_PLAYBACK_RESTART || failedToSeek)
-            arrived();
-        else if (event->event_id == MPV_EVENT_END_FILE)
-            fail();
+        take(event);
     }
     changed();
+}
+
+void MpvPlayer::take(const mpv_event& event)
+{
+    const bool isReply =
+        event.event_id == MPV_EVENT_COMMAND_REPLY || event.event_id == MPV_EVENT_GET_PROPERTY_REPLY;
+    const bool failedToSeek = isReply && event.reply_userdata == seekRequest && event.error < 0;
+    const bool hasTime = isReply && event.reply_userdata == timeRequest && event.error >= 0;
+    if (event.event_id == MPV_EVENT_PROPERTY_CHANGE || hasTime)
+        take(*static_cast<const mpv_event_property*>(event.data));
+    else if (event.event_id == MPV_EVENT_PLAYBACK_RESTART || failedToSeek)
+        arrived();
+    else if (event.event_id == MPV_EVENT_END_FILE)
+        fail();
 }
 
 void MpvPlayer::take(const mpv_event_property& property)
@@ -201,6 +156,9 @@ void MpvPlayer::take(const mpv_event_property& property)
     case Property::duration:
         m_state.duration = valueOf<double>(property);
         break;
+    case Property::frameRate:
+        m_state.frameRate = valueOf<double>(property);
+        break;
     case Property::height:
         m_stored.setHeight(whole());
         break;
@@ -211,7 +169,8 @@ void MpvPlayer::take(const mpv_event_property& property)
         m_state.playing = property.data && !flag();
         break;
     case Property::rotation:
-        m_rotation = whole();
+        if (!m_isOrientationTold)
+            m_orientation = {false, qRound(whole() / 90.0) & 3};
         break;
     case Property::sound:
         m_state.hasSound = property.data != nullptr;
@@ -231,7 +190,7 @@ void MpvPlayer::take(const mpv_event_property& property)
 
 void MpvPlayer::fetchPicture()
 {
-    if ((mpv_render_context_update(m_rendering.get()) & MPV_RENDER_UPDATE_FRAME) == 0)
+    if (!m_film->hasNewPicture())
         return;
     m_hasPicture = m_state.phase != PlayerState::Phase::failed;
     changed();
@@ -239,42 +198,23 @@ void MpvPlayer::fetchPicture()
         onPicture();
 }
 
-bool MpvPlayer::liesOnItsSide() const
-{
-    return m_rotation % 180 != 0;
-}
-
 QImage MpvPlayer::picture(QSize pixels)
 {
     if (!m_hasPicture || pixels.isEmpty())
         return {};
-    const QSize stored = liesOnItsSide() ? pixels.transposed() : pixels;
-    QImage image = alignedImage(stored);
-    std::array size = {stored.width(), stored.height()};
-    std::array<char, 5> format = {"bgr0"};
-    auto row = static_cast<std::size_t>(image.bytesPerLine());
-    int waitsForItsTime = 0;
-    std::array parameters = {
-        mpv_render_param{MPV_RENDER_PARAM_SW_SIZE, size.data()},
-        mpv_render_param{MPV_RENDER_PARAM_SW_FORMAT, format.data()},
-        mpv_render_param{MPV_RENDER_PARAM_SW_STRIDE, &row},
-        mpv_render_param{MPV_RENDER_PARAM_SW_POINTER, image.bits()},
-        mpv_render_param{MPV_RENDER_PARAM_BLOCK_FOR_TARGET_TIME, &waitsForItsTime},
-        mpv_render_param{MPV_RENDER_PARAM_INVALID, nullptr},
-    };
-    if (mpv_render_context_render(m_rendering.get(), parameters.data()) < 0)
-        return {};
-    return m_rotation == 0 ? image : image.transformed(QTransform().rotate(m_rotation));
+    return m_orientation.upright(m_film->picture(m_orientation.upright(pixels)));
 }
 
 void MpvPlayer::play()
 {
-    setFlag("pause", false);
+    if (m_film)
+        m_film->set("pause", false);
 }
 
 void MpvPlayer::pause()
 {
-    setFlag("pause", true);
+    if (m_film)
+        m_film->set("pause", true);
 }
 
 void MpvPlayer::seek(double seconds)
@@ -292,8 +232,7 @@ void MpvPlayer::seek(double seconds)
 void MpvPlayer::startSeek(double seconds)
 {
     const QByteArray time = QByteArray::number(seconds, 'f', 6);
-    std::array<const char*, 4> command = {"seek", time.constData(), "absolute+exact", nullptr};
-    m_isSeeking = mpv_command_async(m_player.get(), seekRequest, command.data()) >= 0;
+    m_isSeeking = m_film->command(seekRequest, {"seek", time.constData(), "absolute+exact"});
 }
 
 void MpvPlayer::arrived()
@@ -305,37 +244,38 @@ void MpvPlayer::arrived()
     if (const auto next = std::exchange(m_nextSeek, std::nullopt))
         startSeek(*next);
     else
-        mpv_get_property_async(m_player.get(), timeRequest, "time-pos", MPV_FORMAT_DOUBLE);
+        m_film->ask(timeRequest, "time-pos", MPV_FORMAT_DOUBLE);
 }
 
 void MpvPlayer::setEnd(std::optional<double> seconds)
 {
     // Its number is rounded, and the frame that begins there must not show.
     constexpr double margin = 5e-4;
-    const QByteArray end =
-        seconds ? QByteArray::number(*seconds - margin, 'f', 6) : QByteArray("none");
-    const char* value = end.constData();
-    if (m_player)
-        mpv_set_property_async(m_player.get(), 0, "end", MPV_FORMAT_STRING, &value);
+    if (m_film)
+        m_film->set("end",
+                    seconds ? QByteArray::number(*seconds - margin, 'f', 6) : QByteArray("none"));
+}
+
+void MpvPlayer::setOrientation(Orientation orientation)
+{
+    m_isOrientationTold = true;
+    if (std::exchange(m_orientation, orientation) == orientation)
+        return;
+    changed();
+    if (m_hasPicture && onPicture)
+        onPicture();
 }
 
 void MpvPlayer::setMuted(bool muted)
 {
-    setFlag("mute", muted);
+    if (m_film)
+        m_film->set("mute", muted);
 }
 
 void MpvPlayer::setVolume(double volume)
 {
-    double value = std::clamp(volume, 0.0, 1.0) * fullVolume;
-    if (m_player)
-        mpv_set_property_async(m_player.get(), 0, "volume", MPV_FORMAT_DOUBLE, &value);
-}
-
-void MpvPlayer::setFlag(const char* name, bool on)
-{
-    int value = on ? 1 : 0;
-    if (m_player)
-        mpv_set_property_async(m_player.get(), 0, name, MPV_FORMAT_FLAG, &value);
+    if (m_film)
+        m_film->set("volume", std::clamp(volume, 0.0, 1.0) * fullVolume);
 }
 
 bool MpvPlayer::isLoaded() const
@@ -353,7 +293,7 @@ void MpvPlayer::fail()
 void MpvPlayer::changed()
 {
     if (m_state.phase != PlayerState::Phase::failed) {
-        m_state.size = liesOnItsSide() ? m_stored.transposed() : m_stored;
+        m_state.size = m_orientation.upright(m_stored);
         m_state.seeking = m_isSeeking;
         if (m_hasPicture && m_hasBegun && !m_state.size.isEmpty())
             m_state.phase = PlayerState::Phase::ready;

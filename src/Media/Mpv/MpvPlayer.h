@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Media/Mpv/FileStream.h"
+#include "Media/Mpv/MpvFilm.h"
 #include "Media/Player.h"
 
 #include <QObject>
@@ -8,12 +8,11 @@
 #include <memory>
 #include <optional>
 
+struct mpv_event;
 struct mpv_event_property;
-struct mpv_handle;
-struct mpv_render_context;
 
-/// A Player by libmpv. Its threads only tell that there is something to fetch; everything else
-/// happens on the main thread, and no call waits for it.
+/// A Player by libmpv. The film is opened and ended on other threads, and libmpv's own only tell
+/// that there is something to fetch; everything else happens on the main thread, and no call waits.
 class MpvPlayer final : public Player {
 public:
     static std::unique_ptr<Player> open(const QString& path);
@@ -24,44 +23,37 @@ public:
     void pause() override;
     void seek(double seconds) override;
     void setEnd(std::optional<double> seconds) override;
+    void setOrientation(Orientation orientation) override;
     void setMuted(bool muted) override;
     void setVolume(double volume) override;
     QImage picture(QSize pixels) override;
 
 private:
-    struct EndPlayer {
-        void operator()(mpv_handle* player) const;
-    };
-    struct EndRendering {
-        void operator()(mpv_render_context* context) const;
-    };
+    MpvPlayer() = default;
 
-    explicit MpvPlayer(RegularFile file);
-
-    bool start();
-    void observe();
+    void begin(const QString& path);
+    void take(std::shared_ptr<MpvFilm> film);
     void fetchEvents();
     void fetchPicture();
+    void take(const mpv_event& event);
     void take(const mpv_event_property& property);
     bool isLoaded() const;
-    bool liesOnItsSide() const;
-    void setFlag(const char* name, bool on);
     void startSeek(double seconds);
     void arrived();
     void fail();
     void changed();
 
-    FileStream m_file; // outlives who reads it
+    Cancellation m_ending;
     PlayerState m_state;
     PlayerState m_told;      ///< The state at the last onChange.
     bool m_hasBegun = false; ///< To stand at the first frame.
     bool m_isSeeking = false;
     std::optional<double> m_nextSeek;
-    QSize m_stored;     ///< With square pixels, before it is turned.
-    int m_rotation = 0; ///< Degrees, clockwise.
+    QSize m_stored; ///< With square pixels, before it is turned.
+    Orientation m_orientation;
+    bool m_isOrientationTold = false; ///< By somebody who knows better than libmpv.
     bool m_hasPicture = false;
     /// What mpv's threads post to: it outlives them, and what was posted ends with it.
     QObject m_mainThread;
-    std::unique_ptr<mpv_handle, EndPlayer> m_player;
-    std::unique_ptr<mpv_render_context, EndRendering> m_rendering; // ends before the player
+    std::shared_ptr<MpvFilm> m_film; ///< Null until it is open.
 };

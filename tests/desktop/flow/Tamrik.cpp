@@ -165,6 +165,21 @@ Outcome<void> Tamrik::putChipsAway() const
                               [this] { return chips().isEmpty(); });
 }
 
+Outcome<void> Tamrik::dismissChips() const
+{
+    const int cross = qRound(17 * m_desktop.options().scale);
+    for (int left = static_cast<int>(chips().size()); left > 0; --left) {
+        const auto resting = awaitRestingChips(left);
+        if (!resting)
+            return resting.failure();
+        if (const auto clicked =
+                Desktop::Input(m_desktop).click(resting->front().topLeft() + QPoint(cross, cross));
+            !clicked)
+            return clicked;
+    }
+    return awaitChips(0);
+}
+
 Outcome<void> Tamrik::awaitOverlay() const
 {
     return Desktop::waitUntil(QStringLiteral("the overlay"),

@@ -49,6 +49,8 @@ public:
     /// Waits for a chip, and takes all that there are off the screen: behind the program's back,
     /// so that they are in no later picture of it.
     Desktop::Outcome<void> putChipsAway() const;
+    /// By the cross of each, as a user does.
+    Desktop::Outcome<void> dismissChips() const;
 
     /// The open menus of the program itself.
     QList<Desktop::Window> menus() const;

@@ -54,6 +54,10 @@ TEST(FrameGrid, OfNothingIsOneFrame)
     EXPECT_EQ(FrameGrid({0, 5}, 1).duration(), 5); // a duration that makes no sense
     EXPECT_EQ(FrameGrid::even(2).count(), 60);
     EXPECT_EQ(FrameGrid::even(0.001).count(), 1);
+    EXPECT_EQ(FrameGrid::even(2, 10).count(), 20);
+    EXPECT_EQ(FrameGrid::even(0.3 * 100 / 10, 10).count(), 30);
+    EXPECT_EQ(FrameGrid::even(2.05, 10).count(), 21); // the last one is shorter
+    EXPECT_EQ(FrameGrid::even(2, 90000).count(), 60); // no film has that
 }
 
 TEST(TrimModel, BeginsWithTheWholeFilm)

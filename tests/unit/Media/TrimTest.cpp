@@ -1,3 +1,4 @@
+#include "Media/FFmpeg/Export/Trim.h"
 #include "Media/FrameReader.h"
 #include "Media/MovieExport.h"
 
@@ -268,6 +269,73 @@ TEST_F(Trim, OfAForeignFilmTakesWhatPlaysAndItsTurn)
         EXPECT_NEAR(part.sound.duration, std::min((last + 0.5) / 30, 2.2) - (first + 0.5) / 30,
                     2 * tick);
     }
+}
+
+TEST_F(Trim, OfMatroskaWhichDoesNotSayWhenPicturesAreDecoded)
+{
+    writeFile(m_folder / "raw", Videos::greyFrames(70));
+    struct Kind {
+        std::string file;
+        std::vector<std::string> options;
+        double length; // of a picture, in seconds
+    };
+    constexpr double brief = 1.0 / 30, slow = 1.0 / 3;
+    const std::vector<Kind> kinds = {
+        {"b.mkv", {"-c:v", "libx264", "-bf", "3", "-g", "20"}, brief},
+        {"open.mkv",
+         {"-c:v", "libx264", "-bf", "3", "-x264-params", "keyint=20:b-pyramid=normal:open-gop=1"},
+         brief},
+        {"plain.mkv", {"-c:v", "libx264", "-bf", "0", "-g", "20"}, brief},
+        {"vp9.webm", {"-c:v", "libvpx-vp9", "-deadline", "realtime", "-g", "20"}, brief},
+        {"slow.mkv",
+         {"-vf", "setpts=10*PTS", "-r", "3", "-c:v", "libx264", "-bf", "3", "-g", "20"},
+         slow},
+        {"slow.webm",
+         {"-vf", "setpts=10*PTS", "-r", "3", "-c:v", "libvpx-vp9", "-deadline", "realtime", "-g",
+          "20"},
+         slow},
+    };
+    for (const Kind& kind : kinds) {
+        SCOPED_TRACE(kind.file);
+        const std::string source = m_folder / kind.file;
+        Videos::encode(m_folder / "raw", kind.options, source);
+        const PlayedMovie whole = PlayedMovie::of(source);
+        ASSERT_EQ(whole.frames.size(), 70U);
+        for (const auto& [first, last] : {std::pair(0U, 69U), std::pair(45U, 58U)}) {
+            SCOPED_TRACE(first);
+            expectTrimmed(source, (first + 0.5) * kind.length, (last + 0.5) * kind.length);
+            const PlayedMovie part = PlayedMovie::of(m_target);
+            ASSERT_GT(part.frames.size(), last - first);
+            EXPECT_LE(part.frames.size(), last - first + 4);
+            for (std::size_t i = 0; i <= last - first; ++i) {
+                EXPECT_EQ(part.frames[i].luma, whole.frames.at(first + i).luma) << i;
+                // Matroska's times are whole milliseconds.
+                EXPECT_NEAR(part.frames[i].time,
+                            i == 0 ? 0 : (static_cast<double>(i) - 0.5) * kind.length, 0.002);
+            }
+        }
+    }
+}
+
+TEST_F(Trim, OfAnotherKindOfVp9IsAFailure)
+{
+    const std::string source = m_folder / "full.webm";
+    Videos::make({"-f", "lavfi", "-i", "testsrc2=s=64x48:r=10:d=0.5", "-pix_fmt", "yuv444p", "-c:v",
+                  "libvpx-vp9", "-deadline", "realtime", source});
+    EXPECT_THAT(trim(source, 0, 0.3, m_target).reason, HasSubstr("this kind of VP9"));
+    EXPECT_THAT(m_folder.names(), ElementsAre("full.webm"));
+}
+
+TEST_F(Trim, HoldsNoMoreThanItMay)
+{
+    const QString source = QString::fromStdString(film());
+    const auto size = fs::file_size(m_folder / "film.mp4");
+    const auto holding = [&](std::size_t most) {
+        return trimMovieHolding(most, source, 2, 3, QString::fromStdString(m_target), {});
+    };
+    EXPECT_THAT(holding(10).reason, HasSubstr("too far from a key frame"));
+    EXPECT_THAT(m_folder.names(), ElementsAre("film.mp4"));
+    EXPECT_TRUE(holding(size).succeeded());
 }
 
 TEST_F(Trim, MakesAacOfSoundThatMp4CannotHold)

@@ -4,6 +4,7 @@
 #include "Media/FFmpeg/Export/MovieWriter.h"
 #include "Media/FFmpeg/Tracks.h"
 
+#include <cstring>
 #include <utility>
 
 MovieReader::MovieReader(std::string path, std::unique_ptr<VideoFile> file, AVStream& picture,
@@ -36,6 +37,11 @@ void MovieReader::readOnly(const AVStream* wanted, const AVStream* alsoWanted)
     Tracks::readOnly(m_file->context(), wanted, alsoWanted);
 }
 
+bool MovieReader::hasDecodingTimes() const
+{
+    return std::strstr(m_file->context().iformat->name, "matroska") == nullptr;
+}
+
 bool MovieReader::seek(std::int64_t time)
 {
     return av_seek_frame(&m_file->context(), m_picture.index, time, AVSEEK_FLAG_BACKWARD) >= 0;
@@ -55,7 +61,7 @@ bool MovieReader::read(AVPacket& packet)
             continue;
         // What FFmpeg says of fragments is a guess or nothing, and the last sample would be lost.
         const bool isPicture = packet.stream_index == m_picture.index;
-        if (packet.pts == packet.dts) {
+        if (packet.pts == packet.dts && hasDecodingTimes()) {
             const auto end = Tracks::endOfSample(isPicture ? m_picture : *m_sound, packet.dts);
             packet.duration = end ? *end - packet.dts : packet.duration;
         }

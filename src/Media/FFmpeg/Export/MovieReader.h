@@ -17,6 +17,9 @@ public:
     /// Other tracks are not read any more; both may be null.
     void readOnly(const AVStream* wanted, const AVStream* alsoWanted);
 
+    /// Whether it says when pictures are to be decoded; Matroska says only when they show.
+    bool hasDecodingTimes() const;
+
     /// Goes on near a key frame at or before `time`, in the picture's ticks; false when it cannot,
     /// and nothing has changed then.
     bool seek(std::int64_t time);

@@ -1,15 +1,18 @@
 #include "Media/FFmpeg/Export/Trim.h"
 
+#include "Media/FFmpeg/Export/DecodingTimes.h"
 #include "Media/FFmpeg/Export/ExportPatience.h"
 #include "Media/FFmpeg/Export/MovieReader.h"
 #include "Media/FFmpeg/Export/MovieWriter.h"
 #include "Media/FFmpeg/Export/SoundJoin.h"
+#include "Media/FFmpeg/Export/Vp9.h"
 
 #include <QFile>
 
 #include <algorithm>
 #include <cmath>
 #include <deque>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -38,11 +41,12 @@ std::int64_t ticksAt(double seconds, AVRational base)
 class Trim {
 public:
     Trim(std::string source, double start, double end, std::string destination,
-         const Cancellation& cancellation)
+         std::size_t mostHeld, const Cancellation& cancellation)
         : m_source(std::move(source))
         , m_start(start)
         , m_stop(end)
         , m_destination(std::move(destination))
+        , m_mostHeld(mostHeld)
         , m_patience(ExportPatience::endless(cancellation))
         , m_packet(av_packet_alloc())
     {
@@ -60,8 +64,10 @@ private:
     PossibleFailure open();
     PossibleFailure readAll();
     PossibleFailure take(Av::Packet packet);
+    PossibleFailure takeOrdered();
     PossibleFailure takePicture(Av::Packet packet);
     PossibleFailure takeSound(Av::Packet packet);
+    PossibleFailure checkHeld() const;
     PossibleFailure settle();
     bool beginWithShown();
     void hurryUpTo(const AVPacket& shown);
@@ -77,14 +83,17 @@ private:
     std::string m_source;
     double m_start, m_stop; // in seconds
     std::string m_destination;
+    std::size_t m_mostHeld;
     Patience m_patience;
     std::unique_ptr<MovieReader> m_reader;
     AVStream* m_picture = nullptr; // the source's
     AVStream* m_sound = nullptr;   // the source's; null when there is none
     Span m_shown, m_heard;         // in the source's ticks
     Av::Packet m_packet;
+    std::optional<DecodingTimes> m_order; // absent when the source says itself
 
-    std::deque<Av::Packet> m_pictures, m_sounds; // until it is settled
+    std::deque<Av::Packet> m_pictures, m_sounds;      // until it is settled
+    std::size_t m_heldPictures = 0, m_heldSounds = 0; // their bytes
     bool m_isSettled = false;
     bool m_hasAllPictures = false, m_hasAllSound = false;
     std::int64_t m_soundUntil = INT64_MIN; // so much of it was read
@@ -126,9 +135,13 @@ PossibleFailure Trim::open()
                    av_rescale_q(m_shown.end, ticks, m_sound->time_base)};
     }
     m_hasAllSound = !m_sound;
+    if (!m_reader->hasDecodingTimes())
+        m_order.emplace();
     m_reader->readOnly(m_picture, m_sound);
-    // Where that is not possible everything is read.
-    m_reader->seek(m_shown.begin - ticksAt(margin, ticks));
+    // Where that is not possible everything is read. (Before the first key frame of a WebM FFmpeg
+    // finds the second picture.)
+    if (const std::int64_t from = m_shown.begin - ticksAt(margin, ticks); from > 0)
+        m_reader->seek(from);
     return {};
 }
 
@@ -146,6 +159,11 @@ PossibleFailure Trim::readAll()
         return ExportPatience::cancelled();
     if (PossibleFailure failure = m_reader->readFailure())
         return failure;
+    if (m_order) {
+        m_order->put(nullptr);
+        if (PossibleFailure failure = takeOrdered())
+            return failure;
+    }
     return m_isSettled ? std::nullopt : settle();
 }
 
@@ -158,7 +176,22 @@ PossibleFailure Trim::take(Av::Packet packet)
     if (packet->pts == AV_NOPTS_VALUE)
         return {};
     const bool isPicture = packet->stream_index == m_picture->index;
+    if (isPicture && m_order) {
+        m_order->put(std::move(packet));
+        return takeOrdered();
+    }
     return isPicture ? takePicture(std::move(packet)) : takeSound(std::move(packet));
+}
+
+PossibleFailure Trim::takeOrdered()
+{
+    while (Av::Packet packet = m_order->next()) {
+        if (m_hasAllPictures)
+            return {};
+        if (PossibleFailure failure = takePicture(std::move(packet)))
+            return failure;
+    }
+    return m_order->failure();
 }
 
 PossibleFailure Trim::takePicture(Av::Packet packet)
@@ -166,11 +199,16 @@ PossibleFailure Trim::takePicture(Av::Packet packet)
     if (m_isSettled)
         return addPicture(std::move(packet));
     const bool isKey = (packet->flags & AV_PKT_FLAG_KEY) != 0;
-    if (isKey && packet->pts <= m_shown.begin)
+    if (isKey && packet->pts <= m_shown.begin) {
         m_pictures.clear(); // nothing from here on needs them
+        m_heldPictures = 0;
+    }
     if (!isKey && m_pictures.empty())
         return {}; // it refers to what is not there
+    m_heldPictures += static_cast<std::size_t>(packet->size);
     m_pictures.push_back(std::move(packet));
+    if (PossibleFailure failure = checkHeld())
+        return failure;
     return m_pictures.back()->dts > m_shown.begin ? settle() : std::nullopt;
 }
 
@@ -187,7 +225,15 @@ PossibleFailure Trim::takeSound(Av::Packet packet)
         return {};
     if (m_isSettled)
         return addSound(std::move(packet));
+    m_heldSounds += static_cast<std::size_t>(packet->size);
     m_sounds.push_back(std::move(packet));
+    return checkHeld();
+}
+
+PossibleFailure Trim::checkHeld() const
+{
+    if (m_heldPictures + m_heldSounds > m_mostHeld)
+        return Failure{"the range begins too far from a key frame of " + m_source};
     return {};
 }
 
@@ -268,6 +314,8 @@ PossibleFailure Trim::addTracks()
     m_copiedPicture = m_movie->addCopyOf(*m_picture);
     if (!m_copiedPicture)
         return Failure{"there is no memory left"};
+    if (PossibleFailure failure = describeVp9(*m_copiedPicture->codecpar, *m_pictures.front()))
+        return failure;
     if (PossibleFailure failure = addSoundTrack())
         return failure;
     return m_movie->begin();
@@ -365,8 +413,16 @@ PossibleFailure Trim::finish()
 MovieExport::Outcome trimMovie(const QString& source, double start, double end,
                                const QString& destination, const Cancellation& cancellation)
 {
-    return ExportPatience::outcome(cancellation,
-                                   Trim(QFile::encodeName(source).toStdString(), start, end,
-                                        QFile::encodeName(destination).toStdString(), cancellation)
-                                       .run());
+    constexpr std::size_t mostHeld = std::size_t{1} << 29; // minutes of the best that there is
+    return trimMovieHolding(mostHeld, source, start, end, destination, cancellation);
+}
+
+MovieExport::Outcome trimMovieHolding(std::size_t mostHeld, const QString& source, double start,
+                                      double end, const QString& destination,
+                                      const Cancellation& cancellation)
+{
+    return ExportPatience::outcome(
+        cancellation, Trim(QFile::encodeName(source).toStdString(), start, end,
+                           QFile::encodeName(destination).toStdString(), mostHeld, cancellation)
+                          .run());
 }
