@@ -49,6 +49,7 @@ AppDelegate::AppDelegate(Preferences& preferences, Clock clock, Subsystems subsy
     , m_recording(m_preferences, std::move(clock), m_subsystems,
                   {.setRecording = [this](bool recording) { updateRecordingUI(recording); },
                    .deliver = [this](const QUrl& file) { deliver(file); }})
+    , m_camera(m_subsystems.camera, [this] { updateCameraUI(); })
 {
 }
 
@@ -113,7 +114,7 @@ SelectionHooks AppDelegate::selectionHooks()
     return {
         .isMicOn = Guarded::query(this, false, [this] { return m_preferences.recordMic(); }),
         .toggleMic = Guarded::any(this, [this] { toggleMic(); }),
-        .isCameraOn = Guarded::query(this, false, [this] { return m_cameraBubble != nullptr; }),
+        .isCameraOn = Guarded::query(this, false, [this] { return m_camera.isOn(); }),
         .toggleCamera = Guarded::any(this, [this] { toggleCamera(); }),
     };
 }
@@ -211,46 +212,15 @@ void AppDelegate::toggleMic()
 
 void AppDelegate::toggleCamera()
 {
-    if (m_cameraBubble) {
-        const auto bubble = std::exchange(m_cameraBubble, nullptr);
-        bubble->stop();
-        bubble->close();
-        if (m_statusMenu)
-            m_statusMenu->setCameraShown(false);
-        return;
-    }
-    const auto& camera = m_subsystems.camera;
-    if (!camera.authorization || !camera.make || !camera.requestAndShow)
-        return;
-    if (m_awaitsCamera)
-        return; // it is on its way
-    using Panel = std::shared_ptr<Subsystems::Panel>;
-    const auto completion =
-        Guarded::once<Panel>(this, [this](const Panel& panel) { cameraShown(panel); });
-    switch (camera.authorization()) {
-    case Subsystems::CameraAuthorization::notDetermined:
-        m_awaitsCamera = true;
-        camera.requestAndShow(completion);
-        return;
-    case Subsystems::CameraAuthorization::authorized:
-        m_awaitsCamera = true;
-        camera.make(completion);
-        return;
-    case Subsystems::CameraAuthorization::restricted:
-    case Subsystems::CameraAuthorization::denied:
-        Log::line(
-            QStringLiteral("camera access denied — System Settings → Privacy & Security → Camera"));
-        cameraShown(nullptr);
-        return;
-    }
+    m_camera.toggle();
 }
 
-void AppDelegate::cameraShown(std::shared_ptr<Subsystems::Panel> panel)
+void AppDelegate::updateCameraUI()
 {
-    m_awaitsCamera = false;
-    m_cameraBubble = std::move(panel);
     if (m_statusMenu)
-        m_statusMenu->setCameraShown(m_cameraBubble != nullptr);
+        m_statusMenu->setCameraShown(m_camera.isOn());
+    if (SelectionSession::current)
+        SelectionSession::current->cameraAnswered();
 }
 
 // Files and editors

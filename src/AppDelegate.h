@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CameraSwitch.h"
 #include "CaptureManager.h"
 #include "ChipManager.h"
 #include "HotKey.h"
@@ -56,7 +57,7 @@ public:
     StatusMenu* statusMenu() const { return m_statusMenu.get(); }
     const CaptureManager& capture() const { return m_capture; }
     const ChipManager& chips() const { return m_chips; }
-    bool hasCameraBubble() const { return m_cameraBubble != nullptr; }
+    bool hasCameraBubble() const { return m_camera.isOn(); }
     bool hasRecordingControls() const { return m_recording.hasControls(); }
 
 private:
@@ -77,7 +78,7 @@ private:
     void deliver(const QUrl& file);
     void updateRecordingUI(bool recording);
 
-    void cameraShown(std::shared_ptr<Subsystems::Panel> panel);
+    void updateCameraUI();
 
     void openImageEditor(const QUrl& file);
     void openVideoEditor(const QUrl& file);
@@ -94,6 +95,5 @@ private:
     RecordingFlow m_recording;
     OpenEditors m_editors;
     OpenEditors m_videoEditors;
-    std::shared_ptr<Subsystems::Panel> m_cameraBubble;
-    bool m_awaitsCamera = false; // whether one is being made
+    CameraSwitch m_camera;
 };

@@ -7,7 +7,6 @@
 #include "Support/Guarded.h"
 
 #include <QCloseEvent>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
 #include <QWindow>
@@ -135,27 +134,6 @@ void CameraBubblePanel::fitToScreen()
     }
     Platform::setBody(*this, body(), diameter / 2);
     update();
-}
-
-void CameraBubblePanel::mousePressEvent(QMouseEvent* event)
-{
-    if (event->button() == Qt::LeftButton)
-        m_dragPoint = Platform::mouseLocation();
-}
-
-void CameraBubblePanel::mouseMoveEvent(QMouseEvent*)
-{
-    if (!m_dragPoint)
-        return;
-    const Point now = Platform::mouseLocation();
-    place({m_frame.x + now.x - m_dragPoint->x, m_frame.y + now.y - m_dragPoint->y});
-    m_dragPoint = now;
-}
-
-void CameraBubblePanel::mouseReleaseEvent(QMouseEvent* event)
-{
-    if (event->button() == Qt::LeftButton)
-        m_dragPoint.reset();
 }
 
 // What it shows

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BackgroundDrag.h"
 #include "Media/Camera.h"
 #include "ScreenWatcher.h"
 #include "Support/Clock.h"
@@ -10,7 +11,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 
 /// A round mirror that floats above all windows and shows the camera's live picture. It never takes
 /// the keyboard; the user can drag it anywhere.
@@ -41,9 +41,6 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
@@ -65,5 +62,7 @@ private:
     QPixmap m_shadow;   // of the whole window, at that scale
     ScreenWatcher m_screenWatcher;
     int m_screenChanges = 0;
-    std::optional<Geometry::Point> m_dragPoint; // where the pointer was, while it drags the panel
+    BackgroundDrag m_drag{*this, [this](Geometry::Point by) {
+                              place({m_frame.x + by.x, m_frame.y + by.y});
+                          }};
 };

@@ -11,7 +11,6 @@
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
-#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>
@@ -260,25 +259,4 @@ void RecordingControlsPanel::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     painter.setClipRegion(bare);
     SoftShadow::paint(painter, m_bar->geometry(), m_bar->cornerRadius());
-}
-
-void RecordingControlsPanel::mousePressEvent(QMouseEvent* event)
-{
-    if (event->button() == Qt::LeftButton)
-        m_dragPoint = Platform::mouseLocation();
-}
-
-void RecordingControlsPanel::mouseMoveEvent(QMouseEvent*)
-{
-    if (!m_dragPoint)
-        return;
-    const Point now = Platform::mouseLocation();
-    place({m_frame.x + now.x - m_dragPoint->x, m_frame.y + now.y - m_dragPoint->y});
-    m_dragPoint = now;
-}
-
-void RecordingControlsPanel::mouseReleaseEvent(QMouseEvent* event)
-{
-    if (event->button() == Qt::LeftButton)
-        m_dragPoint.reset();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BackgroundDrag.h"
 #include "ChromeViews.h"
 #include "ScreenWatcher.h"
 #include "Support/Clock.h"
@@ -9,7 +10,6 @@
 #include <QWidget>
 
 #include <functional>
-#include <optional>
 
 class ChromeButton;
 class NumberLabel;
@@ -45,9 +45,6 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
@@ -79,5 +76,7 @@ private:
     int m_screenChanges = 0;
     Geometry::Rect m_frame;
     bool m_tellsTime = true;
-    std::optional<Geometry::Point> m_dragPoint; // where the pointer was, while it drags the panel
+    BackgroundDrag m_drag{*this, [this](Geometry::Point by) {
+                              place({m_frame.x + by.x, m_frame.y + by.y});
+                          }};
 };

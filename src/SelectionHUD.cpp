@@ -20,7 +20,7 @@ constexpr int separatorHeight = 20;
 constexpr double textSize = 13;
 constexpr double symbolSize = 12;
 
-/// How long the camera gets until its bubble is there.
+/// How long the camera gets until its bubble is there; the switch stays as it is meanwhile.
 constexpr auto cameraTime = 700ms;
 
 ChromeButton* symbolButton(Symbol symbol, const char* meaning)
@@ -132,10 +132,19 @@ void SelectionHUD::refreshToggleTints()
 void SelectionHUD::cameraTapped()
 {
     m_hooks.toggleCamera();
+    ++m_awaitedRefreshes;
     m_clock.after(cameraTime, [self = QPointer(this)] {
-        if (self)
-            self->refreshToggleTints();
+        if (!self)
+            return;
+        --self->m_awaitedRefreshes;
+        self->refreshToggleTints();
     });
+}
+
+void SelectionHUD::cameraAnswered()
+{
+    if (m_awaitedRefreshes == 0) // or else it shows soon
+        refreshToggleTints();
 }
 
 void SelectionHUD::mousePressEvent(QMouseEvent* event)

@@ -32,6 +32,9 @@ public:
     /// Shows the switches as what they stand for is now.
     void refreshToggleTints();
 
+    /// The camera's bubble has come or gone, or none comes.
+    void cameraAnswered();
+
 protected:
     void mousePressEvent(QMouseEvent* event) override;
 
@@ -44,6 +47,7 @@ private:
     SelectionHooks m_hooks;
     Clock m_clock;
     Actions m_actions;
+    int m_awaitedRefreshes = 0; // after taps on the camera's switch
     // Children.
     NumberLabel* m_dimsLabel;
     ChromeButton* m_micButton = nullptr;    // for recordings

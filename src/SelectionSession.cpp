@@ -2,6 +2,7 @@
 
 #include "Platform/Application.h"
 #include "Platform/Screens.h"
+#include "SelectionHUD.h"
 #include "SelectionOverlay.h"
 #include "SelectionView.h"
 #include "SelectionWindow.h"
@@ -55,6 +56,14 @@ SelectionView* SelectionSession::activeView() const
 void SelectionSession::setActiveView(SelectionView* view)
 {
     m_activeView = view;
+}
+
+void SelectionSession::cameraAnswered()
+{
+    for (const auto& window : windows()) {
+        if (SelectionHUD* const hud = window->view().hud())
+            hud->cameraAnswered();
+    }
 }
 
 void SelectionSession::finish(const std::optional<SelectionResult>& result)

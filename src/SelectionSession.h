@@ -49,6 +49,10 @@ public:
     bool hadSelection() const { return m_hadSelection; }
     void noteSelection() { m_hadSelection = true; }
 
+    /// Tells the bars of the selections that the camera's bubble has come or gone, or that none
+    /// comes.
+    void cameraAnswered();
+
     /// Ends the session. Only the first call counts.
     void finish(const std::optional<SelectionResult>& result);
 

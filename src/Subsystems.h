@@ -10,6 +10,8 @@
 #include <functional>
 #include <memory>
 
+QT_FORWARD_DECLARE_CLASS(QObject)
+
 /// The subsystems that the controller's command flows use, as far as they are built in: `main`
 /// fills them in. A member that is not set makes the step that would call it do nothing. All are
 /// called, and all call back, on the main thread.
@@ -73,10 +75,11 @@ struct Subsystems {
         using Completion = std::function<void(std::shared_ptr<Panel> panel)>;
 
         std::function<CameraAuthorization()> authorization;
-        /// Makes a bubble that is already shown, or null; to look for a camera takes a moment.
-        std::function<void(Completion)> make;
+        /// Makes a bubble that is already shown, or null. To look for a camera takes a moment, or
+        /// as long as a driver hangs. Once `request` is deleted none is made, and nobody called.
+        std::function<void(QObject& request, Completion)> make;
         /// Asks the user for the camera, then as `make`; null when access was refused.
-        std::function<void(Completion)> requestAndShow;
+        std::function<void(QObject& request, Completion)> requestAndShow;
     };
 
     using TimeRange = ::TimeRange;

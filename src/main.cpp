@@ -164,20 +164,19 @@ std::shared_ptr<Subsystems::Panel> showCameraBubble()
                           .close = [panel] { panel->close(); }});
 }
 
-void makeCameraBubble(Subsystems::Camera::Completion completion)
+void makeCameraBubble(QObject& request, Subsystems::Camera::Completion completion)
 {
-    Camera::find(Guarded::once<bool>(QCoreApplication::instance(),
-                                     [completion = std::move(completion)](bool exists) {
-                                         completion(exists ? showCameraBubble() : nullptr);
-                                     }));
+    Camera::find(Guarded::once<bool>(&request, [completion = std::move(completion)](bool exists) {
+        completion(exists ? showCameraBubble() : nullptr);
+    }));
 }
 
-void requestCameraBubble(Subsystems::Camera::Completion completion)
+void requestCameraBubble(QObject& request, Subsystems::Camera::Completion completion)
 {
     Platform::requestCameraAccess(Guarded::once<bool>(
-        QCoreApplication::instance(), [completion = std::move(completion)](bool isGranted) {
+        &request, [&request, completion = std::move(completion)](bool isGranted) {
             if (isGranted)
-                makeCameraBubble(completion);
+                makeCameraBubble(request, completion);
             else
                 completion(nullptr);
         }));

@@ -97,10 +97,10 @@ protected:
             finishGIF = std::move(completion);
         };
         subsystems.camera.authorization = [this] { return authorization; };
-        subsystems.camera.make = [this](const auto& completion) {
+        subsystems.camera.make = [this](QObject&, const auto& completion) {
             completion(cameraExists ? makePanel("camera") : nullptr);
         };
-        subsystems.camera.requestAndShow = [this](auto completion) {
+        subsystems.camera.requestAndShow = [this](QObject&, auto completion) {
             notes += QStringLiteral("camera asked");
             answerCamera = std::move(completion);
         };

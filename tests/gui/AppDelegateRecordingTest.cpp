@@ -1,5 +1,7 @@
 #include "gui/AppDelegateFixture.h"
 
+#include "ChromeButton.h"
+
 TEST_F(AppDelegateTest, TheHooksTellAndToggleMicrophoneAndCamera)
 {
     launch();
@@ -210,22 +212,57 @@ TEST_F(AppDelegateTest, AnUndecidedCameraIsAskedFor)
     EXPECT_TRUE(menuItem("Camera Bubble")->isChecked());
 }
 
-TEST_F(AppDelegateTest, ACameraThatIsOnItsWayIsNotAskedForAgain)
+TEST_F(AppDelegateTest, ACameraThatDoesNotAnswerIsCalledOff)
 {
-    Subsystems::Camera::Completion found;
-    subsystems.camera.make = [&](auto completion) {
-        notes += QStringLiteral("camera sought");
-        found = std::move(completion);
+    std::vector<std::pair<QPointer<QObject>, Subsystems::Camera::Completion>> searches;
+    subsystems.camera.make = [&](QObject& request, auto completion) {
+        searches.emplace_back(&request, std::move(completion));
     };
     launch();
     app->toggleCamera();
     app->toggleCamera();
-    EXPECT_EQ(takeNotes(), QStringList{QStringLiteral("camera sought")});
-    found(nullptr);
+    ASSERT_EQ(searches.size(), 1u);
+    EXPECT_FALSE(searches[0].first) << "so that no bubble is made";
+    searches[0].second(makePanel("camera"));
+    EXPECT_FALSE(app->hasCameraBubble());
+    EXPECT_FALSE(menuItem("Camera Bubble")->isChecked());
+
+    app->toggleCamera();
+    ASSERT_EQ(searches.size(), 2u);
+    searches[0].second(makePanel("camera")); // late, and nobody's any more
+    EXPECT_FALSE(app->hasCameraBubble());
+    searches[1].second(nullptr);
     EXPECT_FALSE(menuItem("Camera Bubble")->isChecked());
     app->toggleCamera();
-    found(makePanel("camera"));
+    ASSERT_EQ(searches.size(), 3u);
+    searches[2].second(makePanel("camera"));
     EXPECT_TRUE(menuItem("Camera Bubble")->isChecked());
+
+    app->toggleCamera();
+    app->toggleCamera(); // on its way when the program ends
+    app.reset();
+    EXPECT_FALSE(searches.back().first);
+    searches.back().second(makePanel("camera"));
+}
+
+TEST_F(AppDelegateTest, TheBarOfASelectionShowsTheCameraWhenItComesLate)
+{
+    Subsystems::Camera::Completion found;
+    subsystems.camera.make = [&](QObject&, auto completion) { found = std::move(completion); };
+    launch();
+    app->toggleRecording();
+    drag({100, 100}, {400, 300});
+    ChromeButton* camera = nullptr;
+    for (auto* button : SelectionSession::current->activeView()->findChildren<ChromeButton*>()) {
+        if (button->accessibleName() == QLatin1String("Camera bubble on/off"))
+            camera = button;
+    }
+    ASSERT_TRUE(camera);
+    camera->click();
+    clock.advance(700ms);
+    EXPECT_FALSE(camera->isToggledOn());
+    found(makePanel("camera"));
+    EXPECT_TRUE(camera->isToggledOn());
 }
 
 TEST_F(AppDelegateTest, ARefusedCameraIsLogged)

@@ -191,6 +191,22 @@ TEST_F(SelectionHUDTest, TheCameraSwitchShowsAfterAWhileWhatBecameOfIt)
     clock.advance(700ms); // nobody to show it any more
 }
 
+TEST_F(SelectionHUDTest, TheCameraSwitchShowsALaterAnswerWhenItComes)
+{
+    make(SelectionMode::record);
+    ChromeButton& button = *buttons()[1];
+    QTest::mouseClick(&button, Qt::LeftButton);
+    camera = true;
+    clock.advance(300ms);
+    hud->cameraAnswered();
+    EXPECT_FALSE(button.isToggledOn()) << "not before its time";
+    clock.advance(400ms);
+    EXPECT_TRUE(button.isToggledOn());
+    camera = false;
+    hud->cameraAnswered();
+    EXPECT_FALSE(button.isToggledOn());
+}
+
 TEST_F(SelectionHUDTest, EachButtonDoesItsOneThing)
 {
     make(SelectionMode::record);

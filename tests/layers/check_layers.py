@@ -95,7 +95,7 @@ LAYERS = {
         ["base", "support"],
         ["Core", "Gui"]),
     "services": Layer(
-        ["src/HotKey.*", "src/CaptureManager.*", "src/ChipThumbnail.*", "src/GIFExporter.*",
+        ["src/BackgroundDrag.*", "src/HotKey.*", "src/CaptureManager.*", "src/ChipThumbnail.*", "src/GIFExporter.*",
          "src/Preferences.*",
          "src/RecordingFinisher.*", "src/RecordingJournal.*", "src/RecordingManager.*",
          "src/RecordingRecovery.*", "src/RecordingTools.*", "src/ScreenWatcher.*"],
@@ -129,7 +129,7 @@ LAYERS = {
         SERVICES_AND_BELOW + ["kit"],
         ["Core", "Gui", "Widgets"]),
     "app": Layer(
-        ["src/AppDelegate.*", "src/OpenEditors.*", "src/RecordingFlow.*", "src/StatusMenu.*",
+        ["src/AppDelegate.*", "src/CameraSwitch.*", "src/OpenEditors.*", "src/RecordingFlow.*", "src/StatusMenu.*",
          "src/Subsystems.*"],
         EVERY_HEADER,
         ["Core", "Gui", "Widgets"]),

@@ -1,80 +1,39 @@
 #include "Media/GStreamer/Devices.h"
 
-#include <algorithm>
-#include <array>
-#include <optional>
-
-namespace {
-
-/// What a bubble has on a screen of scale 2, and some more; in pixels.
-constexpr int enoughPixels = 480;
-constexpr int enoughFramesASecond = 24;
-constexpr int wantedFramesASecond = 30;
-constexpr const char* raw = "video/x-raw";
-constexpr const char* compressed = "image/jpeg";
-
-/// Started when it is first asked, and then kept: it knows at once what comes and goes.
-GstDeviceMonitor* monitor()
+Devices::Devices()
 {
-    static GstDeviceMonitor* const started = []() -> GstDeviceMonitor* {
-        if (!gst_init_check(nullptr, nullptr, nullptr))
-            return nullptr;
-        GstDeviceMonitor* const made = gst_device_monitor_new();
-        gst_device_monitor_add_filter(made, "Video/Source", nullptr);
-        gst_device_monitor_start(made);
-        return made;
-    }();
-    return started;
+    if (!gst_init_check(nullptr, nullptr, nullptr))
+        return;
+    m_monitor.reset(gst_device_monitor_new());
+    gst_device_monitor_add_filter(m_monitor.get(), "Video/Source", nullptr);
+    start();
 }
 
-bool holds(const GValue* value, GType type)
+Devices::~Devices()
 {
-    return value && value->g_type == type; // GLib's own macros cast the const away
+    if (m_monitor)
+        gst_device_monitor_stop(m_monitor.get());
 }
 
-/// How fast a format can be at most, in frames a second; unknown is fast enough.
-double fastest(const GstStructure& format)
+void Devices::start()
 {
-    const auto of = [](const GValue* value) {
-        return static_cast<double>(gst_value_get_fraction_numerator(value)) /
-               std::max(gst_value_get_fraction_denominator(value), 1);
-    };
-    const GValue* const rates = gst_structure_get_value(&format, "framerate");
-    if (holds(rates, GST_TYPE_FRACTION))
-        return of(rates);
-    if (holds(rates, GST_TYPE_FRACTION_RANGE))
-        return of(gst_value_get_fraction_range_max(rates));
-    if (!holds(rates, GST_TYPE_LIST))
-        return wantedFramesASecond;
-    double most = 0;
-    for (guint i = 0; i < gst_value_list_get_size(rates); ++i) {
-        const GValue* const rate = gst_value_list_get_value(rates, i);
-        if (holds(rate, GST_TYPE_FRACTION))
-            most = std::max(most, of(rate));
-    }
-    return most;
+    gst_device_monitor_start(m_monitor.get());
+    // We ask for the list; what it tells of each change would heap up.
+    const Gst::Owner<GstBus> bus(gst_device_monitor_get_bus(m_monitor.get()));
+    gst_bus_set_flushing(bus.get(), TRUE);
 }
 
-/// How much a format costs; absent when it is not good enough.
-std::optional<int> costOf(const GstStructure& format)
+void Devices::renew()
 {
-    constexpr int costOfDecompression = 3;
-    const bool isRaw = gst_structure_has_name(&format, raw);
-    int width = 0, height = 0;
-    if ((!isRaw && !gst_structure_has_name(&format, compressed)) ||
-        !gst_structure_get_int(&format, "width", &width) ||
-        !gst_structure_get_int(&format, "height", &height) ||
-        std::min(width, height) < enoughPixels || fastest(format) < enoughFramesASecond)
-        return {};
-    return width * height * (isRaw ? 1 : costOfDecompression);
+    if (!m_monitor)
+        return;
+    gst_device_monitor_stop(m_monitor.get());
+    start();
 }
 
-} // namespace
-
-Gst::Owner<GstDevice> Devices::first()
+Gst::Owner<GstDevice> Devices::first() const
 {
-    GstDeviceMonitor* const known = monitor();
-    GList* const devices = known ? gst_device_monitor_get_devices(known) : nullptr;
+    GList* const devices = m_monitor ? gst_device_monitor_get_devices(m_monitor.get()) : nullptr;
     Gst::Owner<GstDevice> found;
     for (const GList* item = devices; item; item = item->next) {
         auto* const device = static_cast<GstDevice*>(item->data);
@@ -89,28 +48,4 @@ Gst::Owner<GstDevice> Devices::first()
     }
     g_list_free_full(devices, gst_object_unref);
     return found;
-}
-
-Gst::Owner<GstCaps> Devices::formatOf(const GstCaps* offered)
-{
-    const GstStructure* best = nullptr;
-    int least = 0;
-    for (guint i = 0; offered && i < gst_caps_get_size(offered); ++i) {
-        const GstStructure* const format = gst_caps_get_structure(offered, i);
-        const std::optional<int> cost = costOf(*format);
-        if (cost && (!best || *cost < least)) {
-            best = format;
-            least = *cost;
-        }
-    }
-    if (!best)
-        return nullptr;
-    GstStructure* const chosen = gst_structure_copy(best);
-    gst_structure_fixate_field_nearest_fraction(chosen, "framerate", wantedFramesASecond, 1);
-    return Gst::Owner<GstCaps>(gst_caps_new_full(chosen, nullptr));
-}
-
-bool Devices::isCompressed(const GstCaps* format)
-{
-    return format && gst_structure_has_name(gst_caps_get_structure(format, 0), compressed);
 }

@@ -2,17 +2,24 @@
 
 #include "Media/GStreamer/Handles.h"
 
-/// The cameras that there are now, of the sound and video server or of the kernel. One thread.
-namespace Devices {
+/// The cameras that there are, of the sound and video server or of the kernel. One thread.
+class Devices {
+public:
+    /// Asks who knows about cameras, and learns from then on at once what comes and goes.
+    Devices();
+    ~Devices();
+    Devices(const Devices&) = delete;
+    Devices& operator=(const Devices&) = delete;
 
-/// The system's default camera; null when there is none.
-Gst::Owner<GstDevice> first();
+    /// The system's default camera; null when there is none.
+    Gst::Owner<GstDevice> first() const;
 
-/// Of what a camera offers, which may be null, the smallest that is large and fast enough for a
-/// bubble, as it comes rather than compressed. Null leaves it to the camera.
-Gst::Owner<GstCaps> formatOf(const GstCaps* offered);
+    /// Asks afresh: nobody tells of a server that ended and was started anew. No camera may be at
+    /// work, since it holds the old one's connection.
+    void renew();
 
-/// Whether pictures of that format are compressed.
-bool isCompressed(const GstCaps* format);
+private:
+    void start();
 
-} // namespace Devices
+    Gst::Owner<GstDeviceMonitor> m_monitor; // null where GStreamer does not work
+};

@@ -1,7 +1,5 @@
 #include "Media/GStreamer/LiveCamera.h"
 
-#include "Media/GStreamer/Devices.h"
-
 #include <chrono>
 #include <utility>
 
@@ -15,12 +13,21 @@ constexpr auto lookTime = 500ms;
 constexpr int mostIdleLooks = 5;
 /// One that has sent nothing at all in so many does not begin.
 constexpr int mostFirstLooks = 10;
+/// Between two questions who knows about cameras: to ask the kernel opens every one.
+constexpr int looksToRenewal = 4;
+
+using Way = CameraPipeline::Way;
+
+constexpr Way otherThan(Way way)
+{
+    return way == Way::BestFormat ? Way::AnyFormat : Way::BestFormat;
+}
 
 } // namespace
 
 bool LiveCamera::exists()
 {
-    return Devices::first() != nullptr;
+    return Devices().first() != nullptr;
 }
 
 LiveCamera::LiveCamera(int side, Show show)
@@ -35,11 +42,17 @@ LiveCamera::LiveCamera(int side, Show show)
 void LiveCamera::start()
 {
     m_idleLooks = 0;
-    if (const Gst::Owner<GstDevice> device = Devices::first()) {
-        m_pipeline = CameraPipeline::start(*device, m_side, [this](const QImage& picture) {
+    const Gst::Owner<GstDevice> device = m_devices.first();
+    if (!device)
+        return;
+    for (const Way way : {m_way, otherThan(m_way)}) {
+        m_way = way;
+        m_pipeline = CameraPipeline::start(*device, way, m_side, [this](const QImage& picture) {
             m_isFresh = true;
             m_show(picture);
         });
+        if (m_pipeline)
+            return;
     }
 }
 
@@ -48,11 +61,17 @@ void LiveCamera::check()
     const bool isFresh = m_isFresh.exchange(false);
     m_hasPicture = m_hasPicture || isFresh;
     m_idleLooks = isFresh ? 0 : m_idleLooks + 1;
+    ++m_looksSinceRenewal;
     if (m_pipeline && !m_pipeline->hasEnded() &&
         m_idleLooks < (m_hasPicture ? mostIdleLooks : mostFirstLooks))
         return;
-    m_pipeline.reset();
+    if (std::exchange(m_pipeline, nullptr) && !m_hasPicture)
+        m_way = otherThan(m_way);
     if (std::exchange(m_hasPicture, false))
         m_show({});
+    if (m_looksSinceRenewal >= looksToRenewal) {
+        m_looksSinceRenewal = 0;
+        m_devices.renew();
+    }
     start();
 }

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+/// A server for GStreamer that knows of cameras. Like a real one, it tells a client that asked
+/// before it was started anew of nothing.
+namespace TestCameras {
+
+/// A camera that offers `format` and sends what the elements `source`, in the words of
+/// gst-launch-1.0, make; the system's default one. Offers it memory:DMABuf, it says so of what it
+/// sends.
+void plugIn(const std::string& format, const std::string& source);
+void unplug();
+
+/// What is plugged in or out from now on, only those learn that ask afresh.
+void restartServer();
+
+/// Plugs one in and out again, and says whether everybody has forgotten it.
+bool forgetsACameraThatGoes();
+
+} // namespace TestCameras
