@@ -8,6 +8,7 @@
 #include <QJsonObject>
 
 #include <array>
+#include <cerrno>
 #include <condition_variable>
 #include <mutex>
 #include <utility>
@@ -46,6 +47,7 @@ struct Disk {
     std::mutex mutex;
     std::condition_variable changed;
     bool isStuck = false;
+    int error = 0; // of files; 0 when they get there
     int files = 0;
     int names = 0;
 };
@@ -64,7 +66,9 @@ int bring(int& count)
 // In place of the C library's.
 extern "C" int fdatasync(int)
 {
-    return bring(Disk::get().files);
+    bring(Disk::get().files);
+    errno = Disk::get().error;
+    return errno == 0 ? 0 : -1;
 }
 
 extern "C" int fsync(int)
@@ -108,6 +112,19 @@ protected:
         auto asGIF = session();
         asGIF.asGIF = true;
         manager->start(asGIF);
+    }
+
+    QString part(int number, int all) const
+    {
+        return folder.filePath(
+            QStringLiteral("captures/Tamrik Rec 1 (%1 of %2).mov").arg(number).arg(all));
+    }
+
+    /// What was begun beside the main thread has ended, and that is known.
+    static void awaitEnded()
+    {
+        Background::threads().waitForDone();
+        QCoreApplication::processEvents();
     }
 
     std::vector<std::pair<QUrl, bool>> recovered;
@@ -157,6 +174,18 @@ TEST_F(RecordingRecoveryTest, TheJournalIsBroughtToTheDiskAndASlowOneKeepsNobody
     disk.setStuck(false);
     Background::threads().waitForDone();
     EXPECT_EQ(disk.takeCounts(), std::pair(1, 1));
+}
+
+TEST_F(RecordingRecoveryTest, AFileSystemThatBringsNothingToItsDiskHasJournalsToo)
+{
+    for (const int error : {EINVAL, EIO}) {
+        Disk::get().error = error;
+        start();
+        EXPECT_EQ(journals().size(), error == EINVAL ? 1 : 0);
+        Disk::get().error = 0;
+        manager->stop(true);
+        end(false);
+    }
 }
 
 TEST_F(RecordingRecoveryTest, TheJournalStaysUntilTheFilmIsThere)
@@ -345,6 +374,29 @@ TEST_F(RecordingRecoveryTest, ASegmentThatComesAfterItsDiscardDoesNotStay)
     EXPECT_TRUE(isTidy());
 }
 
+TEST_F(RecordingRecoveryTest, AToolThatStillFilmsWhatIsThrownAwayIsWaitedForToo)
+{
+    for (const bool restarts : {false, true}) {
+        start();
+        const int tools = dup(run(runs.size() - 1).command.sharedDescriptor);
+        runs.back()->endsInTime = false;
+        if (restarts)
+            manager->restart();
+        else
+            manager->stop(true);
+        EXPECT_TRUE(journal().value(QStringLiteral("discarded")).toBool());
+        const QString late = runs.back()->file();
+        makeManager();
+        recover();
+        EXPECT_EQ(journals().size(), 1);
+        write(late, "film");
+        close(tools);
+        clock.advance(1s);
+        EXPECT_TRUE(exports.empty());
+        EXPECT_TRUE(isTidy());
+    }
+}
+
 TEST_F(RecordingRecoveryTest, AnotherProcessThatHoldsAJournalKeepsIt)
 {
     start();
@@ -422,7 +474,7 @@ TEST_F(RecordingRecoveryTest, AJournalOfANewerProgramIsLeftToIt)
     EXPECT_EQ(named("*").size(), 2); // with the segment
 }
 
-TEST_F(RecordingRecoveryTest, SegmentsThatEndTheProgramThreeTimesAreLeftAlone)
+TEST_F(RecordingRecoveryTest, ASegmentThatEndsTheProgramThreeTimesBecomesTheFileAsItIs)
 {
     start();
     crash();
@@ -439,9 +491,41 @@ TEST_F(RecordingRecoveryTest, SegmentsThatEndTheProgramThreeTimesAreLeftAlone)
     }
     recover();
     EXPECT_EQ(exports.size(), 3u);
-    EXPECT_TRUE(journals().isEmpty());
-    EXPECT_EQ(named("*.broken").size(), 1);
-    EXPECT_EQ(segmentFiles().size(), 1);
+    ASSERT_TRUE(runUntil([this] { return !recovered.empty(); }));
+    EXPECT_THAT(recovered, ElementsAre(Pair(QUrl::fromLocalFile(fallbackPath()), false)));
+    EXPECT_EQ(contents(fallbackPath()), "film");
+    EXPECT_TRUE(isTidy());
+}
+
+TEST_F(RecordingRecoveryTest, AnExitInTheMiddleOfAnAttemptDoesNotCount)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // runs this test anew in a process of its own
+    start();
+    crash();
+    static std::function<int()> atLast;
+    atLast = [this] {
+        const int lost = lostAttempts();
+        folder.remove();
+        return lost;
+    };
+    // As Qt ends the program when the X server goes.
+    EXPECT_EXIT(
+        {
+            std::atexit([] { _exit(10 + atLast()); });
+            recover();
+            std::exit(lostAttempts());
+        },
+        testing::ExitedWithCode(10), "");
+}
+
+TEST_F(RecordingRecoveryTest, ASegmentThatWasMovedWhenTheProgramEndedIsAnnounced)
+{
+    start();
+    crash();
+    ASSERT_TRUE(QFile::rename(run(0).file(), fallbackPath()));
+    recover();
+    EXPECT_THAT(recovered, ElementsAre(Pair(QUrl::fromLocalFile(fallbackPath()), false)));
+    EXPECT_TRUE(isTidy());
 }
 
 TEST_F(RecordingRecoveryTest, AFilmThatCannotBePutInItsPlaceIsNotGivenUp)
@@ -454,7 +538,7 @@ TEST_F(RecordingRecoveryTest, AFilmThatCannotBePutInItsPlaceIsNotGivenUp)
     ASSERT_TRUE(runUntil([this] { return lostAttempts() == 0; }));
 }
 
-TEST_F(RecordingRecoveryTest, SegmentsThatCannotBeReadAreTriedAgainAndStay)
+TEST_F(RecordingRecoveryTest, SegmentsThatCannotBeJoinedForTheirDiskAreTriedAgainAndThenGivenAsTheyAre)
 {
     start();
     recordAndPause();
@@ -471,10 +555,45 @@ TEST_F(RecordingRecoveryTest, SegmentsThatCannotBeReadAreTriedAgainAndStay)
         recover();
     }
     EXPECT_THAT(results, ElementsAre(QUrl()));
-    EXPECT_TRUE(recovered.empty());
     EXPECT_EQ(exports.size(), 4u);
-    EXPECT_EQ(named("*.broken").size(), 1);
-    EXPECT_EQ(segmentFiles().size(), 2);
+    ASSERT_TRUE(runUntil([this] { return !recovered.empty(); }));
+    EXPECT_THAT(recovered, ElementsAre(Pair(QUrl::fromLocalFile(part(1, 2)), false)));
+    EXPECT_EQ(contents(part(1, 2)), "film");
+    EXPECT_EQ(contents(part(2, 2)), "film");
+    EXPECT_TRUE(isTidy());
+}
+
+TEST_F(RecordingRecoveryTest, OneThatCannotBeMovedForItsDiskEitherIsOnlyMovedAfterThreeTries)
+{
+    start();
+    crash();
+    const QString captures = folder.filePath(QStringLiteral("captures"));
+    for (int attempt = 1; attempt <= 3; ++attempt) {
+        recover();
+        ASSERT_EQ(exports.size(), static_cast<std::size_t>(attempt));
+        QDir(captures).removeRecursively();
+        complete(MovieExport::End::unreadable, "the disk is broken");
+        EXPECT_EQ(TestLog::takeLines(),
+                  QStringList{QStringLiteral("mp4 remux failed: the disk is broken")});
+        exports.back().completion = {};
+        awaitEnded();
+        EXPECT_EQ(lostAttempts(), attempt);
+        makeManager();
+    }
+    write(captures, "in the way");
+    for (int start = 0; start < 2; ++start) {
+        recover();
+        awaitEnded();
+        EXPECT_EQ(exports.size(), 3u);
+        EXPECT_EQ(segmentFiles().size(), 1);
+        EXPECT_EQ(lostAttempts(), 3);
+        makeManager();
+    }
+    QFile::remove(captures);
+    recover();
+    ASSERT_TRUE(runUntil([this] { return !recovered.empty(); }));
+    EXPECT_EQ(contents(fallbackPath()), "film");
+    EXPECT_TRUE(isTidy());
 }
 
 TEST_F(RecordingRecoveryTest, WhatHasFailedWaitsForTheNextStartThoughAToolIsWaitedFor)
