@@ -127,15 +127,16 @@ void RecordingFinisher::moveSegments(const RecordedSegments& recorded)
         recorded.completion(moved.isEmpty() ? QUrl() : moved.front());
     };
     // They may go to another disk.
-    Background::threads().start(
-        [segments = recorded.segments, targets = places(recorded.finalURL, recorded.segments.size()),
-         ended = Guarded::once<const QList<QUrl>&>(this, ended), cancellation = m_running] {
-            QList<QUrl> moved;
-            for (qsizetype i = 0; i < segments.size(); ++i) {
-                if (!moveFile(segments[i].toLocalFile(), targets[i].toLocalFile(),
-                              [&] { return cancellation.isCancelled(); }))
-                    moved += targets[i];
-            }
-            ended(moved);
-        });
+    Background::threads().start([segments = recorded.segments,
+                                 targets = places(recorded.finalURL, recorded.segments.size()),
+                                 ended = Guarded::once<const QList<QUrl>&>(this, ended),
+                                 cancellation = m_running] {
+        QList<QUrl> moved;
+        for (qsizetype i = 0; i < segments.size(); ++i) {
+            if (!moveFile(segments[i].toLocalFile(), targets[i].toLocalFile(),
+                          [&] { return cancellation.isCancelled(); }))
+                moved += targets[i];
+        }
+        ended(moved);
+    });
 }

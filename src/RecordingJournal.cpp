@@ -73,10 +73,9 @@ bool failsToSync(const QString& path)
     const auto succeeded = std::make_shared<std::promise<bool>>();
     std::future<bool> outcome = succeeded->get_future();
     // EINVAL: the file system has nothing to say about it.
-    Background::threads().start(
-        [file, succeeded] {
-            succeeded->set_value(fdatasync(file->get()) == 0 || errno == EINVAL);
-        });
+    Background::threads().start([file, succeeded] {
+        succeeded->set_value(fdatasync(file->get()) == 0 || errno == EINVAL);
+    });
     return outcome.wait_for(diskPatience) == std::future_status::ready && !outcome.get();
 }
 

@@ -111,11 +111,10 @@ void RecordingRecovery::take(RecordingJournal::Found found, const Recovered& rec
 void RecordingRecovery::completeMoved(const RecordedSegments& left,
                                       const RecordingJournal::Entry& entry)
 {
-    const QList<QUrl> places =
-        RecordingFinisher::places(entry.finalURL, entry.segments.size());
+    const QList<QUrl> places = RecordingFinisher::places(entry.finalURL, entry.segments.size());
     left.journal->remove();
     left.completion(!places.isEmpty() && CaptureFiles::exists(places.front()) ? places.front()
-                                                                             : QUrl());
+                                                                              : QUrl());
 }
 
 void RecordingRecovery::recoverNext()

@@ -30,9 +30,8 @@ inline PossibleFailure cutShort(const Patience& patience)
 
 /// How what ended with `failure`, or well, is told. What fails when it is cancelled fails for that
 /// reason; `unreadable` is what failed otherwise since a disk did.
-inline MovieExport::Outcome
-outcome(const Patience& patience, const PossibleFailure& failure,
-        MovieExport::End unreadable = MovieExport::End::unreadable)
+inline MovieExport::Outcome outcome(const Patience& patience, const PossibleFailure& failure,
+                                    MovieExport::End unreadable = MovieExport::End::unreadable)
 {
     if (!failure)
         return {MovieExport::End::completed, {}};

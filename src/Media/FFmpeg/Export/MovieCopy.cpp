@@ -42,7 +42,8 @@ PossibleFailure MovieCopy::beginWhole()
 {
     if (m_join)
         return begin();
-    return m_movie->begin(indexRoomFor({&m_source.picture(), m_sound ? m_source.sound() : nullptr}));
+    return m_movie->begin(
+        indexRoomFor({&m_source.picture(), m_sound ? m_source.sound() : nullptr}));
 }
 
 PossibleFailure MovieCopy::addPicture(AVPacket& packet)

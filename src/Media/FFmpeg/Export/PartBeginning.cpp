@@ -15,9 +15,9 @@ constexpr double hiddenTime = 0.01;
 /// seek for what is there.
 void hurryUpTo(const AVPacket& shown, std::deque<Av::Packet>& pictures, AVRational ticks)
 {
-    const auto end =
-        std::find_if(pictures.begin(), pictures.end(),
-                     [&](const Av::Packet& picture) { return picture.get() == &shown; });
+    const auto end = std::find_if(pictures.begin(), pictures.end(), [&](const Av::Packet& picture) {
+        return picture.get() == &shown;
+    });
     if (std::any_of(pictures.begin(), end,
                     [](const Av::Packet& picture) { return picture->pts != picture->dts; }))
         return;

@@ -66,7 +66,7 @@ private:
     std::unique_ptr<MovieReader> m_reader;
     AVStream* m_picture = nullptr; // the source's
     AVStream* m_sound = nullptr;   // the source's; null when there is none
-    TrackPart m_shown, m_heard;         // in the source's ticks
+    TrackPart m_shown, m_heard;    // in the source's ticks
     Av::Packet m_packet;
 
     std::deque<Av::Packet> m_pictures, m_sounds; // until it is settled
