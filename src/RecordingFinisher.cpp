@@ -5,9 +5,9 @@
 #include "Support/Guarded.h"
 #include "Support/Log.h"
 #include "Support/MoveFile.h"
+#include "Support/RemoveFile.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -26,7 +26,13 @@ void remove(const RecordedSegments& recorded)
 {
     recorded.journal->remove();
     for (const QUrl& segment : recorded.segments)
-        QFile::remove(segment.toLocalFile()); // one that stays does no harm
+        removeFile(segment.toLocalFile()); // one that stays does no harm
+}
+
+/// It may have been taken away meanwhile.
+void makeFolder(const RecordedSegments& recorded)
+{
+    QDir().mkpath(QFileInfo(recorded.finalURL.toLocalFile()).path());
 }
 
 } // namespace
@@ -39,7 +45,7 @@ RecordingFinisher::RecordingFinisher(const RecordingTools& tools)
 
 RecordingFinisher::~RecordingFinisher()
 {
-    m_running.cancel();
+    cancel();
 }
 
 void RecordingFinisher::discard(const RecordedSegments& recorded)
@@ -50,8 +56,7 @@ void RecordingFinisher::discard(const RecordedSegments& recorded)
 
 void RecordingFinisher::finish(const RecordedSegments& recorded)
 {
-    // It may have been taken away meanwhile.
-    QDir().mkpath(QFileInfo(recorded.finalURL.toLocalFile()).path());
+    makeFolder(recorded);
     if (recorded.segments.isEmpty()) {
         discard(recorded);
     } else if (recorded.segments.size() == 1) {
@@ -63,13 +68,15 @@ void RecordingFinisher::finish(const RecordedSegments& recorded)
 
 void RecordingFinisher::remux(const RecordedSegments& recorded)
 {
-    using Outcome = MovieExport::Outcome;
+    using MovieExport::End, MovieExport::Outcome;
     const auto exported = [this, recorded](const Outcome& outcome) {
-        if (outcome.end == MovieExport::End::failed)
+        if (outcome.end == End::failed || outcome.end == End::unreadable)
             Log::line(QStringLiteral("mp4 remux failed: ") +
                       QString::fromStdString(outcome.reason));
         if (!outcome.succeeded()) {
-            moveUnfinished(recorded);
+            if (outcome.end == End::unreadable)
+                recorded.journal->loseAttempt(); // it may not be possible to move it either
+            moveSegments(recorded);
             return;
         }
         remove(recorded);
@@ -93,19 +100,43 @@ void RecordingFinisher::concatenate(const RecordedSegments& recorded)
                   Guarded::once<const Outcome&>(this, exported), m_running);
 }
 
-void RecordingFinisher::moveUnfinished(const RecordedSegments& recorded)
+QList<QUrl> RecordingFinisher::places(const QUrl& finalURL, qsizetype segments)
 {
-    const QFileInfo wanted(recorded.finalURL.toLocalFile());
-    const QString fallback =
-        wanted.path() + QLatin1Char('/') + wanted.completeBaseName() + QStringLiteral(".mov");
-    const auto moved = Guarded::once<bool>(this, [recorded, fallback](bool succeeded) {
-        if (succeeded)
+    const QFileInfo wanted(finalURL.toLocalFile());
+    QList<QUrl> result;
+    for (qsizetype i = 1; i <= segments; ++i) {
+        const QString number =
+            segments == 1 ? QString() : QStringLiteral(" (%1 of %2)").arg(i).arg(segments);
+        result += QUrl::fromLocalFile(wanted.path() + QLatin1Char('/') + wanted.completeBaseName() +
+                                      number + QStringLiteral(".mov"));
+    }
+    return result;
+}
+
+void RecordingFinisher::giveSegments(const RecordedSegments& recorded)
+{
+    makeFolder(recorded);
+    moveSegments(recorded);
+}
+
+void RecordingFinisher::moveSegments(const RecordedSegments& recorded)
+{
+    const auto ended = [recorded](const QList<QUrl>& moved) {
+        if (moved.size() == recorded.segments.size())
             recorded.journal->remove(); // else the next start tries again
-        recorded.completion(succeeded ? QUrl::fromLocalFile(fallback) : QUrl());
-    });
-    // It may go to another disk.
-    Background::threads().start([segment = recorded.segments.front().toLocalFile(), fallback, moved,
+        recorded.completion(moved.isEmpty() ? QUrl() : moved.front());
+    };
+    // They may go to another disk.
+    Background::threads().start([segments = recorded.segments,
+                                 targets = places(recorded.finalURL, recorded.segments.size()),
+                                 ended = Guarded::once<const QList<QUrl>&>(this, ended),
                                  cancellation = m_running] {
-        moved(!moveFile(segment, fallback, [&] { return cancellation.isCancelled(); }));
+        QList<QUrl> moved;
+        for (qsizetype i = 0; i < segments.size(); ++i) {
+            if (!moveFile(segments[i].toLocalFile(), targets[i].toLocalFile(),
+                          [&] { return cancellation.isCancelled(); }))
+                moved += targets[i];
+        }
+        ended(moved);
     });
 }

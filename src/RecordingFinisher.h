@@ -37,13 +37,24 @@ public:
     /// extension "mov".
     void finish(const RecordedSegments& recorded);
 
+    /// Makes no film: moves the segments to where it was to be, with the extension "mov", and
+    /// numbered when there are several. The first one is what completes the recording. Those that
+    /// cannot be moved stay with their journal.
+    void giveSegments(const RecordedSegments& recorded);
+
+    /// Where `giveSegments` puts so many of them.
+    static QList<QUrl> places(const QUrl& finalURL, qsizetype segments);
+
+    /// Ends what is under way, as going does.
+    void cancel() { m_running.cancel(); }
+
     /// Deletes everything; there is no file.
     static void discard(const RecordedSegments& recorded);
 
 private:
     void remux(const RecordedSegments& recorded);
     void concatenate(const RecordedSegments& recorded);
-    void moveUnfinished(const RecordedSegments& recorded);
+    void moveSegments(const RecordedSegments& recorded);
 
     RecordingTools::Remux m_remux;
     RecordingTools::Concatenate m_concatenate;

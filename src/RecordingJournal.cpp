@@ -11,6 +11,7 @@
 #include <QRegularExpression>
 #include <QUuid>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <future>
@@ -71,8 +72,10 @@ bool failsToSync(const QString& path)
         std::make_shared<FileDescriptor>(open(native(path).constData(), O_RDONLY | O_CLOEXEC));
     const auto succeeded = std::make_shared<std::promise<bool>>();
     std::future<bool> outcome = succeeded->get_future();
-    Background::threads().start(
-        [file, succeeded] { succeeded->set_value(fdatasync(file->get()) == 0); });
+    // EINVAL: the file system has nothing to say about it.
+    Background::threads().start([file, succeeded] {
+        succeeded->set_value(fdatasync(file->get()) == 0 || errno == EINVAL);
+    });
     return outcome.wait_for(diskPatience) == std::future_status::ready && !outcome.get();
 }
 
@@ -204,6 +207,20 @@ bool RecordingJournal::write(const Entry& entry)
     m_file = std::move(file); // locked before it got its name, so there is no gap
     m_entry = entry;
     return true;
+}
+
+bool RecordingJournal::discard()
+{
+    // As many bytes, which get to a disk together.
+    constexpr QByteArrayView wanted = "\"discarded\": false", discarded = "\"discarded\": true ";
+    static_assert(wanted.size() == discarded.size());
+    const qsizetype place = toJson(m_entry).indexOf(wanted);
+    if (!m_file || m_entry.discarded || place < 0 ||
+        pwrite(m_file.get(), discarded.data(), static_cast<std::size_t>(discarded.size()), place) !=
+            discarded.size())
+        return false;
+    m_entry.discarded = true;
+    return !failsToSync(m_path);
 }
 
 void RecordingJournal::beginAttempt()

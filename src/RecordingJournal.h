@@ -40,6 +40,10 @@ public:
     /// meanwhile may cost the file.
     bool write(const Entry& entry);
 
+    /// Notes that nobody wants the segments any more. Whether it worked. Unlike `write` it leaves
+    /// the lock with all who share it. Only after a `write`.
+    bool discard();
+
     /// Removes the file, if there is one.
     void remove();
 

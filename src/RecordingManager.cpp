@@ -2,13 +2,13 @@
 
 #include "Platform/CaptureTool.h"
 #include "Platform/Screens.h"
+#include "Support/CaptureFiles.h"
 #include "Support/Guarded.h"
 #include "Support/Log.h"
 #include "Support/Process.h"
+#include "Support/RemoveFile.h"
 #include "Support/ToolRectangle.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QStringDecoder>
 #include <QUuid>
 
@@ -17,15 +17,10 @@
 
 namespace {
 
-bool exists(const QUrl& file)
-{
-    return QFileInfo::exists(file.toLocalFile());
-}
-
 void remove(const QList<QUrl>& files)
 {
     for (const QUrl& file : files)
-        QFile::remove(file.toLocalFile()); // one that stays does no harm
+        removeFile(file.toLocalFile()); // one that stays does no harm
 }
 
 QUrl newSegment(const QString& folder)
@@ -135,7 +130,7 @@ void RecordingManager::stop(bool discard)
     case RecordingState::pausing:
         m_state = RecordingState::stopping;
         if (m_discardOnFinish)
-            note(m_segments + QList{m_filming}, true);
+            noteDiscard();
         interrupt();
         return;
     case RecordingState::paused:
@@ -143,7 +138,7 @@ void RecordingManager::stop(bool discard)
         return;
     case RecordingState::stopping:
         if (discard && !wasDiscarded)
-            note(m_segments + QList{m_filming}, true);
+            noteDiscard();
         return;
     case RecordingState::idle:
     case RecordingState::restarting:
@@ -158,7 +153,7 @@ void RecordingManager::restart()
     case RecordingState::pausing:
         m_state = RecordingState::restarting;
         m_pendingResume = false;
-        note(m_segments + QList{m_filming}, true);
+        noteDiscard();
         interrupt();
         return;
     case RecordingState::paused:
@@ -189,11 +184,11 @@ void RecordingManager::launchSegment()
         return;
     }
     Process::Command command = toolCommand(*m_session, segment, screens.front().frame);
-    note(m_segments + QList{segment}, m_discardOnFinish);
+    note(m_segments + QList{segment});
     // So that a tool that has outlived us is known to be at it still.
     command.sharedDescriptor = m_journal->lockedDescriptor();
     auto film = m_tools.launch(command, Guarded::once(this, [this, segment] {
-                                   if (!exists(segment))
+                                   if (!CaptureFiles::exists(segment))
                                        logErrors();
                                    segmentEnded(segment);
                                }));
@@ -224,7 +219,7 @@ void RecordingManager::segmentEnded(const QUrl& segment)
     m_activeAccum = elapsed();
     m_segmentStart.reset();
     m_film.reset();
-    if (exists(segment))
+    if (CaptureFiles::exists(segment))
         m_segments += segment;
     switch (m_state) {
     case RecordingState::restarting:
@@ -256,13 +251,18 @@ void RecordingManager::cleanupSegments()
     remove(std::exchange(m_segments, {}));
 }
 
-void RecordingManager::note(const QList<QUrl>& segments, bool discarded)
+void RecordingManager::note(const QList<QUrl>& segments)
 {
     // Without a journal the recording goes on all the same.
     (void)m_journal->write({.finalURL = m_session->finalURL,
                             .asGIF = m_session->asGIF,
                             .segments = segments,
-                            .discarded = discarded});
+                            .discarded = m_discardOnFinish});
+}
+
+void RecordingManager::noteDiscard()
+{
+    (void)m_journal->discard(); // the tool that still runs holds this very file
 }
 
 void RecordingManager::finishSession()

@@ -60,7 +60,8 @@ private:
     void interrupt();
     void cleanupSegments();
     void beginAfresh();
-    void note(const QList<QUrl>& segments, bool discarded);
+    void note(const QList<QUrl>& segments);
+    void noteDiscard();
     void finishSession();
 
     RecordingTools m_tools;

@@ -1,10 +1,11 @@
 #include "RecordingRecovery.h"
 
+#include "Support/Background.h"
+#include "Support/CaptureFiles.h"
 #include "Support/Guarded.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 #include <utility>
 
@@ -22,10 +23,8 @@ constexpr int allLooks = quickLooks + 60;
 
 constexpr int mostLostAttempts = 3;
 
-bool exists(const QUrl& file)
-{
-    return QFileInfo::exists(file.toLocalFile());
-}
+/// The one that makes a film; null when none does.
+RecordingRecovery* busy = nullptr;
 
 } // namespace
 
@@ -37,8 +36,25 @@ RecordingRecovery::RecordingRecovery(const RecordingTools& tools, RecordingFinis
 
 RecordingRecovery::~RecordingRecovery()
 {
-    if (m_current)
-        m_current->endAttempt();
+    endAttempt();
+}
+
+/// A library may end the program through no fault of the film's: Qt does so when the X server goes,
+/// as it does at a logout.
+void RecordingRecovery::endInOrder()
+{
+    if (!busy)
+        return;
+    busy->m_finisher.cancel();
+    busy->endAttempt();
+}
+
+void RecordingRecovery::endAttempt()
+{
+    if (busy == this)
+        busy = nullptr;
+    if (const auto current = std::exchange(m_current, nullptr))
+        current->endAttempt();
 }
 
 void RecordingRecovery::begin(const Recovered& recovered)
@@ -70,21 +86,35 @@ void RecordingRecovery::take(RecordingJournal::Found found, const Recovered& rec
                                      recovered(file, asGIF);
                              }};
     std::copy_if(entry.segments.begin(), entry.segments.end(), std::back_inserter(left.segments),
-                 exists);
+                 CaptureFiles::exists);
     if (entry.discarded) {
         RecordingFinisher::discard(left);
-    } else if (entry.lostAttempts >= mostLostAttempts) {
-        left.journal->putAside();
-    } else if (m_tried.contains(left.journal->path())) {
+        return;
+    }
+    if (m_tried.contains(left.journal->path()))
         return; // the next start may have more luck
+    m_tried.insert(left.journal->path());
+    if (left.segments.isEmpty()) {
+        completeMoved(left, entry);
+    } else if (entry.lostAttempts >= mostLostAttempts) {
+        m_finisher.giveSegments(left);
     } else {
-        m_tried.insert(left.journal->path());
         const auto place =
             std::find_if(m_waiting.begin(), m_waiting.end(), [&](const Waiting& other) {
                 return other.lostAttempts > entry.lostAttempts;
             });
         m_waiting.insert(place, {std::move(left), entry.lostAttempts});
     }
+}
+
+/// The program may have ended when they were moved, before anybody was told.
+void RecordingRecovery::completeMoved(const RecordedSegments& left,
+                                      const RecordingJournal::Entry& entry)
+{
+    const QList<QUrl> places = RecordingFinisher::places(entry.finalURL, entry.segments.size());
+    left.journal->remove();
+    left.completion(!places.isEmpty() && CaptureFiles::exists(places.front()) ? places.front()
+                                                                              : QUrl());
 }
 
 void RecordingRecovery::recoverNext()
@@ -95,8 +125,12 @@ void RecordingRecovery::recoverNext()
     m_waiting.erase(m_waiting.begin());
     m_current = next.journal;
     m_current->beginAttempt();
+    busy = this;
+    Background::threads(); // which thereby still are there at the exit
+    static const bool isTold = std::atexit(endInOrder) == 0;
+    (void)isTold;
     next.completion = [this, completion = std::move(next.completion)](const QUrl& file) {
-        std::exchange(m_current, nullptr)->endAttempt();
+        endAttempt();
         completion(file);
         recoverNext();
     };

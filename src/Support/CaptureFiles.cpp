@@ -3,6 +3,7 @@
 #include "Support/ReadFile.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QLocale>
 
 namespace {
@@ -47,6 +48,11 @@ QString CaptureFiles::temporaryFolder()
     if (qEnvironmentVariableIsEmpty("TMPDIR") && QFileInfo(lasting).isWritable())
         return lasting;
     return QDir::tempPath();
+}
+
+bool CaptureFiles::exists(const QUrl& file)
+{
+    return QFileInfo::exists(file.toLocalFile());
 }
 
 std::optional<QByteArray> CaptureFiles::contents(const QUrl& url)

@@ -31,6 +31,8 @@ QUrl newRecording(const Clock& clock);
 /// machine.
 QString temporaryFolder();
 
+bool exists(const QUrl& file);
+
 /// The bytes of a file; absent when it cannot be read.
 std::optional<QByteArray> contents(const QUrl& file);
 

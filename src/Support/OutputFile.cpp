@@ -1,5 +1,7 @@
 #include "Support/OutputFile.h"
 
+#include "Platform/NewFiles.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <random>
@@ -14,12 +16,6 @@ namespace {
 
 constexpr mode_t ownerOnly = 0600;
 constexpr int hiddenNameTries = 100;
-
-#ifdef O_PATH // where the C library knows it: may be written in, if not read
-constexpr int asFolder = O_PATH | O_DIRECTORY | O_CLOEXEC;
-#else
-constexpr int asFolder = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
-#endif
 
 /// Gives hidden names to `make`, which returns false with errno set, until one is free. Empty when
 /// none could be made; errno says why.
@@ -38,11 +34,6 @@ std::string firstFreeName(Make make)
             break;
     }
     return {};
-}
-
-std::string descriptorPath(const FileDescriptor& file)
-{
-    return "/proc/self/fd/" + std::to_string(file.get());
 }
 
 } // namespace
@@ -104,22 +95,18 @@ PossibleFailure OutputFile::openFolder(const std::string& path)
     const std::size_t slash = path.rfind('/');
     const bool hasFolder = slash != std::string::npos;
     m_name = hasFolder ? path.substr(slash + 1) : path;
-    m_folder = FileDescriptor(open(hasFolder ? path.substr(0, slash + 1).c_str() : ".", asFolder));
+    m_folder =
+        FileDescriptor(Platform::openFolder(hasFolder ? path.substr(0, slash + 1).c_str() : "."));
     return m_folder ? std::nullopt : PossibleFailure(cannotWrite(errno));
 }
 
 bool OutputFile::openNameless()
 {
-#ifdef O_TMPFILE // where the C library knows it
-    FileDescriptor file(openat(m_folder.get(), ".", O_TMPFILE | O_RDWR | O_CLOEXEC, ownerOnly));
-    // It gets its name through /proc, which a container may lack.
-    if (!file || access(descriptorPath(file).c_str(), F_OK) != 0)
+    FileDescriptor file(Platform::openNameless(m_folder.get()));
+    if (!file)
         return false;
     m_file = std::move(file);
     return fchmod(m_file.get(), ownerOnly) == 0; // whatever the umask
-#else
-    return false;
-#endif
 }
 
 PossibleFailure OutputFile::openHidden()
@@ -201,9 +188,8 @@ PossibleFailure OutputFile::publishUnsynced()
 
 PossibleFailure OutputFile::nameNameless()
 {
-    const std::string source = descriptorPath(m_file);
     const auto linkTo = [&](const char* name) {
-        return linkat(AT_FDCWD, source.c_str(), m_folder.get(), name, AT_SYMLINK_FOLLOW) == 0;
+        return Platform::nameNameless(m_file.get(), m_folder.get(), name);
     };
     if (linkTo(m_name.c_str()))
         return {};

@@ -36,7 +36,8 @@ LAYERS = {
     # What the capture tool shares with the program: it starts without Qt.
     "base": Layer(
         [f"src/Support/{name}.*" for name in (
-            "FileDescriptor", "Geometry", "OutputFile", "RegularFile", "Result", "ScreenTable", "ToolParent")],
+            "FileDescriptor", "Geometry", "OutputFile", "RegularFile", "Result", "ScreenTable", "ToolParent")] +
+        ["src/Platform/NewFiles.h", "src/Platform/*/NewFiles.cpp"],
         [],
         []),
     "x11": Layer(
@@ -172,6 +173,10 @@ OS_MACRO = re.compile(
     r"\b(__linux__|__linux|__gnu_linux__|__unix__|__APPLE__|__MACH__|TARGET_OS_\w+|_WIN32|_WIN64"
     r"|__FreeBSD__|Q_OS_\w+)\b")
 
+# What is there or not by the system decides such things too, whatever macro is asked.
+CONDITION = re.compile(r"^[ \t]*#\s*(?:if|ifdef|ifndef)\b[^\n]*", re.MULTILINE)
+CONDITION_FREE_FOLDER = "src"
+
 # Where a quoted header is looked for, after the folder of the file that includes it.
 HEADER_FOLDERS = ["src", "tools", "tools/screencapture", "tools/gallery"]
 LAYERED_FOLDERS = ["src", "tools"]
@@ -226,6 +231,7 @@ class Source:
             self.includes.append(
                 Include(line_of(code, match.start()), angled, target, angled or quoted))
         bare = COMMENT_OR_STRING.sub(blank, text)
+        self.conditions = [line_of(bare, m.start()) for m in CONDITION.finditer(bare)]
         self.os_macros = [(line_of(bare, m.start()), m.group()) for m in OS_MACRO.finditer(bare)]
 
 
@@ -318,6 +324,9 @@ def check_source(source, qt_headers):
     if not LAYERS[layer_name].may_ask_os:
         for line, macro in source.os_macros:
             yield f"{source.path}:{line}: {macro} belongs below src/Platform"
+        if source.path.parts[0] == CONDITION_FREE_FOLDER:
+            for line in set(source.conditions) - {line for line, _ in source.os_macros}:
+                yield f"{source.path}:{line}: conditional code belongs below src/Platform"
 
 
 def find_cycles(sources):

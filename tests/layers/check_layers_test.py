@@ -153,6 +153,11 @@ class CheckLayers(unittest.TestCase):
     def test_a_file_that_no_layer_claims(self):
         self.assert_problem({"src/Helpers.h": ""}, "src/Helpers.h: no layer claims this file")
 
+    def test_conditions_on_what_a_system_has(self):
+        self.assert_problem({"src/Support/Log.cpp": "#ifdef O_TMPFILE\n#endif\n"},
+                            "src/Support/Log.cpp:1: conditional code belongs below src/Platform")
+        self.assert_clean({"src/Platform/Linux/Screens.cpp": "#ifdef O_TMPFILE\n#endif\n"})
+
     def test_operating_system_macros(self):
         for macro in ("__linux__", "__APPLE__", "Q_OS_MACOS", "TARGET_OS_OSX", "_WIN32"):
             with self.subTest(macro):

@@ -1,13 +1,9 @@
 // What is left of a recording when the program goes, and what the next start makes of it.
 
-#include "Support/Background.h"
-#include "unit/RecordingFixture.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "unit/RecordingRecoveryFixture.h"
 
 #include <array>
+#include <cerrno>
 #include <condition_variable>
 #include <mutex>
 #include <utility>
@@ -46,6 +42,7 @@ struct Disk {
     std::mutex mutex;
     std::condition_variable changed;
     bool isStuck = false;
+    int error = 0; // of files; 0 when they get there
     int files = 0;
     int names = 0;
 };
@@ -64,7 +61,9 @@ int bring(int& count)
 // In place of the C library's.
 extern "C" int fdatasync(int)
 {
-    return bring(Disk::get().files);
+    bring(Disk::get().files);
+    errno = Disk::get().error;
+    return errno == 0 ? 0 : -1;
 }
 
 extern "C" int fsync(int)
@@ -74,44 +73,7 @@ extern "C" int fsync(int)
 
 namespace {
 
-class RecordingRecoveryTest : public RecordingFixture {
-protected:
-    void recover()
-    {
-        manager->recover(
-            [this](const QUrl& file, bool asGIF) { recovered.emplace_back(file, asGIF); });
-    }
-
-    /// The program goes; `films` says whether the tool leaves a film meanwhile.
-    void crash(bool films = true)
-    {
-        if (films && manager->state() != RecordingState::paused)
-            write(runs.back()->file(), "film");
-        makeManager();
-    }
-
-    QJsonObject journal() const
-    {
-        const QStringList names = journals();
-        return names.size() == 1
-                   ? QJsonDocument::fromJson(contents(segmentFolder() + u'/' + names.front()))
-                         .object()
-                   : QJsonObject();
-    }
-
-    int lostAttempts() const { return journal().value(QStringLiteral("lostAttempts")).toInt(-1); }
-
-    QString journalPath() const { return segmentFolder() + u'/' + journals().value(0); }
-
-    void startAsGIF()
-    {
-        auto asGIF = session();
-        asGIF.asGIF = true;
-        manager->start(asGIF);
-    }
-
-    std::vector<std::pair<QUrl, bool>> recovered;
-};
+class RecordingRecoveryTest : public RecordingRecoveryFixture {};
 
 } // namespace
 
@@ -157,6 +119,18 @@ TEST_F(RecordingRecoveryTest, TheJournalIsBroughtToTheDiskAndASlowOneKeepsNobody
     disk.setStuck(false);
     Background::threads().waitForDone();
     EXPECT_EQ(disk.takeCounts(), std::pair(1, 1));
+}
+
+TEST_F(RecordingRecoveryTest, AFileSystemThatBringsNothingToItsDiskHasJournalsToo)
+{
+    for (const int error : {EINVAL, EIO}) {
+        Disk::get().error = error;
+        start();
+        EXPECT_EQ(journals().size(), error == EINVAL ? 1 : 0);
+        Disk::get().error = 0;
+        manager->stop(true);
+        end(false);
+    }
 }
 
 TEST_F(RecordingRecoveryTest, TheJournalStaysUntilTheFilmIsThere)
@@ -345,6 +319,29 @@ TEST_F(RecordingRecoveryTest, ASegmentThatComesAfterItsDiscardDoesNotStay)
     EXPECT_TRUE(isTidy());
 }
 
+TEST_F(RecordingRecoveryTest, AToolThatStillFilmsWhatIsThrownAwayIsWaitedForToo)
+{
+    for (const bool restarts : {false, true}) {
+        start();
+        const int tools = dup(run(runs.size() - 1).command.sharedDescriptor);
+        runs.back()->endsInTime = false;
+        if (restarts)
+            manager->restart();
+        else
+            manager->stop(true);
+        EXPECT_TRUE(journal().value(QStringLiteral("discarded")).toBool());
+        const QString late = runs.back()->file();
+        makeManager();
+        recover();
+        EXPECT_EQ(journals().size(), 1);
+        write(late, "film");
+        close(tools);
+        clock.advance(1s);
+        EXPECT_TRUE(exports.empty());
+        EXPECT_TRUE(isTidy());
+    }
+}
+
 TEST_F(RecordingRecoveryTest, AnotherProcessThatHoldsAJournalKeepsIt)
 {
     start();
@@ -420,101 +417,6 @@ TEST_F(RecordingRecoveryTest, AJournalOfANewerProgramIsLeftToIt)
     EXPECT_TRUE(exports.empty());
     EXPECT_EQ(contents(path), newer);
     EXPECT_EQ(named("*").size(), 2); // with the segment
-}
-
-TEST_F(RecordingRecoveryTest, SegmentsThatEndTheProgramThreeTimesAreLeftAlone)
-{
-    start();
-    crash();
-    for (int attempt = 1; attempt <= 3; ++attempt) {
-        recover();
-        ASSERT_EQ(exports.size(), static_cast<std::size_t>(attempt));
-        EXPECT_EQ(lostAttempts(), attempt);
-        const QByteArray whileExporting = contents(journalPath());
-        // An end that is none of its doing does not count.
-        makeManager();
-        exports.back().completion = {};
-        EXPECT_EQ(lostAttempts(), 0);
-        write(journalPath(), whileExporting);
-    }
-    recover();
-    EXPECT_EQ(exports.size(), 3u);
-    EXPECT_TRUE(journals().isEmpty());
-    EXPECT_EQ(named("*.broken").size(), 1);
-    EXPECT_EQ(segmentFiles().size(), 1);
-}
-
-TEST_F(RecordingRecoveryTest, AFilmThatCannotBePutInItsPlaceIsNotGivenUp)
-{
-    start();
-    crash();
-    recover();
-    QDir(folder.filePath(QStringLiteral("captures"))).removeRecursively();
-    complete(MovieExport::End::impossible);
-    ASSERT_TRUE(runUntil([this] { return lostAttempts() == 0; }));
-}
-
-TEST_F(RecordingRecoveryTest, SegmentsThatCannotBeReadAreTriedAgainAndStay)
-{
-    start();
-    recordAndPause();
-    manager->togglePause();
-    manager->stop(false);
-    end();
-    for (int attempt = 0; attempt <= 3; ++attempt) {
-        ASSERT_EQ(exports.size(), static_cast<std::size_t>(attempt) + 1);
-        complete(MovieExport::End::unreadable);
-        exports.back().completion = {};
-        EXPECT_EQ(lostAttempts(), attempt);
-        EXPECT_EQ(segmentFiles().size(), 2);
-        makeManager();
-        recover();
-    }
-    EXPECT_THAT(results, ElementsAre(QUrl()));
-    EXPECT_TRUE(recovered.empty());
-    EXPECT_EQ(exports.size(), 4u);
-    EXPECT_EQ(named("*.broken").size(), 1);
-    EXPECT_EQ(segmentFiles().size(), 2);
-}
-
-TEST_F(RecordingRecoveryTest, WhatHasFailedWaitsForTheNextStartThoughAToolIsWaitedFor)
-{
-    start();
-    recordAndPause();
-    manager->togglePause();
-    crash();
-    start();
-    const int tools = dup(runs.back()->command.sharedDescriptor);
-    crash();
-    recover();
-    ASSERT_EQ(exports.size(), 1u);
-    complete(MovieExport::End::unreadable);
-    exports.back().completion = {};
-    for (int second = 0; second < 60; ++second)
-        clock.advance(1s);
-    EXPECT_EQ(exports.size(), 1u);
-    close(tools);
-    clock.advance(10s);
-    EXPECT_EQ(exports.size(), 2u); // of the other
-}
-
-TEST_F(RecordingRecoveryTest, FilmsAreMadeOneByOneAndTheDangerousLast)
-{
-    start();
-    crash();
-    const QString dangerous = run(0).file();
-    write(journalPath(), contents(journalPath()).replace("Attempts\": 0", "Attempts\": 1"));
-    start();
-    crash();
-    recover();
-    ASSERT_EQ(exports.size(), 1u);
-    EXPECT_EQ(exports[0].sources, QStringList{run(1).file()});
-    complete(MovieExport::End::completed);
-    ASSERT_EQ(exports.size(), 2u);
-    EXPECT_EQ(exports[1].sources, QStringList{dangerous});
-    complete(MovieExport::End::completed);
-    EXPECT_EQ(recovered.size(), 2u);
-    EXPECT_TRUE(isTidy());
 }
 
 TEST_F(RecordingRecoveryTest, OnlyPlainFilesAreTakenForJournals)

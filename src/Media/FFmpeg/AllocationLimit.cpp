@@ -28,7 +28,10 @@ std::multiset<std::int64_t>& limits()
 
 void apply()
 {
-    const std::int64_t most = limits().empty() ? AllocationLimit::lowest : *limits().rbegin();
+    static std::int64_t highestOfAll = AllocationLimit::lowest;
+    if (!limits().empty())
+        highestOfAll = std::max(highestOfAll, *limits().rbegin());
+    const std::int64_t most = limits().empty() ? highestOfAll : *limits().rbegin();
     av_max_alloc(static_cast<std::size_t>(most));
 }
 

@@ -1,21 +1,13 @@
 #include "Media/FFmpeg/Video.h"
 
+#include "Media/FFmpeg/Ticks.h"
+
 #include <QFile>
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace {
-
-/// In the ticks of `base`, rounded down but for a microsecond.
-std::int64_t ticksAt(double seconds, AVRational base)
-{
-    constexpr double microsecond = 1e-6;
-    constexpr double most = 4e18;
-    const double ticks = std::floor((seconds + microsecond) / av_q2d(base));
-    return std::isnan(ticks) ? 0 : static_cast<std::int64_t>(std::clamp(ticks, -most, most));
-}
 
 std::optional<double> longestTrack(const AVFormatContext& file)
 {

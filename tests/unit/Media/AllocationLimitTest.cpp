@@ -68,5 +68,7 @@ TEST(AllocationLimit, IsTheHighestOfThoseThatLive)
     }
     EXPECT_TRUE(canAllocate(239 * mega));
     large.reset();
+    EXPECT_TRUE(canAllocate(239 * mega)); // who plays the large file
+    const AllocationLimit small(1);
     EXPECT_FALSE(canAllocate(129 * mega));
 }

@@ -108,8 +108,8 @@ TEST_F(Unreadable, IsNotTheEndOfASegmentThatIsJoined)
 TEST_F(Unreadable, IsNotTheEndOfASegmentThatIsCopied)
 {
     setBad("a.mov", m_size / 2);
-    expectUnreadable(MovieExport::remux(path("a.mov"), path("film.mp4")), MovieExport::End::failed,
-                     "a.mov");
+    expectUnreadable(MovieExport::remux(path("a.mov"), path("film.mp4")),
+                     MovieExport::End::unreadable, "a.mov");
 }
 
 TEST_F(Unreadable, IsNotTheEndOfSoundThatBecomesAac)
@@ -119,6 +119,6 @@ TEST_F(Unreadable, IsNotTheEndOfSoundThatBecomesAac)
     // Who reads the pictures does not get as far as that.
     const auto size = static_cast<off_t>(std::filesystem::file_size(m_folder / "a.mov"));
     setBad("a.mov", size / 2);
-    expectUnreadable(MovieExport::remux(path("a.mov"), path("film.mp4")), MovieExport::End::failed,
-                     "a.mov");
+    expectUnreadable(MovieExport::remux(path("a.mov"), path("film.mp4")),
+                     MovieExport::End::unreadable, "a.mov");
 }

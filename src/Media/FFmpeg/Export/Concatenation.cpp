@@ -30,12 +30,13 @@ public:
     {
     }
 
-    PossibleFailure run(const std::vector<std::string>& paths);
-
-    /// Whether it failed since some of a segment could not be read.
-    bool metUnreadable() const { return m_patience.unreadable().has_value(); }
+    MovieExport::Outcome run(const std::vector<std::string>& paths)
+    {
+        return ExportPatience::outcome(m_patience, makeMovie(paths));
+    }
 
 private:
+    PossibleFailure makeMovie(const std::vector<std::string>& paths);
     PossibleFailure inspect(const std::vector<std::string>& paths);
     PossibleFailure findKind();
     PossibleFailure addTracks();
@@ -51,14 +52,13 @@ private:
     PictureKind m_kind;
     std::vector<std::uint8_t> m_turn; // the first segment's matrix, as FFmpeg has it; may be empty
     Av::Parameters m_parameters;      // of the pictures
-    std::unique_ptr<OutputFile> m_output;
     std::unique_ptr<MovieWriter> m_movie;
     AVStream* m_pictures = nullptr;
     std::unique_ptr<SoundJoin> m_sound; // null when there is none
     Av::Packet m_held;                  // how long it shows is known when the next one is there
 };
 
-PossibleFailure Concatenation::run(const std::vector<std::string>& paths)
+PossibleFailure Concatenation::makeMovie(const std::vector<std::string>& paths)
 {
     if (PossibleFailure failure = inspect(paths))
         return failure;
@@ -110,11 +110,7 @@ PossibleFailure Concatenation::addTracks()
     if (!encoder)
         return encoder.failure();
     m_parameters = encoder->parameters();
-    auto output = OutputFile::create(m_destination);
-    if (!output)
-        return output.failure();
-    m_output = std::move(*output);
-    auto movie = MovieWriter::create(*m_output);
+    auto movie = MovieWriter::create(m_destination);
     if (!movie)
         return movie.failure();
     m_movie = std::move(*movie);
@@ -215,9 +211,5 @@ MovieExport::Outcome concatenateMovies(const QStringList& segments, const QStrin
     std::vector<std::string> paths;
     for (const QString& segment : segments)
         paths.push_back(QFile::encodeName(segment).toStdString());
-    Concatenation concatenation(QFile::encodeName(destination).toStdString(), cancellation);
-    MovieExport::Outcome outcome = ExportPatience::outcome(cancellation, concatenation.run(paths));
-    if (!outcome.succeeded() && concatenation.metUnreadable())
-        outcome.end = MovieExport::End::unreadable;
-    return outcome;
+    return Concatenation(QFile::encodeName(destination).toStdString(), cancellation).run(paths);
 }

@@ -20,15 +20,24 @@ inline Failure cancelled()
     return {"it was cancelled"};
 }
 
-/// What fails when it is cancelled fails for that reason.
-inline MovieExport::Outcome outcome(const Cancellation& cancellation,
-                                    const PossibleFailure& failure)
+/// What ends before the end of its source: of `patience`, why. Nothing when that was the end.
+inline PossibleFailure cutShort(const Patience& patience)
 {
-    if (failure && cancellation.isCancelled())
+    if (patience.isOver())
+        return cancelled();
+    return patience.unreadable();
+}
+
+/// How what ended with `failure`, or well, is told. What fails when it is cancelled fails for that
+/// reason; `unreadable` is what failed otherwise since a disk did.
+inline MovieExport::Outcome outcome(const Patience& patience, const PossibleFailure& failure,
+                                    MovieExport::End unreadable = MovieExport::End::unreadable)
+{
+    if (!failure)
+        return {MovieExport::End::completed, {}};
+    if (patience.isOver())
         return {MovieExport::End::failed, cancelled().message};
-    if (failure)
-        return {MovieExport::End::failed, failure->message};
-    return {MovieExport::End::completed, {}};
+    return {patience.unreadable() ? unreadable : MovieExport::End::failed, failure->message};
 }
 
 } // namespace ExportPatience

@@ -1,6 +1,5 @@
 #include "Media/FFmpeg/Export/MovieReader.h"
 
-#include "Media/Av/Text.h"
 #include "Media/FFmpeg/Export/MovieWriter.h"
 #include "Media/FFmpeg/Tracks.h"
 
@@ -68,12 +67,4 @@ bool MovieReader::read(AVPacket& packet)
         return true;
     }
     return false;
-}
-
-PossibleFailure MovieReader::readFailure()
-{
-    const int error = m_file->context().pb->error;
-    if (error < 0 && error != AVERROR_EOF)
-        return Failure{"cannot read " + m_path + ": " + Av::text(error)};
-    return {};
 }

@@ -11,6 +11,7 @@ public:
     static Result<std::unique_ptr<MovieReader>> open(const std::string& path,
                                                      const Patience& patience);
 
+    const std::string& path() const { return m_path; }
     AVStream& picture() { return m_picture; }
     AVStream* sound() { return m_sound; } ///< Null when there is none.
 
@@ -25,11 +26,8 @@ public:
     bool seek(std::int64_t time);
 
     /// The next packet, with how long it shows or sounds. False at the end, where the file is
-    /// broken off, and when patience is over.
+    /// broken off or cannot be read, and when patience is over.
     bool read(AVPacket& packet);
-
-    /// After the end: a disk that cannot be read is not the file's end.
-    PossibleFailure readFailure();
 
     static Failure noPictureIn(const std::string& path)
     {

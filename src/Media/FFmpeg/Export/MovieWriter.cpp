@@ -1,5 +1,6 @@
 #include "Media/FFmpeg/Export/MovieWriter.h"
 
+#include "Media/Av/H264Encoder.h"
 #include "Media/Av/Text.h"
 #include "Media/FFmpeg/Export/ExportPatience.h"
 
@@ -10,15 +11,15 @@
 namespace {
 
 constexpr int bufferSize = 1 << 18;
-/// Ticks a second in which the beginnings of tracks are given. Those of pictures are exact then,
-/// those of sound to half a sample.
-constexpr int movieTicks = 90000;
 
 } // namespace
 
-Result<std::unique_ptr<MovieWriter>> MovieWriter::create(OutputFile& file)
+Result<std::unique_ptr<MovieWriter>> MovieWriter::create(const std::string& path)
 {
-    std::unique_ptr<MovieWriter> writer(new MovieWriter(file));
+    auto file = OutputFile::create(path);
+    if (!file)
+        return file.failure();
+    std::unique_ptr<MovieWriter> writer(new MovieWriter(std::move(*file)));
     if (const PossibleFailure failure = writer->open())
         return *failure;
     return writer;
@@ -90,7 +91,8 @@ PossibleFailure MovieWriter::begin(std::optional<std::int64_t> indexRoom)
         av_dict_set_int(&options, "moov_size", *indexRoom, 0);
     else
         av_dict_set(&options, "movflags", "+faststart", 0);
-    av_dict_set_int(&options, "movie_timescale", movieTicks, 0);
+    // In which the beginnings of tracks are given: those of sound are exact to half a sample.
+    av_dict_set_int(&options, "movie_timescale", H264Encoder::ticksASecond, 0);
     const int error = avformat_write_header(m_output.get(), &options);
     av_dict_free(&options);
     if (error < 0)
@@ -118,12 +120,9 @@ PossibleFailure MovieWriter::publish(const Patience& patience)
 {
     if (PossibleFailure failure = finish())
         return failure;
-    if (patience.isOver())
-        return ExportPatience::cancelled();
-    // A disk that cannot be read is not the end of a film.
-    if (PossibleFailure failure = patience.unreadable())
+    if (PossibleFailure failure = ExportPatience::cutShort(patience))
         return failure;
-    return m_file.publish();
+    return m_file->publish();
 }
 
 PossibleFailure MovieWriter::finish()
@@ -146,7 +145,7 @@ int MovieWriter::write(void* place, std::uint8_t* bytes, int size)
     MovieWriter& writer = at.writer;
     if (!writer.m_writeFailure)
         writer.m_writeFailure =
-            writer.m_file.write({bytes, static_cast<std::size_t>(size)}, at.position);
+            writer.m_file->write({bytes, static_cast<std::size_t>(size)}, at.position);
     if (writer.m_writeFailure)
         return AVERROR(EIO);
     at.position += size;
@@ -157,7 +156,7 @@ int MovieWriter::read(void* place, std::uint8_t* bytes, int size)
 {
     Place& at = *static_cast<Place*>(place);
     const std::int64_t count =
-        at.writer.m_file.read({bytes, static_cast<std::size_t>(size)}, at.position);
+        at.writer.m_file->read({bytes, static_cast<std::size_t>(size)}, at.position);
     if (count < 0)
         return AVERROR(errno);
     at.position += count;
@@ -169,14 +168,14 @@ std::int64_t MovieWriter::seek(void* place, std::int64_t offset, int whence)
     Place& at = *static_cast<Place*>(place);
     switch (whence & ~AVSEEK_FORCE) {
     case AVSEEK_SIZE:
-        return at.writer.m_file.size();
+        return at.writer.m_file->size();
     case SEEK_SET:
         break;
     case SEEK_CUR:
         offset += at.position;
         break;
     case SEEK_END:
-        offset += at.writer.m_file.size();
+        offset += at.writer.m_file->size();
         break;
     default:
         return AVERROR(EINVAL);

@@ -5,13 +5,14 @@
 #include "Support/OutputFile.h"
 
 #include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 /// Writes packets into an MP4 file whose index comes first.
 class MovieWriter {
 public:
-    /// `file` outlives this.
-    static Result<std::unique_ptr<MovieWriter>> create(OutputFile& file);
+    static Result<std::unique_ptr<MovieWriter>> create(const std::string& path);
     MovieWriter(const MovieWriter&) = delete;
     MovieWriter& operator=(const MovieWriter&) = delete;
 
@@ -48,8 +49,8 @@ private:
         std::int64_t lastTime = INT64_MIN; // in the ticks that the file has for it
     };
 
-    explicit MovieWriter(OutputFile& file)
-        : m_file(file)
+    explicit MovieWriter(std::unique_ptr<OutputFile> file)
+        : m_file(std::move(file))
     {
     }
     PossibleFailure open();
@@ -63,7 +64,7 @@ private:
                          AVDictionary**);
     static int closeAgain(AVFormatContext* context, AVIOContext* io);
 
-    OutputFile& m_file;
+    std::unique_ptr<OutputFile> m_file;
     PossibleFailure m_writeFailure; // why the file could not be written
     Place m_end{*this};
     Place m_again{*this}; // where what was written is read

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Media/Av/H264Encoder.h"
 #include "Media/Av/Handles.h"
 #include "Media/FFmpeg/Patience.h"
 #include "Support/Result.h"
@@ -11,7 +12,7 @@
 /// What is known of a movie that is to be joined with others.
 struct Segment {
     /// Ticks a second of movies' own times: those of pictures are exact in them.
-    static constexpr int ticksASecond = 90000;
+    static constexpr int ticksASecond = H264Encoder::ticksASecond;
 
     std::string path;
     std::int64_t fileSize = 0; ///< In bytes.

@@ -2,18 +2,18 @@
 
 #include "Media/FFmpeg/Export/DecodingTimes.h"
 #include "Media/FFmpeg/Export/ExportPatience.h"
-#include "Media/FFmpeg/Export/MovieReader.h"
-#include "Media/FFmpeg/Export/MovieWriter.h"
-#include "Media/FFmpeg/Export/SoundJoin.h"
+#include "Media/FFmpeg/Export/MovieCopy.h"
+#include "Media/FFmpeg/Export/PartBeginning.h"
 #include "Media/FFmpeg/Export/Vp9.h"
+#include "Media/FFmpeg/Ticks.h"
 
 #include <QFile>
 
 #include <algorithm>
-#include <cmath>
 #include <deque>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -22,17 +22,8 @@ namespace {
 constexpr double margin = 10;
 /// Decoded before the first sample that is heard, in seconds: what it builds upon.
 constexpr double preroll = 0.1;
-/// How long what is not to be seen shows in a player that shows it, in seconds: less than screens
-/// notice, more than players take for the same time.
-constexpr double hiddenTime = 0.01;
-
-/// From the beginning of a film; rounded down but for a microsecond, as FrameReader does.
-std::int64_t ticksAt(double seconds, AVRational base)
-{
-    constexpr double microsecond = 1e-6, most = 1e9;
-    return static_cast<std::int64_t>(
-        std::floor((std::clamp(seconds, 0.0, most) + microsecond) / av_q2d(base)));
-}
+/// Of a film, in seconds: more has no place in ticks.
+constexpr double longest = 1e9;
 
 /// A part of one movie on its way into another file.
 ///
@@ -52,15 +43,14 @@ public:
     {
     }
 
-    PossibleFailure run();
+    MovieExport::Outcome run()
+    {
+        // It is asked for anew, if at all.
+        return ExportPatience::outcome(m_patience, makeMovie(), MovieExport::End::failed);
+    }
 
 private:
-    /// A part of a track, in its ticks.
-    struct Span {
-        std::int64_t begin = 0;
-        std::int64_t end = 0;
-    };
-
+    PossibleFailure makeMovie();
     PossibleFailure open();
     PossibleFailure readAll();
     PossibleFailure take(Av::Packet packet);
@@ -69,16 +59,11 @@ private:
     PossibleFailure takeSound(Av::Packet packet);
     PossibleFailure checkHeld() const;
     PossibleFailure settle();
-    bool beginWithShown();
-    void hurryUpTo(const AVPacket& shown);
-    PossibleFailure addTracks();
-    PossibleFailure addSoundTrack();
+    PossibleFailure beginMovie();
     PossibleFailure addPicture(Av::Packet packet);
     PossibleFailure put(Av::Packet picture);
     PossibleFailure writeHeld();
     PossibleFailure addSound(Av::Packet packet);
-    PossibleFailure finish();
-    Failure nothingThere() const { return {"nothing plays then in " + m_source}; }
 
     std::string m_source;
     double m_start, m_stop; // in seconds
@@ -88,7 +73,7 @@ private:
     std::unique_ptr<MovieReader> m_reader;
     AVStream* m_picture = nullptr; // the source's
     AVStream* m_sound = nullptr;   // the source's; null when there is none
-    Span m_shown, m_heard;         // in the source's ticks
+    TrackPart m_shown, m_heard;    // in the source's ticks
     Av::Packet m_packet;
     std::optional<DecodingTimes> m_order; // absent when the source says itself
 
@@ -98,22 +83,18 @@ private:
     bool m_hasAllPictures = false, m_hasAllSound = false;
     std::int64_t m_soundUntil = INT64_MIN; // so much of it was read
 
-    std::unique_ptr<OutputFile> m_output;
-    std::unique_ptr<MovieWriter> m_movie;
-    AVStream* m_copiedPicture = nullptr;
-    AVStream* m_copiedSound = nullptr;      // null when it is encoded
-    std::unique_ptr<SoundJoin> m_soundJoin; // when MP4 has no place for the sound as it is
-    Av::Packet m_held;                      // how long it shows may be known only with the next one
-    std::vector<Av::Packet> m_late;         // show past the end; earlier ones may refer to them
+    std::unique_ptr<MovieCopy> m_copy;
+    Av::Packet m_held;              // how long it shows may be known only with the next one
+    std::vector<Av::Packet> m_late; // show past the end; earlier ones may refer to them
 };
 
-PossibleFailure Trim::run()
+PossibleFailure Trim::makeMovie()
 {
-    for (const auto step : {&Trim::open, &Trim::readAll, &Trim::finish}) {
+    for (const auto step : {&Trim::open, &Trim::readAll, &Trim::writeHeld}) {
         if (PossibleFailure failure = (this->*step)())
             return failure;
     }
-    return m_movie->publish(m_patience);
+    return m_copy->publish();
 }
 
 PossibleFailure Trim::open()
@@ -127,7 +108,8 @@ PossibleFailure Trim::open()
     const AVRational ticks = m_picture->time_base;
     if (!(m_start < m_stop))
         return Failure{"the range is empty"};
-    m_shown = {ticksAt(m_start, ticks), ticksAt(m_stop, ticks)};
+    m_shown = {ticksAt(std::clamp(m_start, 0.0, longest), ticks),
+               ticksAt(std::clamp(m_stop, 0.0, longest), ticks)};
     if (m_shown.begin >= m_shown.end)
         return Failure{"the range is empty"};
     if (m_sound) {
@@ -155,9 +137,7 @@ PossibleFailure Trim::readAll()
         if (PossibleFailure failure = take(std::move(packet)))
             return failure;
     }
-    if (m_patience.isOver())
-        return ExportPatience::cancelled();
-    if (PossibleFailure failure = m_reader->readFailure())
+    if (PossibleFailure failure = ExportPatience::cutShort(m_patience))
         return failure;
     if (m_order) {
         m_order->put(nullptr);
@@ -241,9 +221,13 @@ PossibleFailure Trim::checkHeld() const
 PossibleFailure Trim::settle()
 {
     m_isSettled = true;
-    if (!beginWithShown())
-        return nothingThere();
-    if (PossibleFailure failure = addTracks())
+    const std::int64_t sounds =
+        m_sound && m_soundUntil > m_heard.begin
+            ? av_rescale_q(m_soundUntil - m_heard.begin, m_sound->time_base, m_picture->time_base)
+            : 0;
+    if (!beginPart(m_pictures, m_shown, sounds, m_picture->time_base))
+        return Failure{"nothing plays then in " + m_source};
+    if (PossibleFailure failure = beginMovie())
         return failure;
     for (Av::Packet& packet : std::exchange(m_pictures, {})) {
         if (PossibleFailure failure = addPicture(std::move(packet)))
@@ -256,94 +240,22 @@ PossibleFailure Trim::settle()
     return {};
 }
 
-/// Lets the picture that shows at the beginning begin there: players leave out what begins before.
-/// False when nothing plays in the part.
-bool Trim::beginWithShown()
+PossibleFailure Trim::beginMovie()
 {
-    AVPacket* shown = nullptr;
-    for (const Av::Packet& picture : m_pictures) {
-        if (picture->pts <= m_shown.begin && (!shown || picture->pts >= shown->pts))
-            shown = picture.get();
-    }
-    if (!shown)
-        return !m_pictures.empty() && m_pictures.front()->pts < m_shown.end;
-    const std::int64_t early = m_shown.begin - shown->pts;
-    const bool isLast = m_pictures.back()->dts <= m_shown.begin; // or else that one would be there
-    shown->duration -= early;
-    if (isLast && shown->duration <= 0) {
-        if (!m_sound || m_soundUntil <= m_heard.begin)
-            return false;
-        // It stays as long as there is sound.
-        shown->duration =
-            av_rescale_q(m_soundUntil - m_heard.begin, m_sound->time_base, m_picture->time_base);
-    }
-    if (shown->dts == shown->pts)
-        shown->dts = m_shown.begin;
-    shown->pts = m_shown.begin;
-    hurryUpTo(*shown);
-    return true;
-}
-
-/// Moves all that comes before it together, since nobody is to see it: some players (mpv) do show
-/// what an edit list leaves out. But not up to it, since they take what is near a time that they
-/// seek for what is there.
-void Trim::hurryUpTo(const AVPacket& shown)
-{
-    const auto end =
-        std::find_if(m_pictures.begin(), m_pictures.end(),
-                     [&](const Av::Packet& picture) { return picture.get() == &shown; });
-    if (std::any_of(m_pictures.begin(), end,
-                    [](const Av::Packet& picture) { return picture->pts != picture->dts; }))
-        return;
-    const std::int64_t gap = ticksAt(hiddenTime, m_picture->time_base) + 1;
-    std::int64_t time = shown.dts - gap - (end - m_pictures.begin());
-    for (auto picture = m_pictures.begin(); picture != end; ++picture, ++time)
-        (*picture)->pts = (*picture)->dts = time;
-}
-
-PossibleFailure Trim::addTracks()
-{
-    auto output = OutputFile::create(m_destination);
-    if (!output)
-        return output.failure();
-    m_output = std::move(*output);
-    auto movie = MovieWriter::create(*m_output);
-    if (!movie)
-        return movie.failure();
-    m_movie = std::move(*movie);
-    m_copiedPicture = m_movie->addCopyOf(*m_picture);
-    if (!m_copiedPicture)
-        return Failure{"there is no memory left"};
-    if (PossibleFailure failure = describeVp9(*m_copiedPicture->codecpar, *m_pictures.front()))
-        return failure;
-    if (PossibleFailure failure = addSoundTrack())
-        return failure;
-    return m_movie->begin();
-}
-
-PossibleFailure Trim::addSoundTrack()
-{
-    if (!m_sound)
-        return {};
-    if (MovieWriter::canHold(*m_sound->codecpar)) {
-        m_copiedSound = m_movie->addCopyOf(*m_sound);
-        return m_copiedSound ? std::nullopt : PossibleFailure(Failure{"there is no memory left"});
-    }
-    if (!SoundReader::open(m_source, m_patience))
-        return {};
     const auto samples = [&](std::int64_t ticks) {
         return av_rescale_q(ticks, m_picture->time_base, {1, SoundWriter::rate});
     };
     // No silence is made up behind the film's end.
     const std::int64_t length = samples(m_shown.end - m_shown.begin);
-    const bool endsBefore = m_sound->duration > 0 && m_heard.end < m_sound->duration;
-    auto join = SoundJoin::create(
-        {{m_source, -samples(m_shown.begin), endsBefore ? std::optional(length) : std::nullopt}},
-        *m_movie, m_patience);
-    if (!join)
-        return join.failure();
-    m_soundJoin = std::move(*join);
-    return {};
+    const bool endsBefore = m_sound && m_sound->duration > 0 && m_heard.end < m_sound->duration;
+    auto copy = MovieCopy::create(m_destination, *m_reader, m_patience, -samples(m_shown.begin),
+                                  endsBefore ? std::optional(length) : std::nullopt);
+    if (!copy)
+        return copy.failure();
+    m_copy = std::move(*copy);
+    if (PossibleFailure failure = describeVp9(m_copy->pictureParameters(), *m_pictures.front()))
+        return failure;
+    return m_copy->begin();
 }
 
 PossibleFailure Trim::addPicture(Av::Packet packet)
@@ -384,28 +296,15 @@ PossibleFailure Trim::writeHeld()
     packet->duration = std::max<std::int64_t>(packet->duration, 1);
     packet->pts -= m_shown.begin;
     packet->dts -= m_shown.begin;
-    const std::int64_t sample =
-        av_rescale_q(packet->dts, m_picture->time_base, {1, SoundWriter::rate});
-    if (PossibleFailure failure = m_movie->add(*packet, *m_copiedPicture))
-        return failure;
-    return m_soundJoin ? m_soundJoin->writeUpTo(sample) : std::nullopt;
+    return m_copy->addPicture(*packet);
 }
 
 PossibleFailure Trim::addSound(Av::Packet packet)
 {
-    if (!m_copiedSound)
-        return {};
     packet->duration = std::min(packet->duration, m_heard.end - packet->pts);
     packet->pts -= m_heard.begin;
     packet->dts -= m_heard.begin;
-    return m_movie->add(*packet, *m_copiedSound);
-}
-
-PossibleFailure Trim::finish()
-{
-    if (PossibleFailure failure = writeHeld())
-        return failure;
-    return m_soundJoin ? m_soundJoin->finish() : std::nullopt;
+    return m_copy->addSound(*packet);
 }
 
 } // namespace
@@ -421,8 +320,7 @@ MovieExport::Outcome trimMovieHolding(std::size_t mostHeld, const QString& sourc
                                       double end, const QString& destination,
                                       const Cancellation& cancellation)
 {
-    return ExportPatience::outcome(
-        cancellation, Trim(QFile::encodeName(source).toStdString(), start, end,
-                           QFile::encodeName(destination).toStdString(), mostHeld, cancellation)
-                          .run());
+    return Trim(QFile::encodeName(source).toStdString(), start, end,
+                QFile::encodeName(destination).toStdString(), mostHeld, cancellation)
+        .run();
 }

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+/// Takes a file away. Its name goes at once, its space beside the caller's work: that of gigabytes
+/// takes a disk up to a second. A failure is no harm to anybody. Any thread.
+void removeFile(const QString& path);
