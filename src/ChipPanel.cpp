@@ -127,7 +127,10 @@ void ChipPanel::closeEvent(QCloseEvent* event)
 void ChipPanel::updateBody()
 {
     m_bodyScale = devicePixelRatioF();
-    Platform::setBody(*this, body(), ChipView::cornerRadius);
+    // Where there is no shadow, its innermost point is: a black line, without which a picture of
+    // something white would be lost on white.
+    const double rim = Platform::isComposited() ? 0 : 1;
+    Platform::setBody(*this, body().adjusted(-rim, -rim, rim, rim), ChipView::cornerRadius + rim);
 }
 
 void ChipPanel::showEvent(QShowEvent*)

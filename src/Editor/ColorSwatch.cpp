@@ -31,7 +31,11 @@ void ColorSwatch::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Annotation::color(m_hex));
-    painter.drawEllipse(rect());
+    // Through a gap between the border of the chosen colour and the colour one sees the bar, so
+    // that it is a border around the accent colour too.
+    constexpr double gap = 1;
+    const double inset = m_isHighlighted ? borderWidth() + gap : 0;
+    painter.drawEllipse(QRectF(rect()).adjusted(inset, inset, -inset, -inset));
     // The border lies inside the circle.
     const double half = borderWidth() / 2;
     painter.setPen(QPen(borderColor(), borderWidth()));

@@ -17,7 +17,12 @@ LabelField::LabelField(QWidget* parent)
     setAccessibleName(QStringLiteral("Label text"));
     setPlaceholderText(QStringLiteral("Text…"));
     setFrame(false);
-    setTextMargins(0, 0, 0, 0);
+    // The text stands where the label will: in the corner. What is taken back here is the distance
+    // that every line edit keeps from its text.
+    constexpr int ownMarginAtSides = 2;
+    constexpr int ownMarginBelow = 1;
+    setAlignment(Qt::AlignLeft | Qt::AlignBottom);
+    setTextMargins(-ownMarginAtSides, 0, -ownMarginAtSides, -ownMarginBelow);
     setAutoFillBackground(false);
 }
 

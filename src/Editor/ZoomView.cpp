@@ -19,6 +19,14 @@ constexpr double keyStep = 1.25;
 /// For a degree of a wheel's turn; a notch has fifteen.
 constexpr double wheelStep = 1.0125;
 
+/// Dark as what is around them, whatever the desktop's colours are.
+QPalette scrollBarLook()
+{
+    QPalette look(QColor(0x42, 0x46, 0x4E), Platform::underPageColor());
+    look.setColor(QPalette::Base, Platform::underPageColor());
+    return look;
+}
+
 } // namespace
 
 ZoomView::ZoomView(CanvasView* canvas, QWidget* parent)
@@ -33,6 +41,8 @@ ZoomView::ZoomView(CanvasView* canvas, QWidget* parent)
     QPalette look = palette();
     look.setColor(QPalette::Window, Platform::underPageColor());
     setPalette(look);
+    for (QScrollBar* bar : {horizontalScrollBar(), verticalScrollBar()})
+        bar->setPalette(scrollBarLook());
     setWidget(canvas);
     viewport()->grabGesture(Qt::PinchGesture);
 }

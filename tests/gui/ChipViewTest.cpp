@@ -75,6 +75,11 @@ TEST_F(ChipViewTest, AFractionOfAPointIsNoPartOfTheChip)
     ASSERT_EQ(view.size(), QSize(220, 97));
     EXPECT_EQ(view.body(), QRectF(0, 1, 220, 96));
     EXPECT_EQ(FakePlatform::current().bodies.at(&panel), QRectF(18, 19, 220, 96));
+    // Without a compositor a dark line of the shadow is left.
+    FakePlatform::current().composited = false;
+    panel.hide();
+    panel.show();
+    EXPECT_EQ(FakePlatform::current().bodies.at(&panel), QRectF(17, 18, 222, 98));
 
     QEnterEvent enter({110, 50}, {110, 50}, {110, 50});
     QCoreApplication::sendEvent(&view, &enter);

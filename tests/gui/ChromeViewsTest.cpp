@@ -1,6 +1,9 @@
 #include "ChromeViews.h"
 
+#include "SoftShadow.h"
 #include "gui/Rendered.h"
+
+#include <QPainter>
 
 #include <gtest/gtest.h>
 
@@ -97,4 +100,38 @@ TEST(ChromeSeparator, IsAHairlineInTheMiddle)
         expectColor(image, {2, y}, line);
         expectColor(image, {3, y}, ground);
     }
+}
+
+TEST(SoftShadow, GetsFainterWithEveryPixelOnEverySide)
+{
+    constexpr int reach = static_cast<int>(SoftShadow::reach);
+    const QRect body(reach, reach, 60, 40);
+    QImage image(60 + 2 * reach, 40 + 2 * reach, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    SoftShadow::paint(painter, body, 12);
+    painter.end();
+    const auto alpha = [&](QPoint p) { return qAlpha(image.pixel(p)); };
+    struct Side {
+        const char* name;
+        QPoint edge; // the first pixel outside the body
+        QPoint outwards;
+    };
+    for (const Side& side : {Side{"below", {body.center().x(), body.bottom() + 1}, {0, 1}},
+                             Side{"above", {body.center().x(), body.top() - 1}, {0, -1}},
+                             Side{"left", {body.left() - 1, body.center().y()}, {-1, 0}}})
+    {
+        SCOPED_TRACE(side.name);
+        int before = 255;
+        int pixels = 0;
+        for (QPoint p = side.edge; image.rect().contains(p) && before > 3; p += side.outwards) {
+            EXPECT_LT(alpha(p), before) << pixels;
+            before = alpha(p);
+            ++pixels;
+        }
+        EXPECT_LE(before, 3); // it ends before the window does
+        EXPECT_GE(pixels, 7);
+    }
+    EXPECT_GT(alpha({body.center().x(), body.bottom() + 1}),
+              2 * alpha({body.center().x(), body.top() - 1}));
 }

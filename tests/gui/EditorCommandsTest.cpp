@@ -223,6 +223,38 @@ TEST_F(EditorCommands, MarksOfEveryKindCanBeChangedWhenTheyAreBack)
     EXPECT_TRUE(Sidecar::load(QString::fromStdString(path())) == moved);
 }
 
+TEST_F(EditorCommands, ALabelStaysWhereItWasTyped)
+{
+    // The box around all that is red on the canvas, as the screen shows it.
+    const auto ink = [this] {
+        const QImage shown = editor->canvas().grab().toImage();
+        QRect box;
+        for (int y = 0; y < shown.height(); ++y) {
+            for (int x = 0; x < shown.width(); ++x) {
+                const QColor pixel = shown.pixelColor(x, y);
+                if (pixel.red() - pixel.green() > 100)
+                    box |= QRect(x, y, 1, 1);
+            }
+        }
+        return box;
+    };
+    for (const double width : {2.0, 4.0, 7.0}) {
+        SCOPED_TRACE(width);
+        model().setStrokeWidth(width);
+        QTest::keyClicks(beginLabel({60, 70}), QStringLiteral("Hagen"));
+        const QRect typed = ink();
+        press(Qt::Key_Return);
+        const QRect placed = ink();
+        ASSERT_FALSE(typed.isEmpty());
+        // The field has hinted glyphs on whole pixels.
+        EXPECT_NEAR(typed.left(), placed.left(), 1);
+        EXPECT_NEAR(typed.right(), placed.right(), 2);
+        EXPECT_NEAR(typed.top(), placed.top(), 1);
+        EXPECT_NEAR(typed.bottom(), placed.bottom(), 1);
+        press(Qt::Key_Z, control);
+    }
+}
+
 TEST_F(EditorCommands, LinesThatArePastedIntoALabelAreItsLines)
 {
     LabelField* const field = beginLabel({60, 70});

@@ -29,7 +29,7 @@ QString nameOf(const QWidget& control)
 
 } // namespace
 
-TEST(EditorToolbar, TheChosenColourHasAWiderBorderInTheAccentColour)
+TEST(EditorToolbar, TheChosenColourHasAWiderBorderInTheAccentColourAndAGapWithinIt)
 {
     FakePlatform::reset();
     EditorToolbar bar;
@@ -46,24 +46,30 @@ TEST(EditorToolbar, TheChosenColourHasAWiderBorderInTheAccentColour)
             swatch->render(&image, {}, {}, QWidget::RenderFlags());
             // By the distance from the middle, in points; but for pixels on an edge.
             const double width = isChosen ? 2.5 : 1.5;
+            const double gap = isChosen ? 1 : 0;
             const QColor border = isChosen ? QColor(0x0A, 0x84, 0xFF) : QColor(0x40, 0x41, 0x42);
             int bordering = 0;
+            int seenThrough = 0;
             for (int y = 0; y < image.height(); ++y) {
                 for (int x = 0; x < image.width(); ++x) {
                     const double distance =
                         std::hypot((x + 0.5) / ratio - 8, (y + 0.5) / ratio - 8);
                     const double edge = 0.2 + 0.75 / ratio;
-                    if (std::abs(distance - 8) < edge || std::abs(distance - 8 + width) < edge)
+                    if (std::abs(distance - 8) < edge || std::abs(distance - 8 + width) < edge ||
+                        std::abs(distance - 8 + width + gap) < edge)
                         continue;
                     const bool isBorder = distance < 8 && distance > 8 - width;
+                    const bool isGap = distance < 8 - width && distance > 8 - width - gap;
                     bordering += isBorder ? 1 : 0;
-                    ASSERT_EQ(image.pixelColor(x, y), distance > 8 ? QColor(Qt::magenta)
-                                                      : isBorder   ? border
-                                                                   : QColor(hex))
+                    seenThrough += isGap ? 1 : 0;
+                    ASSERT_EQ(image.pixelColor(x, y), distance > 8 || isGap ? QColor(Qt::magenta)
+                                                      : isBorder            ? border
+                                                                            : QColor(hex))
                         << x << ", " << y;
                 }
             }
             EXPECT_GT(bordering, 0);
+            EXPECT_EQ(seenThrough > 0, isChosen && ratio == 8);
         }
     }
 }

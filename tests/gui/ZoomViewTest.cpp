@@ -62,6 +62,15 @@ protected:
     ZoomView view{canvas};
 };
 
+/// From black, 0, to white, 1.
+double brightness(QWidget& widget)
+{
+    const QImage image = widget.grab().toImage();
+    return image.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+        .pixelColor(0, 0)
+        .lightnessF();
+}
+
 void expectNear(QPointF a, QPointF b, double distance)
 {
     EXPECT_NEAR(a.x(), b.x(), distance);
@@ -229,4 +238,17 @@ TEST_F(ZoomViewTest, ASmallPictureStandsInTheMiddle)
     wheel({}, {0, 120}, Qt::ControlModifier, {90, 70});
     settle();
     expectNear(canvas->geometry().center(), middle, 1);
+}
+
+TEST_F(ZoomViewTest, ScrollBarsAreDarkOnALightDesktop)
+{
+    view.setMagnification(4);
+    settle();
+    for (QScrollBar* bar : {view.horizontalScrollBar(), view.verticalScrollBar()}) {
+        ASSERT_TRUE(bar->isVisible());
+        EXPECT_LT(brightness(*bar), 0.35);
+        QScrollBar ordinary(bar->orientation());
+        ordinary.resize(bar->size());
+        EXPECT_GT(brightness(ordinary), 0.6); // the desktop is a light one
+    }
 }
