@@ -72,6 +72,7 @@ struct Editor {
                                                               .openPlayer = Player::open,
                                                               .loader = FilmLoader::system(),
                                                               .readDuration = {},
+                                                              .canTrim = {},
                                                               .trim = {},
                                                               .exportGIF = {}}))
         , frames(controller->playerView())

@@ -79,10 +79,20 @@ void FilmPlayback::play()
         m_playsWhenReady = true;
         return;
     }
-    const int frame = m_frames.frameAt(m_state.time);
-    if (m_state.atEnd || frame >= lastFrame() || frame < firstFrame())
+    if (!hasMore())
         seek(limits().start);
     m_player->play();
+}
+
+bool FilmPlayback::hasMore() const
+{
+    const int frame = m_frames.frameAt(m_state.time);
+    if (m_state.atEnd || frame < firstFrame() || frame > lastFrame())
+        return false;
+    // At the beginning of the last frame is who went there to see the end. Behind it a film was
+    // paused, and sound may go on for long.
+    constexpr double inexactness = 0.005; // seconds
+    return frame < lastFrame() || m_state.time > m_frames.startOf(frame) + inexactness;
 }
 
 void FilmPlayback::pause()

@@ -47,6 +47,7 @@ public:
 
 private:
     void playerChanged();
+    bool hasMore() const;
     int firstFrame() const;
     int lastFrame() const;
 

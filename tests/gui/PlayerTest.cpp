@@ -307,8 +307,9 @@ TEST_F(PlayerTest, WhatCannotBePlayedFails)
     writeFile(*films / "edl.mp4", "# mpv EDL v0\n" + plain() + "\n");
     writeFile(*films / "cut.mp4", whole.substr(0, 64)); // without its index
     ASSERT_EQ(mkfifo((*films / "pipe.mp4").c_str(), 0600), 0);
-    for (const std::string name :
-         {"empty.mp4", "text.mp4", "list.mp4", "edl.mp4", "cut.mp4", "pipe.mp4", "none.mp4", ""})
+    Videos::make({"-f", "lavfi", "-i", "sine=duration=1", *films / "sound.mp4"});
+    for (const std::string name : {"empty.mp4", "text.mp4", "list.mp4", "edl.mp4", "cut.mp4",
+                                   "pipe.mp4", "sound.mp4", "none.mp4", ""})
     {
         SCOPED_TRACE(name);
         open(*films / name);

@@ -120,6 +120,14 @@ TEST_F(PlayerViewTest, AtTheEndPlayingBeginsAgain)
     EXPECT_THAT(record.seeks, ElementsAre(0, 0));
 }
 
+TEST_F(PlayerViewTest, PausedWithinTheLastFrameItGoesOnThere)
+{
+    stand(9.95); // it began at 9.9
+    press(Qt::Key_Space);
+    EXPECT_EQ(record.plays, 1);
+    EXPECT_THAT(record.seeks, ElementsAre());
+}
+
 TEST_F(PlayerViewTest, TheBarShowsWhereTheFilmStands)
 {
     PlayerBar& bar = view().bar();

@@ -53,6 +53,7 @@ constexpr Observed observed[] = {
 /// What we ask for, by number.
 constexpr std::uint64_t seekRequest = 1;
 constexpr std::uint64_t timeRequest = 2;
+constexpr std::uint64_t pictureRequest = 3;
 
 template <typename Value>
 std::optional<Value> valueOf(const mpv_event_property& property)
@@ -129,12 +130,13 @@ void MpvPlayer::take(const mpv_event& event)
     const bool isReply =
         event.event_id == MPV_EVENT_COMMAND_REPLY || event.event_id == MPV_EVENT_GET_PROPERTY_REPLY;
     const bool failedToSeek = isReply && event.reply_userdata == seekRequest && event.error < 0;
+    const bool hasNoPicture = isReply && event.reply_userdata == pictureRequest && event.error < 0;
     const bool hasTime = isReply && event.reply_userdata == timeRequest && event.error >= 0;
     if (event.event_id == MPV_EVENT_PROPERTY_CHANGE || hasTime)
         take(*static_cast<const mpv_event_property*>(event.data));
     else if (event.event_id == MPV_EVENT_PLAYBACK_RESTART || failedToSeek)
         arrived();
-    else if (event.event_id == MPV_EVENT_END_FILE)
+    else if (event.event_id == MPV_EVENT_END_FILE || hasNoPicture)
         fail();
 }
 
@@ -239,7 +241,8 @@ void MpvPlayer::arrived()
 {
     // The first time it tells so of the beginning, which comes after its picture: a seek that was
     // begun before would be taken for done.
-    m_hasBegun = true;
+    if (!std::exchange(m_hasBegun, true)) // sound alone plays too
+        m_film->ask(pictureRequest, "current-tracks/video/id", MPV_FORMAT_INT64);
     m_isSeeking = false;
     if (const auto next = std::exchange(m_nextSeek, std::nullopt))
         startSeek(*next);
