@@ -125,7 +125,7 @@ void TrimHandle::paintEvent(QPaintEvent*)
     painter.drawPath(arrow);
     if (hasFocus()) {
         // On whole pixels at any scale of whole numbers.
-        constexpr double inset = 2.5;
+        constexpr double inset = 1.5;
         painter.setPen(QPen(dark, 1));
         painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset),
                                 radius - inset, radius - inset);
