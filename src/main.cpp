@@ -28,26 +28,30 @@ int exitStatus(Platform::SingleInstance::Role role)
     return role == Platform::SingleInstance::Role::HandedOver ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-std::shared_ptr<Subsystems::Editor> makeImageEditor(const QUrl& image)
+/// What the application has of an editor of `file`, which keeps the editor; null without one.
+template <typename Controller>
+std::shared_ptr<Subsystems::Editor> editorOf(const QUrl& file, std::unique_ptr<Controller> opened)
 {
-    // It may end from within one of its own events.
-    const std::shared_ptr<EditorWindowController> controller(
-        EditorWindowController::open(image, Clock::system()).release(),
-        [](EditorWindowController* closed) {
-            if (closed)
-                closed->deleteLater();
-        });
-    if (!controller)
+    if (!opened)
         return nullptr;
+    Controller& controller = *opened;
+    // It may end from within one of its own events.
+    const std::shared_ptr<Controller> kept(opened.release(),
+                                           [](Controller* closed) { closed->deleteLater(); });
     auto editor = std::make_shared<Subsystems::Editor>();
-    editor->fileURL = image;
-    editor->makeKeyAndOrderFront = [controller] { controller->makeKeyAndOrderFront(); };
+    editor->fileURL = file;
+    editor->makeKeyAndOrderFront = [kept] { kept->makeKeyAndOrderFront(); };
     // The editor's owner drops it meanwhile.
-    controller->onClose = [handle = std::weak_ptr(editor)](EditorWindowController*) {
+    controller.onClose = [handle = std::weak_ptr(editor)](Controller*) {
         if (const auto closed = handle.lock(); closed && closed->onClose)
             closed->onClose(closed.get());
     };
     return editor;
+}
+
+std::shared_ptr<Subsystems::Editor> makeImageEditor(const QUrl& image)
+{
+    return editorOf(image, EditorWindowController::open(image, Clock::system()));
 }
 
 std::optional<double> durationOf(const QString& video)
@@ -80,27 +84,15 @@ makeVideoEditor(const QUrl& video, const decltype(Subsystems::GIF::exportVideo)&
             exportGIF(file, {range.start, range.end - range.start}, destination,
                       std::move(completion));
         };
-    // It may end from within one of its own events.
-    const std::shared_ptr<VideoEditorWindowController> controller(
-        VideoEditorWindowController::open(video, std::move(services)).release(),
-        [](VideoEditorWindowController* closed) {
-            if (closed)
-                closed->deleteLater();
-        });
-    if (!controller)
-        return nullptr;
-    auto editor = std::make_shared<Subsystems::Editor>();
-    editor->fileURL = video;
-    editor->makeKeyAndOrderFront = [controller] { controller->makeKeyAndOrderFront(); };
-    // The editor's owner drops it meanwhile.
-    controller->onClose = [handle = std::weak_ptr(editor)](VideoEditorWindowController*) {
-        if (const auto closed = handle.lock(); closed && closed->onClose)
-            closed->onClose(closed.get());
-    };
-    controller->onFileProduced = [handle = std::weak_ptr(editor)](const QUrl& file) {
-        if (const auto open = handle.lock(); open && open->onFileProduced)
-            open->onFileProduced(file);
-    };
+    auto opened = VideoEditorWindowController::open(video, std::move(services));
+    VideoEditorWindowController* const controller = opened.get();
+    auto editor = editorOf(video, std::move(opened));
+    if (editor) {
+        controller->onFileProduced = [handle = std::weak_ptr(editor)](const QUrl& file) {
+            if (const auto open = handle.lock(); open && open->onFileProduced)
+                open->onFileProduced(file);
+        };
+    }
     return editor;
 }
 

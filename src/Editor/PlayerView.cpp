@@ -4,13 +4,10 @@
 #include "Editor/PlayerBar.h"
 #include "Editor/PlayerSlider.h"
 #include "Editor/TrimBar.h"
-#include "Editor/TrimHandle.h"
-#include "Editor/TrimStrip.h"
 #include "Fade.h"
 #include "Support/Guarded.h"
 
 #include <QKeyEvent>
-#include <QLayout>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
@@ -24,8 +21,6 @@ namespace {
 
 constexpr int barMargin = 12;
 constexpr auto restBeforeHiding = 2500ms;
-/// A window that is being resized gets its new strip when it rests.
-constexpr auto restBeforeReading = 200ms;
 constexpr int manyFrames = 10;
 constexpr double volumeStep = 0.05;
 
@@ -34,12 +29,13 @@ constexpr double volumeStep = 0.05;
 PlayerView::PlayerView(Film film, Clock clock, QWidget* parent)
     : QWidget(parent)
     , m_path(std::move(film.path))
-    , m_loader(std::move(film.loader))
+    , m_loader(film.loader)
     , m_clock(std::move(clock))
     , m_playback(std::move(film.player))
     , m_bar(new PlayerBar(this))
     , m_trimBar(new TrimBar(this))
     , m_fade(new Fade(*m_bar, 1))
+    , m_trimming(m_playback, *m_trimBar, m_path, std::move(film.loader), m_clock)
 {
     setObjectName(QStringLiteral("PlayerView"));
     setAccessibleName(QStringLiteral("Video"));
@@ -58,7 +54,8 @@ PlayerView::PlayerView(Film film, Clock clock, QWidget* parent)
         update();
     };
     connectBar();
-    connectTrimBar();
+    connect(m_trimBar, &TrimBar::playClicked, this, [this] { m_playback.togglePlaying(); });
+    connect(&m_trimming, &Trimming::toggled, this, &PlayerView::showState);
 }
 
 PlayerView::~PlayerView()
@@ -70,7 +67,7 @@ void PlayerView::end()
 {
     m_onceOpened = nullptr;
     m_closing.cancel();
-    m_stripReading.cancel();
+    m_trimming.stopReading();
     m_playback.end();
 }
 
@@ -92,36 +89,6 @@ void PlayerView::connectBar()
     });
 }
 
-void PlayerView::connectTrimBar()
-{
-    TrimStrip& strip = m_trimBar->strip();
-    connect(m_trimBar, &TrimBar::playClicked, this, [this] { m_playback.togglePlaying(); });
-    connect(m_trimBar, &TrimBar::trimClicked, this, &PlayerView::confirmTrimming);
-    connect(m_trimBar, &TrimBar::cancelClicked, this, &PlayerView::cancelTrimming);
-    connect(&strip, &TrimStrip::dragBegan, this, [this](TrimModel::Handle side) {
-        m_playback.pause();
-        handleMoved(side);
-    });
-    connect(&strip, &TrimStrip::moved, this, &PlayerView::moveHandle);
-    connect(&strip, &TrimStrip::stepped, this, [this](TrimModel::Handle side, int frames) {
-        if (!m_trim)
-            return;
-        m_playback.pause();
-        m_trim->step(side, frames);
-        handleMoved(side);
-    });
-    connect(&strip, &TrimStrip::sought, this, [this](double time) {
-        m_playback.pause();
-        m_playback.seek(time);
-    });
-    connect(&strip, &TrimStrip::resized, this, [this] {
-        m_clock.after(restBeforeReading, Guarded::any(this, [this, version = ++m_stripVersion] {
-                          if (version == m_stripVersion && isTrimming())
-                              loadStrip();
-                      }));
-    });
-}
-
 void PlayerView::playerChanged()
 {
     if (m_playback.isReady() && !std::exchange(m_timesAsked, true))
@@ -136,7 +103,7 @@ void PlayerView::showState()
     const bool wasHidden = m_bar->isHidden();
     const bool wasPlaying = m_bar->playButton().image()->symbol == Symbols::Symbol::pauseFill;
     m_bar->show(m_playback.state(), m_playback.limits());
-    m_bar->setVisible(m_playback.isReady() && !isTrimming());
+    m_bar->setVisible(m_playback.isReady() && !m_trimming.isOn());
     m_trimBar->showState(m_playback.state());
     const bool hasAppeared = wasHidden && !m_bar->isHidden();
     if (hasAppeared || wasPlaying != m_playback.state().playing)
@@ -160,16 +127,9 @@ void PlayerView::loadTimes()
 void PlayerView::takeTimes(const FilmTimes& times)
 {
     m_duration = times.duration;
-    const FrameGrid frames(times.frames, times.duration);
-    m_playback.setFrames(frames);
+    m_playback.setFrames(FrameGrid(times.frames, times.duration));
     m_playback.setOrientation(times.orientation);
-    if (m_range)
-        m_range = TrimModel(frames, *m_range).range();
-    if (m_trim) {
-        m_trim->setFrames(frames);
-        m_trimBar->showModel(*m_trim);
-    }
-    m_playback.setLimits(m_trim ? m_trim->range() : m_range);
+    m_trimming.takeFrames();
     showState();
 }
 
@@ -184,96 +144,6 @@ void PlayerView::onceOpened(std::function<void()> then)
         m_onceOpened = std::move(then);
     else
         then();
-}
-
-bool PlayerView::canBeginTrimming() const
-{
-    return m_playback.isReady() && m_playback.frames().duration() > 0;
-}
-
-void PlayerView::beginTrimming()
-{
-    if (isTrimming() || !canBeginTrimming())
-        return;
-    m_playback.pause();
-    m_timeBeforeTrimming = m_playback.state().time;
-    const FrameGrid& frames = m_playback.frames();
-    m_trim = m_range ? TrimModel(frames, *m_range) : TrimModel(frames);
-    m_playback.setLimits(m_trim->range());
-    m_trimBar->showModel(*m_trim);
-    m_trimBar->setVisible(true);
-    m_trimBar->layout()->activate();
-    showState();
-    loadStrip();
-    m_trimBar->strip().handle(TrimModel::Handle::start).setFocus();
-}
-
-void PlayerView::loadStrip()
-{
-    TrimStrip& strip = m_trimBar->strip();
-    const QSizeF size = m_playback.state().size;
-    const double aspect = size.isEmpty() ? 1 : size.width() / size.height();
-    const int count = strip.frameCount(aspect);
-    strip.expectFrames(count);
-    std::vector<double> times;
-    times.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i)
-        times.push_back(strip.frameTime(i, count));
-    m_stripReading.cancel();
-    m_stripReading = Cancellation();
-    if (m_loader.readFrames)
-        m_loader.readFrames(m_path, times, strip.framePixels(aspect),
-                            Guarded::any<int, const QImage&>(
-                                this,
-                                [this, reading = m_stripReading](int index, const QImage& frame) {
-                                    if (!reading.isCancelled())
-                                        m_trimBar->strip().setFrame(index, frame);
-                                }),
-                            m_stripReading);
-}
-
-void PlayerView::moveHandle(TrimModel::Handle side, double time)
-{
-    if (!m_trim)
-        return;
-    m_trim->move(side, time);
-    handleMoved(side);
-}
-
-void PlayerView::handleMoved(TrimModel::Handle side)
-{
-    m_trimBar->showModel(*m_trim);
-    m_playback.setLimits(m_trim->range());
-    m_playback.seek(m_trim->shownTime(side));
-}
-
-void PlayerView::confirmTrimming()
-{
-    if (!m_trim)
-        return;
-    m_range = m_trim->isWhole() ? std::nullopt : std::optional(m_trim->range());
-    const double time = m_playback.state().time;
-    endTrimming();
-    m_playback.seek(time);
-}
-
-void PlayerView::cancelTrimming()
-{
-    if (!m_trim)
-        return;
-    endTrimming();
-    m_playback.seek(m_timeBeforeTrimming);
-}
-
-void PlayerView::endTrimming()
-{
-    m_trim.reset();
-    m_stripReading.cancel();
-    m_playback.pause();
-    m_playback.setLimits(m_range);
-    setFocus();
-    m_trimBar->hide();
-    showState();
 }
 
 QRectF PlayerView::pictureRect() const
@@ -329,7 +199,7 @@ void PlayerView::placeBars()
 
 void PlayerView::mousePressEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton && !isTrimming())
+    if (event->button() == Qt::LeftButton && !m_trimming.isOn())
         m_playback.togglePlaying();
     revealControls();
 }
@@ -392,10 +262,10 @@ void PlayerView::keyPressEvent(QKeyEvent* event)
         break;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        confirmTrimming();
+        m_trimming.confirm();
         break;
     case Qt::Key_Escape:
-        cancelTrimming();
+        m_trimming.cancel();
         break;
     default:
         QWidget::keyPressEvent(event);

@@ -113,6 +113,7 @@ void TrimHandle::paintEvent(QPaintEvent*)
     painter.drawPath(shape);
 
     // An arrow head outwards.
+    const QColor dark = Chrome::color("#3A2E00");
     const double middleX = width() / 2.0;
     const double middleY = height() / 2.0;
     const double reach = isStart ? -2.0 : 2.0;
@@ -120,10 +121,13 @@ void TrimHandle::paintEvent(QPaintEvent*)
     arrow.lineTo(middleX + reach, middleY);
     arrow.lineTo(middleX - reach, middleY + 6);
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(Chrome::color("#3A2E00"), 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(QPen(dark, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.drawPath(arrow);
     if (hasFocus()) {
-        painter.setPen(QPen(Qt::white, 1.5));
-        painter.drawPath(shape);
+        // On whole pixels at any scale of whole numbers.
+        constexpr double inset = 1.5;
+        painter.setPen(QPen(dark, 1));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset),
+                                radius - inset, radius - inset);
     }
 }

@@ -198,7 +198,9 @@ void TrimStrip::paintEvent(QPaintEvent*)
     painter.fillRect(QRectF(from, 0, to - from, edge), yellow);
     painter.fillRect(QRectF(from, height() - edge, to - from, edge), yellow);
 
-    const double x = std::clamp(line().x(m_time), from, std::max(from, to - cursorWidth));
+    const double ratio = devicePixelRatioF(); // it stands on whole pixels
+    const double x = std::clamp(std::round(line().x(m_time) * ratio) / ratio, from,
+                                std::max(from, to - cursorWidth));
     painter.fillRect(QRectF(x - 1, edge, cursorWidth + 2, height() - 2 * edge),
                      Chrome::color("#000000", 0.45));
     painter.fillRect(QRectF(x, edge, cursorWidth, height() - 2 * edge), Qt::white);

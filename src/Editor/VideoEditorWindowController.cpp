@@ -127,7 +127,7 @@ void VideoEditorWindowController::makeKeyAndOrderFront()
 
 FilmRange VideoEditorWindowController::exportRange() const
 {
-    if (const auto selected = m_playerView->selectedRange())
+    if (const auto selected = m_playerView->trimming().selectedRange())
         return *selected;
     if (const auto known = m_playerView->duration())
         return {0, *known};
@@ -139,8 +139,8 @@ FilmRange VideoEditorWindowController::exportRange() const
 void VideoEditorWindowController::trimClicked()
 {
     m_playerView->onceOpened([this] {
-        if (m_playerView->canBeginTrimming())
-            m_playerView->beginTrimming();
+        if (m_playerView->trimming().canBegin())
+            m_playerView->trimming().begin();
         else
             flashTitle(QStringLiteral("Trimming unavailable"));
     });

@@ -34,7 +34,7 @@ protected:
         editor->trimClicked();
         Q_EMIT strip().moved(Handle::end, end);
         Q_EMIT strip().moved(Handle::start, start);
-        view().confirmTrimming();
+        view().trimming().confirm();
     }
 };
 
@@ -165,9 +165,9 @@ TEST_F(PlayerViewTest, ASliderThatIsHeldWhenTheBarGoesIsLetGo)
     press(Qt::Key_Space);
     QTest::mousePress(&slider, Qt::LeftButton, {}, slider.rect().center());
     press(Qt::Key_T, Qt::ControlModifier);
-    ASSERT_TRUE(view().isTrimming());
+    ASSERT_TRUE(view().trimming().isOn());
     EXPECT_FALSE(state().playing);
-    view().cancelTrimming();
+    view().trimming().cancel();
     EXPECT_FALSE(slider.isSliderDown());
     stand(2);
     EXPECT_EQ(slider.value(), 2000);
@@ -257,7 +257,7 @@ TEST_F(PlayerViewTest, TrimmingPutsHandlesAroundTheWholeFilm)
 {
     press(Qt::Key_Space);
     QTest::mouseClick(button("Trim"), Qt::LeftButton);
-    EXPECT_TRUE(view().isTrimming());
+    EXPECT_TRUE(view().trimming().isOn());
     EXPECT_FALSE(state().playing);
     EXPECT_FALSE(view().bar().isVisible());
     EXPECT_TRUE(view().trimBar().isVisible());
@@ -289,7 +289,7 @@ TEST_F(PlayerViewTest, TheStripIsReadInTheBackground)
     EXPECT_TRUE(strips[0].cancellation.isCancelled());
     EXPECT_GT(strips[1].times.size(), count);
     // What comes late is not taken, and nobody reads on for nothing.
-    view().cancelTrimming();
+    view().trimming().cancel();
     EXPECT_TRUE(strips[1].cancellation.isCancelled());
 }
 
@@ -326,7 +326,7 @@ TEST_F(PlayerViewTest, ConfirmingSetsTheRange)
         if (candidate->text() == QStringLiteral("Trim"))
             QTest::mouseClick(candidate, Qt::LeftButton);
     }
-    EXPECT_FALSE(view().isTrimming());
+    EXPECT_FALSE(view().trimming().isOn());
     EXPECT_TRUE(view().bar().isVisible());
     EXPECT_EQ(editor->exportRange(), (FilmRange{2, 7}));
     EXPECT_EQ(record.end, 7);
@@ -360,7 +360,7 @@ TEST_F(PlayerViewTest, CancellingLeavesEverythingAsItWas)
     editor->trimClicked();
     drag(Handle::start, 5);
     press(Qt::Key_Escape);
-    EXPECT_FALSE(view().isTrimming());
+    EXPECT_FALSE(view().trimming().isOn());
     EXPECT_EQ(editor->exportRange(), (FilmRange{2, 7}));
     EXPECT_EQ(record.end, 7);
     EXPECT_EQ(lastSeek(), 3);
@@ -376,7 +376,7 @@ TEST_F(PlayerViewTest, TrimmingAgainStartsFromTheRangeOverTheWholeFilm)
     drag(Handle::end, 11);
     press(Qt::Key_Return);
     EXPECT_EQ(editor->exportRange(), (FilmRange{0, 10}));
-    EXPECT_FALSE(view().selectedRange());
+    EXPECT_FALSE(view().trimming().selectedRange());
     EXPECT_EQ(record.end, std::nullopt);
 }
 
@@ -419,7 +419,7 @@ TEST_F(PlayerViewTest, TheRowItselfSeeks)
     const QPoint middle(qRound(strip().line().x(4.04)), 20);
     QTest::mouseClick(&strip(), Qt::LeftButton, {}, middle);
     EXPECT_THAT(lastSeek(), DoubleNear(4, 1e-9));
-    EXPECT_TRUE(view().isTrimming());
+    EXPECT_TRUE(view().trimming().isOn());
 }
 
 TEST_F(PlayerViewTest, ARangeMovesToFramesThatBecomeKnownLater)
@@ -430,7 +430,7 @@ TEST_F(PlayerViewTest, ARangeMovesToFramesThatBecomeKnownLater)
     record.player->become(readyState());
     editor->trimClicked();
     Q_EMIT strip().moved(Handle::start, 1.9);
-    view().confirmTrimming();
+    view().trimming().confirm();
     EXPECT_NEAR(editor->exportRange().start, 1.9, 1e-9);
     gotTimes(FilmTimes{{0, 2, 4}, 10, {true, 1}});
     EXPECT_EQ(record.orientation, (Orientation{true, 1}));

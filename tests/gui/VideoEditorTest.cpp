@@ -267,7 +267,7 @@ TEST_F(VideoEditorTest, WhatCannotBeTrimmedSaysSo)
     open(file("clip.mp4"));
     const auto refuses = [&] {
         QTest::mouseClick(button("Trim"), Qt::LeftButton);
-        const bool said = title() == text("Trimming unavailable") && !view().isTrimming();
+        const bool said = title() == text("Trimming unavailable") && !view().trimming().isOn();
         clock.advance(2s);
         return said;
     };
@@ -289,12 +289,12 @@ TEST_F(VideoEditorTest, TrimmingThatWasAskedForTooEarlyBeginsWhenTheFilmIsOpen)
 {
     open(file("clip.mp4"));
     QTest::mouseClick(button("Trim"), Qt::LeftButton);
-    EXPECT_FALSE(view().isTrimming());
+    EXPECT_FALSE(view().trimming().isOn());
     record.player->become(readyState());
-    EXPECT_TRUE(view().isTrimming());
-    view().cancelTrimming();
+    EXPECT_TRUE(view().trimming().isOn());
+    view().trimming().cancel();
     record.player->become(readyState());
-    EXPECT_FALSE(view().isTrimming()) << "once";
+    EXPECT_FALSE(view().trimming().isOn()) << "once";
 
     open(file("other.mp4"));
     QTest::mouseClick(button("Trim"), Qt::LeftButton);
@@ -349,5 +349,5 @@ TEST_F(VideoEditorTest, KeysDoWhatTheButtonsDo)
     press(Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(FakePlatform::current().pasteboard.size(), 1U);
     press(Qt::Key_T, Qt::ControlModifier);
-    EXPECT_TRUE(view().isTrimming());
+    EXPECT_TRUE(view().trimming().isOn());
 }

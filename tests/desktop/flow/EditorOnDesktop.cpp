@@ -28,16 +28,7 @@ constexpr Motion stroke = {8, std::chrono::milliseconds(8)};
 
 Outcome<EditorOnDesktop> EditorOnDesktop::await(const VirtualDesktop& desktop, const QString& path)
 {
-    const Windows windows(desktop);
-    const auto window = windows.awaitTitle(QFileInfo(path).fileName());
-    if (!window)
-        return window.failure();
-    if (const auto active = windows.awaitActive(window->id); !active)
-        return active.failure();
-    if (const auto focused = windows.awaitFocused(window->id); !focused)
-        return focused.failure();
-    // The window manager may have moved it since it was found.
-    const auto now = windows.awaitTitle(window->title);
+    const auto now = Windows(desktop).awaitTitleInUse(QFileInfo(path).fileName());
     if (!now)
         return now.failure();
     return EditorOnDesktop(desktop, path, now->id, now->geometry, QImage(path).size());

@@ -66,6 +66,21 @@ protected:
 
 } // namespace
 
+TEST_F(EditorWindow, IsWhollyOnASmallScreenItsToolbarToo)
+{
+    constexpr QSize size = {853, 480};
+    beginWithEditor({.size = size});
+    ASSERT_FALSE(HasFatalFailure());
+    EXPECT_TRUE(QRect(QPoint(), size).contains(geometry()));
+    // A toolbar that is cut off does without its last button.
+    const QRect bar(geometry().topLeft(), QSize(geometry().width(), 46));
+    const QPoint last = bar.center() + QPoint(bar.width() / 2 - 50, 0);
+    ASSERT_TRUE(succeeded(input().click(last)));
+    EXPECT_TRUE(succeeded(waitUntil(QStringLiteral("the flattened copy"), [&] {
+        return tamrik->captures().filter(QStringLiteral("annotated")).size() == 1;
+    })));
+}
+
 TEST_F(EditorWindow, OfASmallPictureIsAsWideAsTheToolbarAndNeverSmaller)
 {
     beginWithEditor({.scale = 2, .windowManager = WindowManager::Xfwm4});

@@ -212,6 +212,19 @@ Outcome<void> Windows::awaitFocused(std::uint32_t window, std::chrono::milliseco
                    deadline);
 }
 
+Outcome<Window> Windows::awaitTitleInUse(const QString& title) const
+{
+    const auto window = awaitTitle(title);
+    if (!window)
+        return window.failure();
+    if (const auto active = awaitActive(window->id); !active)
+        return active.failure();
+    if (const auto focused = awaitFocused(window->id); !focused)
+        return focused.failure();
+    // The window manager may have moved it since it was found.
+    return awaitTitle(title);
+}
+
 Outcome<void> Windows::focus(std::uint32_t window) const
 {
     xcb_connection_t* connection = m_desktop.server().connection();

@@ -75,6 +75,8 @@ public:
     /// Waits until a window gets the keys; window managers say first that it is active.
     Outcome<void> awaitFocused(std::uint32_t window,
                                std::chrono::milliseconds deadline = patience) const;
+    /// Waits for a window that is active and has the keys, as it is then.
+    Outcome<Window> awaitTitleInUse(const QString& title) const;
     /// Gives the keys to a window and waits until it has them. For desktops without a window
     /// manager, where a click does not.
     Outcome<void> focus(std::uint32_t window) const;
