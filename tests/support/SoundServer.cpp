@@ -14,6 +14,10 @@
 #include <pulse/error.h>
 #include <pulse/simple.h>
 
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
 namespace {
 
 constexpr int rate = 48000;
@@ -28,6 +32,22 @@ void await(const std::string& what, const std::function<bool()>& isThere)
             throw std::runtime_error(what + " did not start");
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
+}
+
+/// Whether somebody takes connections there: the file comes before that.
+bool isListening(const std::string& path)
+{
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof address.sun_path)
+        throw std::runtime_error("too long for a socket: " + path);
+    path.copy(address.sun_path, path.size());
+    const int client = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    // A socket's address goes by its first member.
+    const bool isIt = connect(client, reinterpret_cast<const sockaddr*>(&address), // NOLINT
+                              sizeof address) == 0;
+    close(client);
+    return isIt;
 }
 
 } // namespace
@@ -88,18 +108,18 @@ void SoundServer::startPulseAudio()
     run({"pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
          "module-null-sink", "-L",
          "module-native-protocol-unix auth-anonymous=1 socket=" + socket()});
-    await("pulseaudio", [this] { return std::filesystem::exists(socket()); });
+    await("pulseaudio", [this] { return isListening(socket()); });
 }
 
 void SoundServer::startPipeWire()
 {
     run({"dbus-daemon", "--session", "--nofork", "--address=unix:path=" + (m_folder / "bus")});
-    await("dbus-daemon", [this] { return std::filesystem::exists(m_folder / "bus"); });
+    await("dbus-daemon", [this] { return isListening(m_folder / "bus"); });
     run({"pipewire"});
-    await("pipewire", [this] { return std::filesystem::exists(m_folder / "pipewire-0"); });
+    await("pipewire", [this] { return isListening(m_folder / "pipewire-0"); });
     run({"wireplumber"}); // connects programs and devices
     run({"pipewire-pulse"});
-    await("pipewire-pulse", [this] { return std::filesystem::exists(socket()); });
+    await("pipewire-pulse", [this] { return isListening(socket()); });
     const auto ask = [this](const std::string& words) {
         return ::run(Command{{"sh", "-c", "exec pactl " + words}, {{"PULSE_SERVER", address()}}});
     };

@@ -201,8 +201,7 @@ TEST_P(ChipOnDesktop, ADragCopiesTheFileIntoAFileManager)
     }
     const std::uint32_t focused = windows().focused();
 
-    ASSERT_TRUE(succeeded(
-        input().drag(bareSpot(*place), folderView(*manager), {12, std::chrono::milliseconds(30)})));
+    ASSERT_TRUE(succeeded(input().dragAndDrop(bareSpot(*place), folderView(*manager))));
     const QString copy = folder + QLatin1Char('/') + QFileInfo(*path).fileName();
     ASSERT_TRUE(succeeded(waitUntil(QStringLiteral("the copy"),
                                     [&] { return contents(copy).size() == bytes.size(); })));
@@ -220,8 +219,7 @@ TEST_P(ChipOnDesktop, ADragCopiesTheFileIntoAFileManager)
     })));
     // It works a second time: nothing is left over from the first.
     ASSERT_TRUE(QFile::remove(copy));
-    ASSERT_TRUE(succeeded(
-        input().drag(bareSpot(*place), folderView(*manager), {12, std::chrono::milliseconds(30)})));
+    ASSERT_TRUE(succeeded(input().dragAndDrop(bareSpot(*place), folderView(*manager))));
     EXPECT_TRUE(
         succeeded(waitUntil(QStringLiteral("the copy"), [&] { return contents(copy) == bytes; })));
 }
@@ -235,9 +233,8 @@ TEST_P(ChipAboveAll, AnImageEditorOpensWhatIsDroppedOnIt)
     const auto editor = openImageEditor(*desktop);
     ASSERT_TRUE(succeeded(editor));
     const QRect window = editor->window.geometry;
-    ASSERT_TRUE(succeeded(input().drag(bareSpot(*place),
-                                       {window.center().x(), window.top() + window.height() / 3},
-                                       {12, std::chrono::milliseconds(30)})));
+    ASSERT_TRUE(succeeded(input().dragAndDrop(
+        bareSpot(*place), {window.center().x(), window.top() + window.height() / 3})));
     EXPECT_TRUE(
         succeeded(windows().await(QStringLiteral("the editor's new title"),
                                   [&](const Window& w) { return w.title.endsWith(*path); })));

@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <unistd.h>
+
 using namespace Desktop;
 
 namespace {
@@ -116,4 +118,30 @@ void RecordingFlow::restart(const QMap<QString, QString>& extra)
     auto launched = Tamrik::startAndAwaitKeys(*desktop, QStringLiteral(TAMRIK_PROGRAM), extra);
     ASSERT_TRUE(succeeded(launched));
     tamrik = std::move(*launched);
+}
+
+void RecordingFlow::startWithMounts(const QString& mounts, const QMap<QString, QString>& extra)
+{
+    ASSERT_TRUE(succeeded(tamrik->app().stop()));
+    const QString root = geteuid() == 0 ? QString() : QStringLiteral("--map-root-user ");
+    const QString path = desktop->home() + QStringLiteral("/with-mounts");
+    ASSERT_NO_FATAL_FAILURE(
+        writeScript(path, QStringLiteral("exec unshare --mount %1sh -c '%2exec \"%3\"'\n")
+                              .arg(root, mounts, QStringLiteral(TAMRIK_PROGRAM))));
+    auto launched = Tamrik::startAndAwaitKeys(*desktop, path, extra);
+    ASSERT_TRUE(succeeded(launched));
+    tamrik = std::move(*launched);
+}
+
+void RecordingFlow::write(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+}
+
+void RecordingFlow::writeScript(const QString& path, const QString& lines)
+{
+    ASSERT_NO_FATAL_FAILURE(write(path, "#!/bin/sh\n" + lines.toUtf8()));
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }

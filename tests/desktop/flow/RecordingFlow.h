@@ -36,6 +36,13 @@ protected:
     /// Starts the program once more, in an environment to which `extra` adds.
     void restart(const QMap<QString, QString>& extra = {});
 
+    /// Starts the program anew in a world where a piece of shell script has mounted what it wants.
+    void startWithMounts(const QString& mounts, const QMap<QString, QString>& extra = {});
+
+    static void write(const QString& path, const QByteArray& bytes);
+    /// A program of the shell's.
+    static void writeScript(const QString& path, const QString& lines);
+
     QPoint button; // that starts a recording
     std::optional<RecordingControls> controls;
 };

@@ -1,7 +1,6 @@
 // What becomes of a recording when there is no room for it.
 
-#include "desktop/flow/NumberedWindow.h"
-#include "desktop/flow/RecordingFlow.h"
+#include "desktop/flow/NumberedRecording.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,16 +16,8 @@ using Control = RecordingControls::Control;
 
 namespace {
 
-class RecordingFullDisk : public RecordingFlow {
+class RecordingFullDisk : public NumberedRecording {
 protected:
-    void SetUp() override
-    {
-        begin({.compositor = Compositor::None});
-        auto shown = NumberedWindow::show(*desktop, area());
-        ASSERT_TRUE(succeeded(shown));
-        window = std::move(*shown);
-    }
-
     /// A folder of the user's, with the folders in it that a test asks for.
     QString disk() const { return desktop->home() + QStringLiteral("/disk"); }
 
@@ -34,28 +25,13 @@ protected:
     /// there are such folders.
     void startOnDisk(int kib, const QStringList& folders, const QMap<QString, QString>& extra)
     {
-        ASSERT_TRUE(succeeded(tamrik->app().stop()));
         ASSERT_TRUE(QDir().mkpath(disk()));
-        QString script = QStringLiteral("#!/bin/sh\n");
-        if (geteuid() == 0)
-            script += QStringLiteral("exec unshare --mount sh -c '");
-        else
-            script += QStringLiteral("exec unshare --mount --map-root-user sh -c '");
-        script += QStringLiteral("mount -t tmpfs -o size=%1k tmpfs \"%2\" || exit 90\n")
-                      .arg(kib)
-                      .arg(disk());
+        QString mounts = QStringLiteral("mount -t tmpfs -o size=%1k tmpfs \"%2\" || exit 90\n")
+                             .arg(kib)
+                             .arg(disk());
         for (const QString& folder : folders)
-            script += QStringLiteral("mkdir \"%1/%2\"\n").arg(disk(), folder);
-        script += QStringLiteral("exec \"%1\"'\n").arg(QStringLiteral(TAMRIK_PROGRAM));
-        const QString path = desktop->home() + QStringLiteral("/on-small-disk");
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(script.toUtf8());
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        file.close();
-        auto launched = Tamrik::startAndAwaitKeys(*desktop, path, extra);
-        ASSERT_TRUE(succeeded(launched));
-        tamrik = std::move(*launched);
+            mounts += QStringLiteral("mkdir \"%1/%2\"\n").arg(disk(), folder);
+        startWithMounts(mounts, extra);
     }
 
     /// A path as the program sees it.
@@ -100,7 +76,6 @@ protected:
             })));
     }
 
-    std::unique_ptr<NumberedWindow> window;
     std::mt19937 random{8};
 };
 

@@ -3,8 +3,10 @@
 #include "desktop/harness/Commands.h"
 #include "desktop/harness/Server.h"
 #include "desktop/harness/VirtualDesktop.h"
+#include "desktop/harness/WaitUntil.h"
 
 #include <xcb/xcb.h>
+#include <xcb/xfixes.h>
 
 #include <cstdlib>
 
@@ -113,6 +115,37 @@ Outcome<void> Input::drag(QPoint from, QPoint to, Motion motion, Button button) 
         return moved;
     return xdotool(m_desktop,
                    pressed(button) + travel(from, to, motion) + breath() + released(button));
+}
+
+QString Input::cursorName() const
+{
+    xcb_connection_t* const server = m_desktop.server().connection();
+    // Which is asked for before any other of the extension's.
+    const Reply<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(
+        server, xcb_xfixes_query_version(server, XCB_XFIXES_MAJOR_VERSION, 0), nullptr));
+    const Reply<xcb_xfixes_get_cursor_image_and_name_reply_t> cursor(
+        xcb_xfixes_get_cursor_image_and_name_reply(
+            server, xcb_xfixes_get_cursor_image_and_name(server), nullptr));
+    if (!version || !cursor)
+        return {};
+    return QString::fromLatin1(xcb_xfixes_get_cursor_image_and_name_name(cursor.get()),
+                               xcb_xfixes_get_cursor_image_and_name_name_length(cursor.get()));
+}
+
+Outcome<void> Input::dragAndDrop(QPoint from, QPoint to) const
+{
+    if (const auto moved = moveTo(from); !moved)
+        return moved;
+    const Motion motion{12, std::chrono::milliseconds(30)};
+    if (const auto begun = xdotool(m_desktop, pressed(Button::Left) + travel(from, to, motion));
+        !begun)
+        return begun;
+    const auto taken = waitFor(QStringLiteral("somebody who takes it"), [&]() -> Outcome<void> {
+        const QString name = cursorName();
+        return name == QStringLiteral("dnd-copy") ? Outcome<void>() : Failure{name};
+    });
+    const auto let = release();
+    return taken ? let : taken;
 }
 
 Outcome<void> Input::scroll(QPoint point, int notches) const

@@ -37,6 +37,9 @@ public:
     /// Moves to `from`, presses, travels to `to` and lets go.
     Outcome<void> drag(QPoint from, QPoint to, Motion motion = {12, std::chrono::milliseconds(20)},
                        Button button = Button::Left) const;
+    /// The same with something that other programs take: lets go when the pointer shows that what
+    /// is at `to` takes it, as hands do.
+    Outcome<void> dragAndDrop(QPoint from, QPoint to) const;
     /// Turns the wheel by so many notches, up when positive.
     Outcome<void> scroll(QPoint point, int notches) const;
 
@@ -48,6 +51,8 @@ public:
     Outcome<void> type(const QString& text) const;
 
 private:
+    QString cursorName() const;
+
     const VirtualDesktop& m_desktop;
 };
 

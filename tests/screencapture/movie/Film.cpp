@@ -7,7 +7,6 @@
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <sstream>
@@ -170,16 +169,6 @@ std::vector<PngImage> pictures(const std::string& file)
     }
     EXPECT_EQ(all.size(), facts.frames.size());
     return all;
-}
-
-std::vector<float> sound(const std::string& file)
-{
-    const std::string bytes =
-        runReader({"ffmpeg", "-v", "error", "-i", file, "-vn", "-ac", "1", "-ar", "48000", "-f",
-                   "f32le", "-af", "aresample=async=1:first_pts=0", "-"});
-    std::vector<float> samples(bytes.size() / sizeof(float));
-    std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
-    return samples;
 }
 
 bool isLike(std::uint32_t a, std::uint32_t b, int tolerance)

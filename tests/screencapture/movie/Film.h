@@ -69,9 +69,6 @@ Facts read(const std::string& file);
 /// Every frame's pixels.
 std::vector<PngImage> pictures(const std::string& file);
 
-/// The sound as one channel at 48 kHz from time 0 on.
-std::vector<float> sound(const std::string& file);
-
 /// Whether two colours 0xRRGGBB are alike but for what a codec makes of them.
 bool isLike(std::uint32_t a, std::uint32_t b, int tolerance = 20);
 

@@ -3,6 +3,7 @@
 #include "support/RootPainter.h"
 #include "support/SoundServer.h"
 #include "support/TemporaryFolder.h"
+#include "support/Tones.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +17,7 @@ namespace {
 
 using Film::Recorder;
 
-constexpr double rate = 48000;
+using Tones::rate;
 
 /// The loudest of some stretch of sound; times in seconds, cut to what there is.
 float peak(const std::vector<float>& sound, double from, double until)
@@ -29,22 +30,6 @@ float peak(const std::vector<float>& sound, double from, double until)
     for (std::ptrdiff_t i = at(from); i < at(until); ++i)
         loudest = std::max(loudest, std::abs(sound[static_cast<std::size_t>(i)]));
     return loudest;
-}
-
-/// When each of the tones begins.
-std::vector<double> onsets(const std::vector<float>& sound)
-{
-    std::vector<double> times;
-    double lastLoud = -1;
-    for (std::size_t i = 0; i < sound.size(); ++i) {
-        if (std::abs(sound[i]) < .1F)
-            continue;
-        const double time = static_cast<double>(i) / rate;
-        if (time - lastLoud > .1)
-            times.push_back(time);
-        lastLoud = time;
-    }
-    return times;
 }
 
 class MovieSound : public testing::Test {
@@ -73,13 +58,12 @@ TEST_P(MovieSoundOn, IsHeardWhenItsPictureIsSeen)
     Recorder recorder(server, "0,0,320,240", file, {"-g"},
                       {{"PULSE_SERVER", sound.address()}, {"HOME", folder.path().string()}});
     recorder.awaitGrowth();
-    constexpr int flashes = 10;
-    for (int i = 0; i < flashes; ++i) {
+    // Each beep turns the screen white or black.
+    constexpr int beeps = 16;
+    for (int i = 1; i <= beeps; ++i) {
         std::this_thread::sleep_until(beeper.beep());
-        painter.paintRectangle(0, 0, 320, 240, 0xffffff);
-        std::this_thread::sleep_for(std::chrono::milliseconds(120));
-        painter.paintRectangle(0, 0, 320, 240, 0);
-        std::this_thread::sleep_for(std::chrono::milliseconds(120));
+        painter.paintRectangle(0, 0, 320, 240, i % 2 == 1 ? 0xffffff : 0);
+        std::this_thread::sleep_for(std::chrono::milliseconds(150));
     }
     recorder.stop();
 
@@ -89,16 +73,18 @@ TEST_P(MovieSoundOn, IsHeardWhenItsPictureIsSeen)
     ASSERT_EQ(pictures.size(), facts.frames.size());
     std::vector<double> seen;
     for (std::size_t i = 1; i < pictures.size(); ++i) {
-        if (pictures[i].pixel(9, 9) > 0x808080 && pictures[i - 1].pixel(9, 9) <= 0x808080)
+        if ((pictures[i].pixel(9, 9) > 0x808080) != (pictures[i - 1].pixel(9, 9) > 0x808080))
             seen.push_back(facts.frames[i].time);
     }
-    const std::vector<float> samples = Film::sound(file);
-    const std::vector<double> heard = onsets(samples);
-    ASSERT_EQ(seen.size(), static_cast<std::size_t>(flashes));
-    ASSERT_EQ(heard.size(), seen.size());
+    const std::vector<float> samples = Tones::soundOf(file);
+    const std::vector<double> heard = Tones::beginningsIn(samples);
+    // A busy machine may look too late for some, and tear a tone in two.
+    ASSERT_GE(seen.size(), beeps / 2);
+    ASSERT_LE(seen.size(), beeps);
+    ASSERT_GE(heard.size(), beeps / 2);
     std::vector<double> apart;
-    for (std::size_t i = 0; i < seen.size(); ++i)
-        apart.push_back(heard[i] - seen[i]);
+    for (const double flash : seen)
+        apart.push_back(Tones::nearest(heard, flash) - flash);
     std::string all; // in milliseconds, in order
     for (const double each : apart)
         all += ' ' + std::to_string(std::lround(1000 * each));
@@ -129,12 +115,12 @@ TEST_F(MovieSound, BecomesSilenceWhenTheMicrophoneGoesAway)
     recorder.awaitGrowth();
     recorder.awaitGrowth();
     // The silence is on the disk in time, not only at the end.
-    EXPECT_GT(static_cast<double>(Film::sound(m_file).size()) / rate,
+    EXPECT_GT(static_cast<double>(Tones::soundOf(m_file).size()) / rate,
               Film::read(m_file).duration - 1.5);
     recorder.stop();
 
     const Film::Facts facts = Film::read(m_file);
-    const std::vector<float> sound = Film::sound(m_file);
+    const std::vector<float> sound = Tones::soundOf(m_file);
     EXPECT_NEAR(static_cast<double>(sound.size()) / rate, facts.duration, .05);
     EXPECT_GT(peak(sound, 0, facts.duration / 2), .2F);
     EXPECT_LT(peak(sound, facts.duration - 1, facts.duration), .01F);
@@ -154,7 +140,7 @@ TEST_F(MovieSound, IsHeardAgainWhenTheMicrophoneIsBack)
     recorder.stop();
 
     const Film::Facts facts = Film::read(m_file);
-    const std::vector<float> sound = Film::sound(m_file);
+    const std::vector<float> sound = Tones::soundOf(m_file);
     EXPECT_NEAR(static_cast<double>(sound.size()) / rate, facts.duration, .05);
     EXPECT_LT(peak(sound, 0, facts.duration - 3), .01F);
     EXPECT_GT(peak(sound, facts.duration - 1, facts.duration), .2F);
