@@ -9,6 +9,7 @@
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QKeyEvent>
+#include <QWindow>
 
 #include <utility>
 
@@ -67,4 +68,20 @@ void EditorWindow::keyPressEvent(QKeyEvent* event)
         Q_EMIT returnPressed();
     else
         QWidget::keyPressEvent(event);
+}
+
+void EditorWindow::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    // A window keeps its size in pixels then. On a screen of a larger scale these are fewer points,
+    // which Qt is told of a moment later.
+    connect(windowHandle(), &QWindow::screenChanged, this, &EditorWindow::makeRoom,
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
+}
+
+void EditorWindow::makeRoom()
+{
+    const QSize enough = size().expandedTo(minimumSize());
+    if (size() != enough)
+        resize(enough);
 }

@@ -35,9 +35,11 @@ Q_SIGNALS:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     void setTitle(QString text);
+    void makeRoom();
 
     QString m_fileName;
     Clock m_clock;

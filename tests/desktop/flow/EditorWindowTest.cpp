@@ -102,6 +102,22 @@ TEST_F(EditorWindow, OfASmallPictureIsAsWideAsTheToolbarAndNeverSmaller)
     EXPECT_TRUE(succeeded(awaitSize({950, 332})));
 }
 
+TEST_F(EditorWindow, HasRoomForItsToolbarOnAScreenOfALargerScaleToo)
+{
+    beginWithEditor({.screens = 2, .scale = 1, .secondScale = 2, .secondSize = {2560, 1600}});
+    ASSERT_FALSE(HasFatalFailure());
+    ASSERT_TRUE(succeeded(awaitSize({940, 346})));
+    ASSERT_TRUE(succeeded(run(QStringLiteral("xdotool"),
+                              {QStringLiteral("windowmove"), QString::number(editor->id()),
+                               QString::number(1920 + 500), QString::number(500)},
+                              desktop->environment())));
+    EXPECT_TRUE(succeeded(awaitSize(2 * QSize(940, 332))));
+    ASSERT_TRUE(succeeded(resize({2000, 700})));
+    EXPECT_TRUE(succeeded(awaitSize({2000, 700})));
+    ASSERT_TRUE(succeeded(resize({950, 350})));
+    EXPECT_TRUE(succeeded(awaitSize(2 * QSize(940, 332))));
+}
+
 TEST_F(EditorWindow, ALabelIsTypedOnWhateverOtherWindowsCome)
 {
     beginWithEditor({});
