@@ -6,6 +6,7 @@
 #include "support/TemporaryFolder.h"
 #include "unit/Media/FilmedSegment.h"
 #include "unit/Media/PlayedMovie.h"
+#include "unit/Media/Videos.h"
 
 #include <QCoreApplication>
 #include <QThread>
@@ -80,6 +81,38 @@ TEST_F(ExportEnding, KilledLeavesNothing)
     EXPECT_TRUE(fs::is_empty(m_folder / "out"));
 }
 
+TEST_F(ExportEnding, KilledWhileItTrimsLeavesNothing)
+{
+    fs::create_directory(m_folder / "out");
+    // The system kills it when it writes more than so many halves of a KiB.
+    for (const char* halves : {"1", "24"}) {
+        SCOPED_TRACE(halves);
+        const Outcome outcome = run(
+            {{"sh", "-c", "ulimit -c 0; ulimit -f $0; exec \"$@\"", halves, TAMRIK_EXPORT_PROGRAM,
+              "--trim", "0.3", "1.9", m_target.toStdString(), m_segment.toStdString()},
+             {}});
+        EXPECT_EQ(outcome.signal, SIGXFSZ) << outcome.status << outcome.output << outcome.error;
+        EXPECT_TRUE(fs::is_empty(m_folder / "out"));
+    }
+}
+
+TEST_F(ExportEnding, OfTwoTrimsToOneFileTheOneThatWasAskedForLastStays)
+{
+    fs::create_directory(m_folder / "out");
+    // Of which much sound has to be encoded first.
+    const std::string film = m_folder / "film.mov";
+    Videos::make({"-f", "lavfi", "-i", "color=s=64x48:r=10:d=8", "-f", "lavfi", "-i",
+                  "sine=r=48000:d=8", "-c:a", "pcm_s16le", "-bf", "0", film});
+    std::atomic<int> made = 0;
+    for (const double end : {8.0, 0.3})
+        MovieExport::trimInBackground(
+            QString::fromStdString(film), 0, end, m_target,
+            [&](const MovieExport::Outcome& outcome) { made += outcome.succeeded() ? 1 : 100; });
+    ASSERT_TRUE(runUntil([&] { return made >= 2; }));
+    EXPECT_EQ(made, 2);
+    EXPECT_EQ(PlayedMovie::of(m_target.toStdString()).frames.size(), 3U);
+}
+
 TEST_F(ExportEnding, CancelledLeavesNothingAndSaysSo)
 {
     fs::create_directory(m_folder / "out");
@@ -134,7 +167,9 @@ std::string exportOntoSmallDisk(const QString& segment, const QString& target, i
                                "for segments in \"$4\" \"$4 $4\"; do\n"
                                "  \"$2\" \"$3\" $segments\n"
                                "  ls -A \"$1\"\n"
-                               "done\n";
+                               "done\n"
+                               "\"$2\" --trim 0.1 2 \"$3\" \"$4\"\n"
+                               "ls -A \"$1\"\n";
     Command command;
     command.words = {"unshare", "--mount"};
     if (geteuid() != 0)
@@ -153,10 +188,11 @@ TEST_F(ExportEnding, AFullDiskIsAFailureThatLeavesNothing)
 {
     const std::string line =
         "cannot write " + m_target.toStdString() + ": No space left on device\n";
-    EXPECT_EQ(exportOntoSmallDisk(m_segment, m_target, 24), line + line);
+    EXPECT_EQ(exportOntoSmallDisk(m_segment, m_target, 24), line + line + line);
 }
 
 TEST_F(ExportEnding, ALargeEnoughDiskIsNone)
 {
-    EXPECT_EQ(exportOntoSmallDisk(m_segment, m_target, 4000), "\nfilm.mp4\n\nfilm.mp4\n");
+    EXPECT_EQ(exportOntoSmallDisk(m_segment, m_target, 4000),
+              "\nfilm.mp4\n\nfilm.mp4\n\nfilm.mp4\n");
 }

@@ -91,6 +91,23 @@ protected:
 
 } // namespace
 
+TEST_F(Unreadable, IsNotTheEndOfWhatIsTrimmed)
+{
+    // A film, which has its index in front.
+    ASSERT_TRUE(MovieExport::remux(path("b.mov"), path("c.mp4")).succeeded());
+    std::filesystem::rename(m_folder / "c.mp4", m_folder / "b.mov");
+    const auto size = static_cast<off_t>(std::filesystem::file_size(m_folder / "b.mov"));
+    setBad("b.mov", size * 2 / 3);
+    for (const double start : {1.0, 5.5}) { // it lies in the range, or before
+        const MovieExport::Outcome outcome =
+            MovieExport::trim(path("b.mov"), start, 6, path("film.mp4"));
+        EXPECT_FALSE(outcome.succeeded());
+        EXPECT_EQ(outcome.reason, "cannot read " + (m_folder / "b.mov") + ": Input/output error");
+        EXPECT_THAT(m_folder.names(), ElementsAre("a.mov", "b.mov"));
+    }
+    EXPECT_TRUE(MovieExport::trim(path("b.mov"), 1, 2, path("film.mp4")).succeeded());
+}
+
 TEST_F(Unreadable, IsNotTheEndOfASegmentThatIsJoined)
 {
     // In tables that are looked through at first, in pictures and in sound.
