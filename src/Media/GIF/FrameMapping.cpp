@@ -4,13 +4,6 @@
 
 using namespace GIF;
 
-namespace {
-
-/// A pixel stays as it is where that is worse by no more than this (a distance): nobody sees it.
-constexpr int tolerance = 3;
-
-} // namespace
-
 FrameMapping::FrameMapping(int width, int height)
     : m_width(width)
     , m_height(height)
@@ -21,9 +14,10 @@ FrameMapping::FrameMapping(int width, int height)
 {
 }
 
-void FrameMapping::setPalette(const Palette& palette)
+void FrameMapping::setPalette(const Palette& palette, int tolerance)
 {
     m_search.emplace(palette);
+    m_tolerance = tolerance;
     std::fill(m_indices.begin(), m_indices.end(), transparent());
 }
 
@@ -43,7 +37,7 @@ void FrameMapping::map(Span span)
         const Pixel wanted = m_wanted[i];
         const int index = m_search->nearest(wanted);
         const Pixel best = palette()[static_cast<std::size_t>(index)];
-        if (!m_isFirst && distance(m_shown[i], wanted) <= distance(best, wanted) + tolerance)
+        if (!m_isFirst && distance(m_shown[i], wanted) <= distance(best, wanted) + m_tolerance)
             continue;
         m_shown[i] = best;
         m_indices[i] = static_cast<std::uint8_t>(index);

@@ -21,8 +21,9 @@ class FrameMapping {
 public:
     FrameMapping(int width, int height);
 
-    /// From now on, with at most 255 colours. Pixels that are shown stay as they are.
-    void setPalette(const Palette& palette);
+    /// From now on, with at most 255 colours. Pixels that are shown stay as they are. A pixel also
+    /// stays where that is worse by no more than `tolerance` (a distance).
+    void setPalette(const Palette& palette, int tolerance);
     const Palette& palette() const { return m_search->palette(); }
 
     /// What shows nothing new is transparent: the number after the last colour.
@@ -37,6 +38,7 @@ private:
 
     int m_width, m_height;
     std::optional<PaletteSearch> m_search;
+    int m_tolerance = 0;
     bool m_isFirst = true;
     std::vector<Pixel> m_wanted; // the frame as it should look
     std::vector<Pixel> m_shown;  // as it looks

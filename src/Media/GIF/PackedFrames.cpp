@@ -22,8 +22,6 @@ enum Token : std::uint8_t {
 };
 constexpr std::size_t mostLeft = same - left;
 constexpr std::size_t mostSame = longLeft - same;
-/// What video codecs make of a steady colour differs by so much.
-constexpr int noise = 1;
 
 /// Colours that were used lately, by a number of six bits.
 class RecentColours {
@@ -37,13 +35,6 @@ public:
 private:
     std::array<Pixel, 64> m_colours{};
 };
-
-bool isAsBefore(Pixel now, Pixel before)
-{
-    return now == before || (std::abs(red(now) - red(before)) <= noise &&
-                             std::abs(green(now) - green(before)) <= noise &&
-                             std::abs(blue(now) - blue(before)) <= noise);
-}
 
 /// The colour that differs from `base` by so much, channel by channel and modulo 256.
 Pixel moved(Pixel base, int r, int g, int b)
@@ -187,7 +178,7 @@ void PackedFrames::add(std::span<const Pixel> frame)
     for (std::size_t i = 0; i < count;) {
         std::size_t end = i;
         if (m_hasLast) {
-            while (end < count && isAsBefore(frame[end], m_last[end]))
+            while (end < count && frame[end] == m_last[end])
                 ++end;
         }
         if (end > i) {
@@ -197,7 +188,7 @@ void PackedFrames::add(std::span<const Pixel> frame)
         }
         const Pixel pixel = frame[i];
         while (end < count && frame[end] == pixel &&
-               (end == i || !m_hasLast || !isAsBefore(pixel, m_last[end])))
+               (end == i || !m_hasLast || pixel != m_last[end]))
             ++end;
         change(i, end, pixel);
         if (pixel != writer.leftPixel()) {

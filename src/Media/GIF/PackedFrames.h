@@ -17,9 +17,6 @@ struct Span {
 
 /// Frames of a film, one after the other, in as little memory as is quick: what is the same as
 /// before or beside costs next to nothing.
-///
-/// A pixel that is hardly different from before is the same: that is how video codecs make noise
-/// where nothing moves. What is the same stays the same pixel, so that nothing drifts.
 class PackedFrames {
 public:
     /// Of frames with so many pixels each.

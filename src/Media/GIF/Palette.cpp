@@ -53,10 +53,12 @@ struct Sums {
 
 Box boxOf(const std::vector<Colour>& colours, std::size_t begin, std::size_t end)
 {
+    Box box{begin, end};
+    if (end - begin == 1)
+        return box; // whatever rounding makes of it
     Sums sums;
     for (std::size_t i = begin; i < end; ++i)
         sums.add(colours[i]);
-    Box box{begin, end};
     for (std::size_t i = 0; i < 3; ++i) {
         const double spread = sums.second[i] - sums.first[i] * sums.first[i] / sums.weight;
         if (spread > box.spread) {
@@ -178,6 +180,19 @@ Palette GIF::bestPalette(const ColourCount& count, std::size_t size)
         }
     }
     return palette;
+}
+
+double GIF::meanUnlikeness(const ColourCount& count, const Palette& palette)
+{
+    PaletteSearch search(palette);
+    double sum = 0, all = 0;
+    for (const Entry& entry : count.entries()) {
+        const Pixel colour = entry.mean();
+        const Pixel nearest = palette[static_cast<std::size_t>(search.nearest(colour))];
+        sum += static_cast<double>(entry.count) * distance(nearest, colour);
+        all += static_cast<double>(entry.count);
+    }
+    return all > 0 ? sum / all : 0;
 }
 
 namespace {

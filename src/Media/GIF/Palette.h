@@ -14,6 +14,9 @@ using Palette = std::vector<Pixel>;
 /// more than that. At least one.
 Palette bestPalette(const ColourCount& count, std::size_t size);
 
+/// How unlike those that were counted the nearest colours of `palette` are, in the mean.
+double meanUnlikeness(const ColourCount& count, const Palette& palette);
+
 /// Finds the place of the colour in a palette that is least unlike another. Not for two threads.
 class PaletteSearch {
 public:

@@ -16,12 +16,21 @@ namespace {
 constexpr double tolerance = 1.0 / 30;
 constexpr std::size_t mostColours = 255; // and one for what is transparent
 constexpr std::size_t framesAtOnce = 8;
+constexpr double mostTolerance = 5;
 constexpr double microsecond = 1e-6;
 
 bool isClose(const FrameSource::Showing& showing, double time)
 {
     return showing.begin <= time + tolerance + microsecond &&
            showing.end >= time - tolerance - microsecond;
+}
+
+/// By how much a pixel may be worse for staying as it is (a distance): the noise of cameras and
+/// codecs takes less room then. Nobody sees it beside what the palette is off anyway; where that is
+/// next to nothing, all is kept as it is.
+int toleranceFor(const ColourCount& colours, const Palette& palette)
+{
+    return static_cast<int>(std::min(2 * meanUnlikeness(colours, palette), mostTolerance));
 }
 
 std::span<const Pixel> pixelsOf(const QImage& picture)
@@ -89,7 +98,7 @@ PossibleFailure Section::read(FrameSource& video, std::span<const double> times)
 
 PossibleFailure Section::writeKept()
 {
-    if (PossibleFailure failure = begin(bestPalette(m_kept.colours(), mostColours)))
+    if (PossibleFailure failure = begin(m_kept.colours()))
         return failure;
     PossibleFailure failure = write(m_kept, 1);
     m_kept.clear();
@@ -101,7 +110,7 @@ PossibleFailure Section::finish(const Section* next)
     ColourCount colours = m_kept.colours();
     if (next)
         colours.add(next->m_kept.colours());
-    if (PossibleFailure failure = begin(bestPalette(colours, mostColours)))
+    if (PossibleFailure failure = begin(colours))
         return failure;
     PossibleFailure failure = write(m_kept, 2);
     if (!failure && next)
@@ -109,9 +118,10 @@ PossibleFailure Section::finish(const Section* next)
     return failure;
 }
 
-PossibleFailure Section::begin(const Palette& palette)
+PossibleFailure Section::begin(const ColourCount& colours)
 {
-    m_mapping.setPalette(palette);
+    const Palette palette = bestPalette(colours, mostColours);
+    m_mapping.setPalette(palette, toleranceFor(colours, palette));
     m_isPaletteOfFile = m_beginsFile && !m_hasWritten;
     m_hasWritten = true;
     return m_isPaletteOfFile ? m_sink(beginning(m_layout.size, palette)) : PossibleFailure();

@@ -49,7 +49,7 @@ public:
 private:
     void keep(const QImage& picture);
     PossibleFailure writeKept();
-    PossibleFailure begin(const Palette& palette);
+    PossibleFailure begin(const ColourCount& colours);
     PossibleFailure write(const PackedFrames& frames, int threads);
     std::vector<Bytes> encoded(PackedFrames::Reader& frames, std::size_t count, int threads);
 

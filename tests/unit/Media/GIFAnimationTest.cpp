@@ -184,14 +184,72 @@ TEST_F(Animation, WritesWhatChangesOnly)
     }
     (void)animated(slides);
     EXPECT_LT(m_size, one + 30 * 120);
-    // And what codecs make of a surface that stands still is none.
-    for (QImage& slide : slides) {
-        for (int x = 0; x < 200; ++x)
-            slide.setPixel(x, 50,
-                           slide.pixel(x, 50) ^ (static_cast<unsigned>(m_random()) & 0x010101));
+}
+
+TEST_F(Animation, KeepsEveryLevelOf255Colours)
+{
+    // Greys, of which neighbours are as like as what is noise elsewhere.
+    const auto grey = [](unsigned level) { return 0xff000000 | level * 0x010101; };
+    std::vector<QImage> slides;
+    for (unsigned i = 0; i < 20; ++i) {
+        QImage slide = i == 0 ? plain({100, 60}, Qt::black) : slides.back();
+        for (int x = 0; x < 100; ++x) {
+            for (int y = 0; y < 60; ++y) {
+                const unsigned before = slide.pixel(x, y) & 255;
+                if (y < 2)
+                    slide.setPixel(x, y, grey((static_cast<unsigned>(x) * 2 + 1) % 255));
+                else if (y < 4)
+                    slide.setPixel(x, y, grey((static_cast<unsigned>(x) * 5 + i) % 255));
+                else if (m_random() % 4 == 0)
+                    slide.setPixel(x, y, grey(before == 254 ? 253 : before + 1));
+            }
+        }
+        slides.push_back(slide);
     }
-    (void)animated(slides);
-    EXPECT_LT(m_size, one + 30 * 120 + 200);
+    for (const std::size_t mostKept : {GIF::usuallyKept, std::size_t{5'000}}) { // in pieces
+        const PlayedGIF gif = animated(slides, mostKept);
+        for (std::size_t i = 0; i < slides.size(); ++i)
+            EXPECT_TRUE(gif.frames[i] == slides[i]) << mostKept << ' ' << i;
+    }
+}
+
+TEST_F(Animation, KeepsWhatShowsOftenOfAFewColoursMore)
+{
+    // 250 common ones on a surface, and now and then one of a hundred others.
+    std::vector<QImage> slides;
+    for (int i = 0; i < 10; ++i) {
+        QImage slide = i == 0 ? plain({100, 100}, QColor(0xfefefe)) : slides.back();
+        for (int k = 0; k < 500; ++k) {
+            const auto kind = static_cast<int>(m_random() % 250);
+            const QRgb common = qRgb(kind, 255 - kind, 40);
+            const QRgb rare = qRgb(200, kind % 100, 200);
+            slide.setPixel(static_cast<int>(m_random() % 100), static_cast<int>(m_random() % 100),
+                           k % 100 == 0 ? rare : common);
+        }
+        slides.push_back(slide);
+    }
+    const PlayedGIF gif = animated(slides);
+    for (std::size_t i = 0; i < slides.size(); ++i)
+        EXPECT_LT(unlikeness(gif.frames[i], slides[i]), 0.05) << i;
+}
+
+TEST_F(Animation, OfMoreColoursThanAFileHasDoesWithoutNoise)
+{
+    std::vector<QImage> slides;
+    for (int i = 0; i < 10; ++i) {
+        QImage slide({256, 100}, QImage::Format_RGB32);
+        for (int y = 0; y < 100; ++y) {
+            for (int x = 0; x < 256; ++x)
+                slide.setPixel(x, y,
+                               qRgb(x, 128, y) ^ (static_cast<unsigned>(m_random()) & 0x010101));
+        }
+        slides.push_back(slide);
+    }
+    (void)animated({slides[0]});
+    const std::size_t one = m_size;
+    const PlayedGIF gif = animated(slides);
+    EXPECT_LT(m_size, 3.5 * static_cast<double>(one));
+    EXPECT_LT(unlikeness(gif.frames[9], slides[9]), 12);
 }
 
 TEST_F(Animation, ThatDoesNotFitIntoMemoryIsWrittenInPieces)
