@@ -1,9 +1,8 @@
 #include "Media/GStreamer/CameraPipeline.h"
 
-#include "Media/GStreamer/Devices.h"
+#include "Media/GStreamer/CameraFormat.h"
 
 #include <utility>
-#include <vector>
 
 #include <gst/video/video.h>
 
@@ -37,11 +36,11 @@ CameraPipeline::CameraPipeline(const std::atomic<int>& side, Show show)
 {
 }
 
-std::unique_ptr<CameraPipeline> CameraPipeline::start(GstDevice& device,
+std::unique_ptr<CameraPipeline> CameraPipeline::start(GstDevice& device, Way way,
                                                       const std::atomic<int>& side, Show show)
 {
     std::unique_ptr<CameraPipeline> pipeline(new CameraPipeline(side, std::move(show)));
-    if (!pipeline->build(device) ||
+    if (!pipeline->build(device, way) ||
         gst_element_set_state(pipeline->m_pipeline.get(), GST_STATE_PLAYING) ==
             GST_STATE_CHANGE_FAILURE)
         return nullptr;
@@ -61,25 +60,81 @@ GstElement* CameraPipeline::add(GstElement* element)
     return element;
 }
 
-bool CameraPipeline::build(GstDevice& device)
+GstElement* CameraPipeline::add(const char* kind)
+{
+    return add(gst_element_factory_make(kind, nullptr));
+}
+
+std::vector<GstElement*> CameraPipeline::source(GstDevice& device, Way way)
 {
     std::vector<GstElement*> chain{add(gst_device_create_element(&device, nullptr))};
-    const Gst::Owner<GstCaps> offered(gst_device_get_caps(&device));
-    if (const Gst::Owner<GstCaps> format = Devices::formatOf(offered.get())) {
-        chain.push_back(add(gst_element_factory_make("capsfilter", nullptr)));
-        if (chain.back())
-            g_object_set(chain.back(), "caps", format.get(), nullptr);
-        if (Devices::isCompressed(format.get()))
-            chain.push_back(add(gst_element_factory_make("jpegdec", nullptr)));
+    switch (way) {
+    case Way::BestFormat: {
+        const Gst::Owner<GstCaps> offered(gst_device_get_caps(&device));
+        if (const Gst::Owner<GstCaps> format = CameraFormat::bestOf(offered.get())) {
+            chain.push_back(add("capsfilter"));
+            if (chain.back())
+                g_object_set(chain.back(), "caps", format.get(), nullptr);
+            if (CameraFormat::isCompressed(format.get()))
+                chain.push_back(add("jpegdec"));
+        }
+        break;
     }
-    chain.push_back(add(gst_element_factory_make("videoconvert", nullptr)));
-    chain.push_back(add(gst_element_factory_make("appsink", nullptr)));
-    for (std::size_t i = 0; i < chain.size(); ++i) {
-        if (!chain[i] || (i > 0 && !gst_element_link(chain[i - 1], chain[i])))
-            return false;
+    case Way::AnyFormat:
+        chain.push_back(add("decodebin"));
+        break;
     }
-    auto* const sink = GST_APP_SINK(chain.back());
+    return chain;
+}
+
+bool CameraPipeline::build(GstDevice& device, Way way)
+{
+    const std::vector<GstElement*> camera = source(device, way);
+    const std::vector<GstElement*> rest{add("videoconvert"), addSink(way)};
+    const auto isWhole = [](const std::vector<GstElement*>& chain) {
+        for (std::size_t i = 0; i < chain.size(); ++i) {
+            if (!chain[i] || (i > 0 && !gst_element_link(chain[i - 1], chain[i])))
+                return false;
+        }
+        return true;
+    };
+    if (!isWhole(camera) || !isWhole(rest))
+        return false;
+    switch (way) {
+    case Way::BestFormat:
+        return gst_element_link(camera.back(), rest.front()) != FALSE;
+    case Way::AnyFormat: // a decoder has nothing to link before it has seen what comes
+        g_signal_connect(camera.back(), "pad-added", G_CALLBACK(padAdded), rest.front());
+        return true;
+    }
+    Q_UNREACHABLE();
+}
+
+void CameraPipeline::padAdded(GstElement*, GstPad* pad, gpointer next)
+{
+    const Gst::Owner<GstPad> into(
+        gst_element_get_static_pad(static_cast<GstElement*>(next), "sink"));
+    if (!gst_pad_is_linked(into.get()))
+        gst_pad_link(pad, into.get());
+}
+
+GstElement* CameraPipeline::addSink(Way way)
+{
+    GstElement* const element = add("appsink");
+    if (!element)
+        return nullptr;
+    auto* const sink = GST_APP_SINK(element);
     const Gst::Owner<GstCaps> wanted(gst_caps_from_string(readable));
+    switch (way) {
+    case Way::BestFormat:
+        break;
+    case Way::AnyFormat: { // what lies on the graphics card can often be read, if slowly
+        GstCaps* const elsewhere = gst_caps_copy(wanted.get());
+        gst_caps_set_features_simple(elsewhere, gst_caps_features_new("memory:DMABuf", nullptr));
+        gst_caps_append(wanted.get(), elsewhere);
+        break;
+    }
+    }
     gst_app_sink_set_caps(sink, wanted.get());
     gst_app_sink_set_max_buffers(sink, 1);
     gst_app_sink_set_drop(sink, TRUE);
@@ -87,7 +142,7 @@ bool CameraPipeline::build(GstDevice& device)
     GstAppSinkCallbacks callbacks = {};
     callbacks.new_sample = newSample;
     gst_app_sink_set_callbacks(sink, &callbacks, this, nullptr);
-    return true;
+    return element;
 }
 
 GstFlowReturn CameraPipeline::newSample(GstAppSink* sink, gpointer self)

@@ -1,116 +1,94 @@
 #include "Media/GStreamer/Devices.h"
 
+#include "Media/GStreamer/PipeWireServer.h"
+
 #include <algorithm>
-#include <array>
-#include <optional>
+#include <string>
+#include <vector>
 
 namespace {
 
-/// What a bubble has on a screen of scale 2, and some more; in pixels.
-constexpr int enoughPixels = 480;
-constexpr int enoughFramesASecond = 24;
-constexpr int wantedFramesASecond = 30;
-constexpr const char* raw = "video/x-raw";
-constexpr const char* compressed = "image/jpeg";
+constexpr const char* camera = "Video/Source";
 
-/// Started when it is first asked, and then kept: it knows at once what comes and goes.
-GstDeviceMonitor* monitor()
+/// Who knows about devices. Started when first asked, and then kept: it knows at once what comes
+/// and goes.
+struct Provider {
+    std::string name;
+    Gst::Owner<GstDeviceProvider> devices;
+};
+
+/// All but PipeWire's, the ones that GStreamer thinks most of first.
+std::vector<Provider> startProviders()
 {
-    static GstDeviceMonitor* const started = []() -> GstDeviceMonitor* {
-        if (!gst_init_check(nullptr, nullptr, nullptr))
-            return nullptr;
-        GstDeviceMonitor* const made = gst_device_monitor_new();
-        gst_device_monitor_add_filter(made, "Video/Source", nullptr);
-        gst_device_monitor_start(made);
-        return made;
-    }();
+    std::vector<Provider> started;
+    if (!gst_init_check(nullptr, nullptr, nullptr))
+        return started;
+    GList* const factories =
+        gst_device_provider_factory_list_get_device_providers(GST_RANK_MARGINAL);
+    for (const GList* item = factories; item; item = item->next) {
+        auto* const factory = static_cast<GstDeviceProviderFactory*>(item->data);
+        const std::string name = GST_OBJECT_NAME(factory);
+        if (name == PipeWireServer::provider ||
+            !gst_device_provider_factory_has_classes(factory, camera))
+            continue;
+        Gst::Owner<GstDeviceProvider> devices(gst_device_provider_factory_get(factory));
+        if (!devices)
+            continue;
+        if (gst_device_provider_can_monitor(devices.get()))
+            gst_device_provider_start(devices.get());
+        // We ask for the list; what it tells of each change would heap up.
+        const Gst::Owner<GstBus> bus(gst_device_provider_get_bus(devices.get()));
+        gst_bus_set_flushing(bus.get(), TRUE);
+        started.push_back({name, std::move(devices)});
+    }
+    g_list_free_full(factories, gst_object_unref);
     return started;
 }
 
-bool holds(const GValue* value, GType type)
+/// Whether `provider`, which may be null, has the devices of another one as well.
+bool replaces(GstDeviceProvider* provider, const std::string& other)
 {
-    return value && value->g_type == type; // GLib's own macros cast the const away
+    gchar** const hidden = provider ? gst_device_provider_get_hidden_providers(provider) : nullptr;
+    const bool does = hidden && g_strv_contains(hidden, other.c_str());
+    g_strfreev(hidden);
+    return does;
 }
 
-/// How fast a format can be at most, in frames a second; unknown is fast enough.
-double fastest(const GstStructure& format)
+bool isDefault(GstDevice* device)
 {
-    const auto of = [](const GValue* value) {
-        return static_cast<double>(gst_value_get_fraction_numerator(value)) /
-               std::max(gst_value_get_fraction_denominator(value), 1);
-    };
-    const GValue* const rates = gst_structure_get_value(&format, "framerate");
-    if (holds(rates, GST_TYPE_FRACTION))
-        return of(rates);
-    if (holds(rates, GST_TYPE_FRACTION_RANGE))
-        return of(gst_value_get_fraction_range_max(rates));
-    if (!holds(rates, GST_TYPE_LIST))
-        return wantedFramesASecond;
-    double most = 0;
-    for (guint i = 0; i < gst_value_list_get_size(rates); ++i) {
-        const GValue* const rate = gst_value_list_get_value(rates, i);
-        if (holds(rate, GST_TYPE_FRACTION))
-            most = std::max(most, of(rate));
+    GstStructure* const properties = gst_device_get_properties(device);
+    gboolean is = FALSE;
+    if (properties) {
+        gst_structure_get_boolean(properties, "is-default", &is);
+        gst_structure_free(properties);
     }
-    return most;
-}
-
-/// How much a format costs; absent when it is not good enough.
-std::optional<int> costOf(const GstStructure& format)
-{
-    constexpr int costOfDecompression = 3;
-    const bool isRaw = gst_structure_has_name(&format, raw);
-    int width = 0, height = 0;
-    if ((!isRaw && !gst_structure_has_name(&format, compressed)) ||
-        !gst_structure_get_int(&format, "width", &width) ||
-        !gst_structure_get_int(&format, "height", &height) ||
-        std::min(width, height) < enoughPixels || fastest(format) < enoughFramesASecond)
-        return {};
-    return width * height * (isRaw ? 1 : costOfDecompression);
+    return is != FALSE;
 }
 
 } // namespace
 
 Gst::Owner<GstDevice> Devices::first()
 {
-    GstDeviceMonitor* const known = monitor();
-    GList* const devices = known ? gst_device_monitor_get_devices(known) : nullptr;
+    // Never ended: their threads may be at work when the program ends.
+    static const auto& providers = *new std::vector<Provider>(startProviders());
+    static auto& pipeWire = *new PipeWireServer;
+    std::vector<GstDeviceProvider*> asked;
+    GstDeviceProvider* const server = gst_is_initialized() ? pipeWire.devices() : nullptr;
+    if (server)
+        asked.push_back(server);
+    for (const Provider& provider : providers) {
+        if (!replaces(server, provider.name))
+            asked.push_back(provider.devices.get());
+    }
     Gst::Owner<GstDevice> found;
-    for (const GList* item = devices; item; item = item->next) {
-        auto* const device = static_cast<GstDevice*>(item->data);
-        GstStructure* const properties = gst_device_get_properties(device);
-        gboolean isDefault = FALSE;
-        if (properties) {
-            gst_structure_get_boolean(properties, "is-default", &isDefault);
-            gst_structure_free(properties);
+    for (GstDeviceProvider* const provider : asked) {
+        GList* const devices = gst_device_provider_get_devices(provider);
+        for (const GList* item = devices; item; item = item->next) {
+            auto* const device = static_cast<GstDevice*>(item->data);
+            if (gst_device_has_classes(device, camera) && (!found || isDefault(device)))
+                found.reset(static_cast<GstDevice*>(gst_object_ref(device)));
         }
-        if (!found || isDefault)
-            found.reset(static_cast<GstDevice*>(gst_object_ref(device)));
+        g_list_free_full(devices, gst_object_unref);
     }
-    g_list_free_full(devices, gst_object_unref);
     return found;
-}
-
-Gst::Owner<GstCaps> Devices::formatOf(const GstCaps* offered)
-{
-    const GstStructure* best = nullptr;
-    int least = 0;
-    for (guint i = 0; offered && i < gst_caps_get_size(offered); ++i) {
-        const GstStructure* const format = gst_caps_get_structure(offered, i);
-        const std::optional<int> cost = costOf(*format);
-        if (cost && (!best || *cost < least)) {
-            best = format;
-            least = *cost;
-        }
-    }
-    if (!best)
-        return nullptr;
-    GstStructure* const chosen = gst_structure_copy(best);
-    gst_structure_fixate_field_nearest_fraction(chosen, "framerate", wantedFramesASecond, 1);
-    return Gst::Owner<GstCaps>(gst_caps_new_full(chosen, nullptr));
-}
-
-bool Devices::isCompressed(const GstCaps* format)
-{
-    return format && gst_structure_has_name(gst_caps_get_structure(format, 0), compressed);
 }

@@ -16,6 +16,13 @@ constexpr int mostIdleLooks = 5;
 /// One that has sent nothing at all in so many does not begin.
 constexpr int mostFirstLooks = 10;
 
+using Way = CameraPipeline::Way;
+
+constexpr Way otherThan(Way way)
+{
+    return way == Way::BestFormat ? Way::AnyFormat : Way::BestFormat;
+}
+
 } // namespace
 
 bool LiveCamera::exists()
@@ -35,11 +42,17 @@ LiveCamera::LiveCamera(int side, Show show)
 void LiveCamera::start()
 {
     m_idleLooks = 0;
-    if (const Gst::Owner<GstDevice> device = Devices::first()) {
-        m_pipeline = CameraPipeline::start(*device, m_side, [this](const QImage& picture) {
+    const Gst::Owner<GstDevice> device = Devices::first();
+    if (!device)
+        return;
+    for (const Way way : {m_way, otherThan(m_way)}) {
+        m_way = way;
+        m_pipeline = CameraPipeline::start(*device, way, m_side, [this](const QImage& picture) {
             m_isFresh = true;
             m_show(picture);
         });
+        if (m_pipeline)
+            return;
     }
 }
 
@@ -51,7 +64,8 @@ void LiveCamera::check()
     if (m_pipeline && !m_pipeline->hasEnded() &&
         m_idleLooks < (m_hasPicture ? mostIdleLooks : mostFirstLooks))
         return;
-    m_pipeline.reset();
+    if (std::exchange(m_pipeline, nullptr) && !m_hasPicture)
+        m_way = otherThan(m_way);
     if (std::exchange(m_hasPicture, false))
         m_show({});
     start();

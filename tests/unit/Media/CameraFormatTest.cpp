@@ -1,4 +1,4 @@
-#include "Media/GStreamer/Devices.h"
+#include "Media/GStreamer/CameraFormat.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@ std::string chosen(const std::string& offered)
 {
     gst_init(nullptr, nullptr);
     const Gst::Owner<GstCaps> all(gst_caps_from_string(offered.c_str()));
-    const Gst::Owner<GstCaps> best = Devices::formatOf(all.get());
+    const Gst::Owner<GstCaps> best = CameraFormat::bestOf(all.get());
     if (!best)
         return {};
     gchar* const text = gst_caps_to_string(best.get());
@@ -44,13 +44,22 @@ TEST(CameraFormat, IsRatherNotCompressed)
     EXPECT_EQ(chosen(slow + packed).substr(0, 10), "image/jpeg");
     const Gst::Owner<GstCaps> jpeg(gst_caps_from_string(packed.c_str()));
     const Gst::Owner<GstCaps> raw(gst_caps_from_string(fit.c_str()));
-    EXPECT_TRUE(Devices::isCompressed(jpeg.get()));
-    EXPECT_FALSE(Devices::isCompressed(raw.get()));
+    EXPECT_TRUE(CameraFormat::isCompressed(jpeg.get()));
+    EXPECT_FALSE(CameraFormat::isCompressed(raw.get()));
+}
+
+TEST(CameraFormat, IsOneWhosePicturesLieInMemory)
+{
+    const std::string elsewhere =
+        "video/x-raw(memory:DMABuf), width=640, height=480, framerate=30/1;";
+    EXPECT_EQ(chosen(elsewhere + large),
+              "video/x-raw, width=(int)1280, height=(int)720, framerate=(fraction)30/1");
+    EXPECT_EQ(chosen(elsewhere), "");
 }
 
 TEST(CameraFormat, IsLeftToTheCameraWhenNoneIsGoodEnough)
 {
     EXPECT_EQ(chosen(small + slow), "");
     EXPECT_EQ(chosen("video/x-raw, width=[ 1, 4096 ], height=[ 1, 4096 ];"), "");
-    EXPECT_FALSE(Devices::formatOf(nullptr));
+    EXPECT_FALSE(CameraFormat::bestOf(nullptr));
 }
