@@ -43,11 +43,25 @@ VirtualCamera::VirtualCamera(const std::string& bus, State state)
         fs::create_directories(settings);
         writeFile(settings / "51-no-devices.lua", monitors);
     }
+    startServer();
+    if (state == State::PluggedIn)
+        plugIn();
+}
+
+void VirtualCamera::startServer()
+{
     m_server = start({"pipewire"});
     await("pipewire", [this] { return fs::exists(m_folder / "pipewire-0"); });
     m_manager = start({"wireplumber"});
-    if (state == State::PluggedIn)
-        plugIn();
+}
+
+void VirtualCamera::restartServer()
+{
+    m_camera.reset();
+    m_manager.reset();
+    m_server.reset();
+    fs::remove(m_folder / "pipewire-0");
+    startServer();
 }
 
 void VirtualCamera::plugIn()

@@ -3,6 +3,7 @@
 #include "support/ChildProcess.h"
 #include "support/TemporaryFolder.h"
 
+#include <csignal>
 #include <memory>
 #include <string>
 
@@ -24,7 +25,14 @@ public:
     /// At once, like a pulled cable.
     void unplug() { m_camera.reset(); }
 
+    /// PipeWire crashes, and is started anew without a camera.
+    void restartServer();
+    /// PipeWire answers nobody any more, or goes on.
+    void freeze() { m_server->send(SIGSTOP); }
+    void thaw() { m_server->send(SIGCONT); }
+
 private:
+    void startServer();
     std::unique_ptr<ChildProcess> start(std::vector<std::string> words) const;
     bool isKnown() const;
 

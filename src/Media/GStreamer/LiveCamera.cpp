@@ -1,5 +1,7 @@
 #include "Media/GStreamer/LiveCamera.h"
 
+#include "Media/GStreamer/Devices.h"
+
 #include <chrono>
 #include <utility>
 
@@ -13,8 +15,6 @@ constexpr auto lookTime = 500ms;
 constexpr int mostIdleLooks = 5;
 /// One that has sent nothing at all in so many does not begin.
 constexpr int mostFirstLooks = 10;
-/// Between two questions who knows about cameras: to ask the kernel opens every one.
-constexpr int looksToRenewal = 4;
 
 using Way = CameraPipeline::Way;
 
@@ -27,7 +27,7 @@ constexpr Way otherThan(Way way)
 
 bool LiveCamera::exists()
 {
-    return Devices().first() != nullptr;
+    return Devices::first() != nullptr;
 }
 
 LiveCamera::LiveCamera(int side, Show show)
@@ -42,7 +42,7 @@ LiveCamera::LiveCamera(int side, Show show)
 void LiveCamera::start()
 {
     m_idleLooks = 0;
-    const Gst::Owner<GstDevice> device = m_devices.first();
+    const Gst::Owner<GstDevice> device = Devices::first();
     if (!device)
         return;
     for (const Way way : {m_way, otherThan(m_way)}) {
@@ -61,7 +61,6 @@ void LiveCamera::check()
     const bool isFresh = m_isFresh.exchange(false);
     m_hasPicture = m_hasPicture || isFresh;
     m_idleLooks = isFresh ? 0 : m_idleLooks + 1;
-    ++m_looksSinceRenewal;
     if (m_pipeline && !m_pipeline->hasEnded() &&
         m_idleLooks < (m_hasPicture ? mostIdleLooks : mostFirstLooks))
         return;
@@ -69,9 +68,5 @@ void LiveCamera::check()
         m_way = otherThan(m_way);
     if (std::exchange(m_hasPicture, false))
         m_show({});
-    if (m_looksSinceRenewal >= looksToRenewal) {
-        m_looksSinceRenewal = 0;
-        m_devices.renew();
-    }
     start();
 }

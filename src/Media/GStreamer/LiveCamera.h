@@ -2,7 +2,6 @@
 
 #include "Media/CameraModule.h"
 #include "Media/GStreamer/CameraPipeline.h"
-#include "Media/GStreamer/Devices.h"
 
 #include <QObject>
 #include <QTimer>
@@ -31,11 +30,9 @@ private:
     std::atomic<bool> m_isFresh = false; // whether a picture came since the last look
     Show m_show;
     bool m_hasPicture = false;
-    int m_idleLooks = 0; // in a row
-    int m_looksSinceRenewal = 0;
+    int m_idleLooks = 0;                                         // in a row
     CameraPipeline::Way m_way = CameraPipeline::Way::BestFormat; // that was or is tried
     QTimer m_timer;
-    Devices m_devices;
     std::unique_ptr<CameraPipeline>
         m_pipeline; // null while there is none; goes before what it uses
 };

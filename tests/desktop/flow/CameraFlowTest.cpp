@@ -5,7 +5,11 @@
 #include "desktop/flow/RecordingHands.h"
 #include "support/VirtualCamera.h"
 
+#include <QFile>
+
 #include <csignal>
+
+#include <unistd.h>
 
 using namespace Desktop;
 using namespace std::chrono_literals;
@@ -29,6 +33,33 @@ protected:
     }
 
     CameraBubble bubble() const { return {*desktop, *tamrik}; }
+
+    /// Writes one that runs the program where there is a camera that it may not open.
+    void writeScript(const QString& path) const
+    {
+        const QString devices = desktop->home() + QStringLiteral("/dev");
+        QString script = QStringLiteral("#!/bin/sh\nexec unshare --mount %1 sh -ec '\n")
+                             .arg(geteuid() == 0 ? QString() : QStringLiteral("--map-root-user"));
+        script += QStringLiteral("mkdir \"%1\" \"%1/shm\"\n").arg(devices);
+        script += QStringLiteral("for name in null zero random urandom; do\n"
+                                 "touch \"%1/$name\"\n"
+                                 "mount --bind \"/dev/$name\" \"%1/$name\"\n"
+                                 "done\n")
+                      .arg(devices);
+        script += QStringLiteral("mount --bind /dev/shm \"%1/shm\"\n"
+                                 "ln -s /proc/self/fd \"%1/fd\"\n"
+                                 "install -m 0 /dev/null \"%1/video0\"\n"
+                                 "mount --rbind \"%1\" /dev\n")
+                      .arg(devices);
+        // Without these the administrator, too, is refused what others are.
+        script += QStringLiteral("exec setpriv --bounding-set=-dac_override,-dac_read_search "
+                                 "\"%1\"'\n")
+                      .arg(QStringLiteral(TAMRIK_PROGRAM));
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(script.toUtf8()), script.toUtf8().size());
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
 
     std::unique_ptr<VirtualCamera> camera;
 };
@@ -94,7 +125,7 @@ TEST_F(CameraFlow, ComesAndGoesWithTheCameraAndEndsWithTheProgramWithoutAWord)
     ASSERT_TRUE(succeeded(bubble().toggle()));
     camera->plugIn();
     EXPECT_FALSE(bubble().isShown());
-    // To be asked again before it knows the first answer changes nothing, so ask until it is known.
+    // To be asked again before it knows the first answer calls that off, so ask until it is known.
     const auto asked = waitFor(QStringLiteral("the bubble"), [&]() -> Desktop::Outcome<void> {
         const auto again = bubble().toggle();
         return again ? bubble().awaitShown(true, 2s) : again;
@@ -105,11 +136,65 @@ TEST_F(CameraFlow, ComesAndGoesWithTheCameraAndEndsWithTheProgramWithoutAWord)
     ASSERT_TRUE(succeeded(bubble().awaitNoPicture()));
     camera->plugIn();
     ASSERT_TRUE(succeeded(bubble().awaitPicture()));
+    camera->restartServer();
+    ASSERT_TRUE(succeeded(bubble().awaitNoPicture()));
+    camera->plugIn();
+    ASSERT_TRUE(succeeded(bubble().awaitPicture()));
     ASSERT_TRUE(succeeded(tamrik->app().signal(SIGTERM)));
     const auto ended = tamrik->app().waitForExit();
     ASSERT_TRUE(succeeded(ended));
     EXPECT_EQ(*ended, (Exit{0, false}));
     EXPECT_EQ(tamrik->app().errorOutput(), QString());
+    tamrik.reset();
+}
+
+TEST_F(CameraFlow, AServerThatHangsKeepsNothingElseWaiting)
+{
+    ASSERT_NO_FATAL_FAILURE(beginWith({}, VirtualCamera::State::PluggedIn));
+    ASSERT_TRUE(succeeded(bubble().toggle()));
+    ASSERT_TRUE(succeeded(bubble().awaitShown(true)));
+    ASSERT_TRUE(succeeded(bubble().awaitPicture()));
+    camera->freeze();
+    ASSERT_TRUE(succeeded(bubble().toggle()));
+    ASSERT_TRUE(succeeded(bubble().awaitShown(false)));
+    ASSERT_TRUE(succeeded(bubble().toggle())); // on its way, as long as that takes
+    ASSERT_TRUE(succeeded(bubble().toggle())); // and called off
+    camera->thaw();
+    const auto asked = waitFor(QStringLiteral("the bubble"), [&]() -> Desktop::Outcome<void> {
+        const auto again = bubble().toggle();
+        return again ? bubble().awaitShown(true, 2s) : again;
+    });
+    ASSERT_TRUE(succeeded(asked));
+    ASSERT_TRUE(succeeded(bubble().awaitPicture()));
+    camera->freeze();
+    ASSERT_TRUE(succeeded(tamrik->app().signal(SIGTERM)));
+    const auto ended = tamrik->app().waitForExit();
+    camera->thaw();
+    ASSERT_TRUE(succeeded(ended));
+    EXPECT_EQ(*ended, (Exit{0, false}));
+    EXPECT_EQ(tamrik->app().errorOutput(), QString());
+    tamrik.reset();
+}
+
+TEST_F(CameraFlow, ARefusedCameraIsSaidEachTimeAndHasNoBubble)
+{
+    ASSERT_NO_FATAL_FAILURE(begin({}));
+    ASSERT_TRUE(succeeded(tamrik->app().stop()));
+    const QString program = desktop->home() + QStringLiteral("/without-rights");
+    ASSERT_NO_FATAL_FAILURE(writeScript(program));
+    auto launched = Tamrik::startAndAwaitKeys(*desktop, program);
+    ASSERT_TRUE(succeeded(launched));
+    tamrik = std::move(*launched);
+    QString said;
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_TRUE(succeeded(bubble().toggle()));
+        said += QStringLiteral("Tamrik: camera access denied — System Settings → "
+                               "Privacy & Security → Camera\n");
+        ASSERT_TRUE(succeeded(tamrik->app().awaitErrorOutput(said)));
+        EXPECT_FALSE(bubble().isShown());
+    }
+    ASSERT_TRUE(succeeded(tamrik->app().stop()));
+    EXPECT_EQ(tamrik->app().errorOutput(), said);
     tamrik.reset();
 }
 

@@ -79,19 +79,6 @@ void initServers(gpointer type, gpointer)
                                                   "Has at most one", "Tamrik");
 }
 
-void registerServer()
-{
-    gst_init(nullptr, nullptr);
-    static const bool isRegistered =
-        gst_device_provider_register(
-            nullptr, "tamriktestcameras", GST_RANK_PRIMARY,
-            g_type_register_static_simple(GST_TYPE_DEVICE_PROVIDER, "TamrikTestServer",
-                                          sizeof(GstDeviceProviderClass), initServers,
-                                          sizeof(GstDeviceProvider), nullptr, {})) != FALSE;
-    if (!isRegistered)
-        throw std::runtime_error("no cameras for tests");
-}
-
 GstDevice* makeCamera(const std::string& format)
 {
     const Gst::Owner<GstCaps> caps(gst_caps_from_string(format.c_str()));
@@ -106,9 +93,21 @@ GstDevice* makeCamera(const std::string& format)
 
 } // namespace
 
+void TestCameras::startServer()
+{
+    gst_init(nullptr, nullptr);
+    static const bool isRegistered =
+        gst_device_provider_register(
+            nullptr, "tamriktestcameras", GST_RANK_PRIMARY,
+            g_type_register_static_simple(GST_TYPE_DEVICE_PROVIDER, "TamrikTestServer",
+                                          sizeof(GstDeviceProviderClass), initServers,
+                                          sizeof(GstDeviceProvider), nullptr, {})) != FALSE;
+    if (!isRegistered)
+        throw std::runtime_error("no cameras for tests");
+}
+
 void TestCameras::plugIn(const std::string& format, const std::string& source)
 {
-    registerServer();
     pluggedInSource = source;
     pluggedIn.reset(GST_DEVICE(gst_object_ref_sink(makeCamera(format))));
     if (listener)
@@ -120,12 +119,6 @@ void TestCameras::unplug()
     if (pluggedIn && listener)
         gst_device_provider_device_remove(listener, pluggedIn.get());
     pluggedIn.reset();
-}
-
-void TestCameras::restartServer()
-{
-    registerServer();
-    listener = nullptr;
 }
 
 bool TestCameras::forgetsACameraThatGoes()

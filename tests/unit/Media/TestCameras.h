@@ -2,8 +2,7 @@
 
 #include <string>
 
-/// A server for GStreamer that knows of cameras. Like a real one, it tells a client that asked
-/// before it was started anew of nothing.
+/// A server for GStreamer that knows of at most one camera.
 namespace TestCameras {
 
 /// A camera that offers `format` and sends what the elements `source`, in the words of
@@ -12,8 +11,8 @@ namespace TestCameras {
 void plugIn(const std::string& format, const std::string& source);
 void unplug();
 
-/// What is plugged in or out from now on, only those learn that ask afresh.
-void restartServer();
+/// Call it before anybody asks for cameras.
+void startServer();
 
 /// Plugs one in and out again, and says whether everybody has forgotten it.
 bool forgetsACameraThatGoes();
