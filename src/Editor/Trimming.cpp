@@ -58,6 +58,11 @@ void Trimming::connectBar()
     });
 }
 
+std::optional<FilmRange> Trimming::selectedRange() const
+{
+    return m_chosen && !m_chosen->isWhole() ? std::optional(m_chosen->range()) : std::nullopt;
+}
+
 bool Trimming::canBegin() const
 {
     return m_playback.isReady() && m_playback.frames().duration() > 0;
@@ -70,7 +75,8 @@ void Trimming::begin()
     m_playback.pause();
     m_timeBefore = m_playback.state().time;
     const FrameGrid& frames = m_playback.frames();
-    m_model = m_range ? TrimModel(frames, *m_range) : TrimModel(frames);
+    m_model = m_chosen.value_or(TrimModel(frames));
+    m_model->setFrames(frames);
     m_playback.setLimits(m_model->range());
     m_bar.showModel(*m_model);
     m_bar.setVisible(true);
@@ -83,13 +89,13 @@ void Trimming::begin()
 void Trimming::takeFrames()
 {
     const FrameGrid& frames = m_playback.frames();
-    if (m_range)
-        m_range = TrimModel(frames, *m_range).range();
+    if (m_chosen)
+        m_chosen->setFrames(frames);
     if (m_model) {
         m_model->setFrames(frames);
         m_bar.showModel(*m_model);
     }
-    m_playback.setLimits(m_model ? m_model->range() : m_range);
+    m_playback.setLimits(m_model ? m_model->range() : selectedRange());
 }
 
 void Trimming::loadStrip()
@@ -135,7 +141,7 @@ void Trimming::confirm()
 {
     if (!m_model)
         return;
-    m_range = m_model->isWhole() ? std::nullopt : std::optional(m_model->range());
+    m_chosen = m_model;
     const double time = m_playback.state().time;
     end();
     m_playback.seek(time);
@@ -154,7 +160,7 @@ void Trimming::end()
     m_model.reset();
     m_reading.cancel();
     m_playback.pause();
-    m_playback.setLimits(m_range);
+    m_playback.setLimits(selectedRange());
     m_bar.parentWidget()->setFocus(); // before it would go anywhere
     m_bar.hide();
     Q_EMIT toggled();

@@ -21,7 +21,7 @@ public:
     Trimming(FilmPlayback& playback, TrimBar& bar, QString path, FilmLoader loader, Clock clock);
 
     /// What was confirmed; absent while that is the whole film.
-    std::optional<FilmRange> selectedRange() const { return m_range; }
+    std::optional<FilmRange> selectedRange() const;
 
     bool canBegin() const;
     bool isOn() const { return m_model.has_value(); }
@@ -51,8 +51,8 @@ private:
     QString m_path;
     FilmLoader m_loader;
     Clock m_clock;
-    std::optional<FilmRange> m_range;
-    std::optional<TrimModel> m_model; ///< While the handles show.
+    std::optional<TrimModel> m_chosen; ///< What was confirmed last.
+    std::optional<TrimModel> m_model;  ///< While the handles show.
     double m_timeBefore = 0;
     int m_stripVersion = 0;
     Cancellation m_reading;

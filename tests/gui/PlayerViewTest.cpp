@@ -438,6 +438,18 @@ TEST_F(PlayerViewTest, ARangeMovesToFramesThatBecomeKnownLater)
     EXPECT_EQ(record.end, std::nullopt);
 }
 
+TEST_F(PlayerViewTest, ARangeToTheEndStaysOneWhenTheFilmTurnsOutLonger)
+{
+    gotTimes = {};
+    open(file("other.mp4"));
+    record.player->become(readyState());
+    editor->trimClicked();
+    Q_EMIT strip().moved(Handle::start, 2);
+    view().trimming().confirm();
+    gotTimes(FilmTimes{{0, 2, 4, 9.9, 10.4}, 11, {}});
+    EXPECT_EQ(editor->exportRange(), (FilmRange{2, 11}));
+}
+
 TEST_F(PlayerViewTest, EverythingHasANameForScreenReaders)
 {
     editor->trimClicked();

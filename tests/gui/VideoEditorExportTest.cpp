@@ -59,15 +59,15 @@ TEST_F(VideoEditorExport, HandlesThatAreNotConfirmedDoNotCount)
     openReady();
     editor->trimClicked();
     moveHandles(2, 7);
-    ASSERT_TRUE(view().isTrimming());
+    ASSERT_TRUE(view().trimming().isOn());
     expectExported(0, 10);
-    view().confirmTrimming();
+    view().trimming().confirm();
     expectExported(2, 7);
     editor->trimClicked();
     moveHandles(3, 5);
-    ASSERT_TRUE(view().isTrimming());
+    ASSERT_TRUE(view().trimming().isOn());
     expectExported(2, 7);
-    view().cancelTrimming();
+    view().trimming().cancel();
     expectExported(2, 7);
 }
 
