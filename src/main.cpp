@@ -4,7 +4,6 @@
 #include "Editor/EditorWindowController.h"
 #include "Editor/VideoEditorWindowController.h"
 #include "GIFExporter.h"
-#include "Media/FrameReader.h"
 #include "Platform/Application.h"
 #include "Platform/CameraAccess.h"
 #include "Platform/Defaults.h"
@@ -54,12 +53,6 @@ std::shared_ptr<Subsystems::Editor> makeImageEditor(const QUrl& image)
     return editorOf(image, EditorWindowController::open(image, Clock::system()));
 }
 
-std::optional<double> durationOf(const QString& video)
-{
-    const auto film = FrameReader::open(video);
-    return film ? film->duration() : std::nullopt;
-}
-
 /// The end of the program waits for it: the file is wanted, and is there within seconds.
 void trim(const QString& source, double start, double end, const QString& destination,
           MovieExport::Completion completion)
@@ -74,16 +67,9 @@ makeVideoEditor(const QUrl& video, const decltype(Subsystems::GIF::exportVideo)&
     VideoEditorServices services{.clock = Clock::system(),
                                  .openPlayer = Player::open,
                                  .loader = FilmLoader::system(),
-                                 .readDuration = durationOf,
                                  .canTrim = MovieExport::isPossible,
                                  .trim = trim,
-                                 .exportGIF = {}};
-    if (exportGIF)
-        services.exportGIF = [exportGIF](const QUrl& file, FilmRange range, const QUrl& destination,
-                                         std::function<void(bool)> completion) {
-            exportGIF(file, {range.start, range.end - range.start}, destination,
-                      std::move(completion));
-        };
+                                 .exportGIF = exportGIF};
     auto opened = VideoEditorWindowController::open(video, std::move(services));
     VideoEditorWindowController* const controller = opened.get();
     auto editor = editorOf(video, std::move(opened));

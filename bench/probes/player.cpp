@@ -71,7 +71,6 @@ struct Editor {
         : controller(VideoEditorWindowController::open(file, {.clock = Clock::system(),
                                                               .openPlayer = Player::open,
                                                               .loader = FilmLoader::system(),
-                                                              .readDuration = {},
                                                               .canTrim = {},
                                                               .trim = {},
                                                               .exportGIF = {}}))

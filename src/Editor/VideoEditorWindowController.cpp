@@ -129,11 +129,8 @@ FilmRange VideoEditorWindowController::exportRange() const
 {
     if (const auto selected = m_playerView->trimming().selectedRange())
         return *selected;
-    if (const auto known = m_playerView->duration())
-        return {0, *known};
-    const auto read =
-        m_services.readDuration ? m_services.readDuration(m_videoURL.toLocalFile()) : std::nullopt;
-    return {0, read.value_or(std::numeric_limits<double>::infinity())}; // wherever that is
+    // Who exports finds the end where it is not known yet.
+    return {0, m_playerView->duration().value_or(std::numeric_limits<double>::infinity())};
 }
 
 void VideoEditorWindowController::trimClicked()
@@ -193,11 +190,13 @@ void VideoEditorWindowController::exportGIF()
         if (onFileProduced)
             onFileProduced(destination);
     };
-    if (m_services.exportGIF)
-        m_services.exportGIF(m_videoURL, exportRange(), destination,
-                             Guarded::once<bool>(this, ended));
-    else
+    if (!m_services.exportGIF) {
         ended(false);
+        return;
+    }
+    const FilmRange range = exportRange();
+    m_services.exportGIF(m_videoURL, {range.start, range.end - range.start}, destination,
+                         Guarded::once<bool>(this, ended));
 }
 
 void VideoEditorWindowController::copyFile()

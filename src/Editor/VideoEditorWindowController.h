@@ -5,6 +5,7 @@
 #include "Media/MovieExport.h"
 #include "Media/Player.h"
 #include "Support/Clock.h"
+#include "TimeRange.h"
 
 #include <QObject>
 #include <QUrl>
@@ -23,8 +24,6 @@ struct VideoEditorServices {
     /// Null when there is no player.
     std::function<std::unique_ptr<Player>(const QString& path)> openPlayer;
     FilmLoader loader;
-    /// In seconds; absent when the file cannot be read or does not say.
-    std::function<std::optional<double>(const QString& path)> readDuration;
     /// Whether `trim` has what it needs.
     std::function<bool()> canTrim;
     /// Copies a range of a movie without encoding it again. The completion is called once, on any
@@ -33,7 +32,7 @@ struct VideoEditorServices {
                        MovieExport::Completion completion)>
         trim;
     /// Makes a GIF of a range of a video. The completion is called once, on the main thread.
-    std::function<void(const QUrl& video, FilmRange range, const QUrl& destination,
+    std::function<void(const QUrl& video, TimeRange range, const QUrl& destination,
                        std::function<void(bool succeeded)> completion)>
         exportGIF;
 };

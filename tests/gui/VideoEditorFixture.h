@@ -32,7 +32,7 @@ protected:
     };
     struct GIF {
         QUrl video;
-        FilmRange range;
+        TimeRange range;
         QUrl destination;
         std::function<void(bool)> completion;
     };
@@ -70,7 +70,6 @@ protected:
                                   FilmLoader::GotFrame got, const Cancellation& cancellation) {
                                strips.push_back({times, box, std::move(got), cancellation});
                            }},
-            .readDuration = [](const QString&) { return std::optional(12.5); },
             .canTrim = [this] { return canTrim; },
             .trim =
                 [this](const QString& source, double start, double end, const QString& destination,
@@ -78,7 +77,7 @@ protected:
                     trims.push_back({source, start, end, destination, std::move(completion)});
                 },
             .exportGIF =
-                [this](const QUrl& video, FilmRange range, const QUrl& destination,
+                [this](const QUrl& video, TimeRange range, const QUrl& destination,
                        std::function<void(bool)> completion) {
                     gifs.push_back({video, range, destination, std::move(completion)});
                 }};
