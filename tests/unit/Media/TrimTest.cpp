@@ -135,12 +135,12 @@ TEST_F(Trim, PlaysTheRangeToTheFrameAndTheSample)
         {0, 1},                      // from the beginning
         {whole.frames[7].time, 2.5}, // on a picture, and up to one
         {whole.frames[7].time, whole.frames[9].time},
-        {0.777, 3.123},                      // between pictures
-        {1.2, 1.21},                         // within one that shows long
-        {2.01, 3.5},                         // past a key frame, up to the end
-        {whole.frames[59].time + 0.01, 3.5}, // in the last picture
-        {0, 3.5},                            // all
-        {-5, 1e300}};                        // and more than that
+        {0.777, 3.123},                                 // between pictures
+        {1.2, 1.21},                                    // within one that shows long
+        {2.01, 3.5},                                    // past a key frame, up to the end
+        {whole.frames[59].time + 0.01, 3.5},            // in the last picture
+        {0, 3.5},                                       // all
+        {-5, std::numeric_limits<double>::infinity()}}; // and more than that
     for (const auto& [start, end] : ranges) {
         SCOPED_TRACE(testing::Message() << start << " to " << end);
         expectTrimmed(source, start, end);
