@@ -8,12 +8,19 @@ namespace {
 /// From so many it is found out. No codec has more than 16 pictures that wait for others.
 constexpr std::size_t enough = 64;
 
+/// No film is longer, and all can be counted with it.
+constexpr std::int64_t longest = std::int64_t{1} << 52;
+
 } // namespace
 
 void DecodingTimes::put(Av::Packet picture)
 {
     if (!picture) {
         m_hasAll = true;
+        return;
+    }
+    if (picture->pts < -longest || picture->pts > longest) {
+        m_failure = Failure{"the times of its pictures are out of range"};
         return;
     }
     m_times.insert(picture->pts);

@@ -19,7 +19,7 @@ public:
     /// The next one with its decoding time; null until more were put.
     Av::Packet next();
 
-    /// Whether it turned out that the order cannot be told. Nothing comes any more then.
+    /// Whether it turned out that the times cannot be told. Nothing comes any more then.
     PossibleFailure failure() const { return m_failure; }
 
 private:
