@@ -140,10 +140,18 @@ Outcome<void> Input::dragAndDrop(QPoint from, QPoint to) const
     if (const auto begun = xdotool(m_desktop, pressed(Button::Left) + travel(from, to, motion));
         !begun)
         return begun;
-    const auto taken = waitFor(QStringLiteral("somebody who takes it"), [&]() -> Outcome<void> {
-        const QString name = cursorName();
-        return name == QStringLiteral("dnd-copy") ? Outcome<void>() : Failure{name};
-    });
+    // A target may want to be asked again once it knows what comes, and is when the pointer moves.
+    int step = 0;
+    const auto taken = waitFor(
+        QStringLiteral("somebody who takes it"),
+        [&]() -> Outcome<void> {
+            const QString name = cursorName();
+            if (name == QStringLiteral("dnd-copy"))
+                return {};
+            const auto moved = xdotool(m_desktop, jump(to + QPoint(++step % 2, 0)));
+            return moved ? Failure{name} : moved;
+        },
+        3 * patience);
     const auto let = release();
     return taken ? let : taken;
 }
