@@ -59,15 +59,16 @@ TEST_F(VideoEditorExport, HandlesThatAreNotConfirmedDoNotCount)
     openReady();
     editor->trimClicked();
     moveHandles(2, 7);
-    ASSERT_TRUE(view().isTrimming());
+    ASSERT_TRUE(view().trimBar().isVisible());
     expectExported(0, 10);
-    view().confirmTrimming();
+    press(Qt::Key_Return);
     expectExported(2, 7);
     editor->trimClicked();
     moveHandles(3, 5);
-    ASSERT_TRUE(view().isTrimming());
+    ASSERT_TRUE(view().trimBar().isVisible());
     expectExported(2, 7);
-    view().cancelTrimming();
+    press(Qt::Key_Escape);
+    ASSERT_FALSE(view().trimBar().isVisible());
     expectExported(2, 7);
 }
 
