@@ -59,15 +59,16 @@ TEST_F(VideoEditorExport, HandlesThatAreNotConfirmedDoNotCount)
     openReady();
     editor->trimClicked();
     moveHandles(2, 7);
-    ASSERT_TRUE(view().trimming().isOn());
+    ASSERT_TRUE(view().trimBar().isVisible());
     expectExported(0, 10);
-    view().trimming().confirm();
+    press(Qt::Key_Return);
     expectExported(2, 7);
     editor->trimClicked();
     moveHandles(3, 5);
-    ASSERT_TRUE(view().trimming().isOn());
+    ASSERT_TRUE(view().trimBar().isVisible());
     expectExported(2, 7);
-    view().trimming().cancel();
+    press(Qt::Key_Escape);
+    ASSERT_FALSE(view().trimBar().isVisible());
     expectExported(2, 7);
 }
 

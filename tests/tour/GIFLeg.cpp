@@ -2,21 +2,44 @@
 #include "desktop/harness/App.h"
 #include "desktop/harness/Clipboard.h"
 #include "desktop/harness/Input.h"
+#include "desktop/harness/Screen.h"
 #include "tour/Legs.h"
 
 #include <QImageReader>
 #include <QUrl>
 
 #include <memory>
-#include <thread>
+#include <optional>
 
 using namespace Desktop;
-using namespace std::chrono_literals;
 
 namespace {
 
 /// A command that writes a line again and again.
 const QString busy = QStringLiteral("i=0; while :; do i=$((i+1)); echo frame $i; sleep 0.05; done");
+
+/// Waits until the clock in the controls has gone on twice: at least a second has passed.
+Outcome<void> awaitTwoSeconds(const VirtualDesktop& desktop, const RecordingControls& controls)
+{
+    const double scale = desktop.options().scale;
+    const QRect bar = controls.bar();
+    const QRect clock(bar.left() + qRound(30 * scale), bar.top(), qRound(28 * scale), bar.height());
+    auto seen = Screen(desktop).grab(clock);
+    if (!seen)
+        return seen.failure();
+    for (int seconds = 1; seconds <= 2; ++seconds) {
+        const auto gone = waitUntil(QStringLiteral("second %1 on the clock").arg(seconds), [&] {
+            auto now = Screen(desktop).grab(clock);
+            const bool isOther = now && *now != *seen;
+            if (isOther)
+                seen = std::move(now);
+            return isOther;
+        });
+        if (!gone)
+            return gone;
+    }
+    return {};
+}
 
 } // namespace
 
@@ -25,6 +48,7 @@ void Legs::recordingAsGIF(Tour& tour, const VirtualDesktop& desktop, Tamrik& tam
     const Input input(desktop);
     const QRect area(1080, 180, 600, 360);
     std::unique_ptr<App> terminal;
+    std::optional<RecordingControls> controls;
     const QStringList before = tamrik.captures();
     QString gif;
 
@@ -51,19 +75,23 @@ void Legs::recordingAsGIF(Tour& tour, const VirtualDesktop& desktop, Tamrik& tam
         if (const auto pressed = input.key(QStringLiteral("alt+Return")); !pressed)
             return pressed;
         const auto shown = RecordingControls::await(desktop, tamrik);
-        return shown ? shown->awaitPaused(false) : shown.failure();
+        if (!shown)
+            return shown.failure();
+        controls.emplace(*shown);
+        return controls->awaitPaused(false);
     });
     tour.step(
         QStringLiteral(
             "After a second Alt+Shift+R ends it: a GIF is on the clipboard, its film beside it"),
         [&]() -> Outcome<void> {
-            std::this_thread::sleep_for(1200ms);
+            if (const auto filmed = awaitTwoSeconds(desktop, *controls); !filmed)
+                return filmed;
             if (const auto pressed = input.key(QStringLiteral("alt+shift+r")); !pressed)
                 return pressed;
             const auto copied = waitUntil(QStringLiteral("a GIF on the clipboard"), [&] {
                 const auto uris = Clipboard(desktop).read(QStringLiteral("text/uri-list"));
                 gif = uris ? QUrl::fromEncoded(uris->trimmed()).toLocalFile() : QString();
-                return gif.endsWith(QStringLiteral(".gif"));
+                return gif.endsWith(QStringLiteral(".gif")) && !before.contains(gif);
             });
             if (!copied)
                 return copied;

@@ -1,11 +1,15 @@
 #include "desktop/flow/RecordingHands.h"
 #include "desktop/flow/VideoEditorOnDesktop.h"
+#include "desktop/harness/Clipboard.h"
 #include "desktop/harness/Input.h"
 #include "desktop/harness/Windows.h"
 #include "tour/Legs.h"
 
 #include <QFileInfo>
+#include <QImageReader>
+#include <QUrl>
 
+#include <cmath>
 #include <optional>
 
 using namespace Desktop;
@@ -17,6 +21,7 @@ void Legs::videoEditor(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik
     const QString film = films.isEmpty() ? QString() : films.constFirst();
     const QString trimmed = QFileInfo(film).path() + u'/' + QFileInfo(film).completeBaseName() +
                             QStringLiteral(" trimmed.mp4");
+    const QString gif = film.chopped(3) + QStringLiteral("gif");
     std::optional<VideoEditorOnDesktop> editor;
 
     tour.leg(QStringLiteral("The video editor"));
@@ -66,6 +71,27 @@ void Legs::videoEditor(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik
                              : Failure{QStringLiteral("it lasts %1 s").arg(part->seconds)};
               });
     tour.show(trimmed);
+    tour.step(QStringLiteral("Export GIF makes a GIF of it, which is on the clipboard"),
+              [&]() -> Outcome<void> {
+                  if (const auto clicked = editor->click(VideoEditorOnDesktop::Tool::ExportGIF);
+                      !clicked)
+                      return clicked;
+                  const QByteArray uri = QUrl::fromLocalFile(gif).toEncoded();
+                  const auto copied = waitUntil(QStringLiteral("the GIF's address"), [&] {
+                      const auto uris = Clipboard(desktop).read(QStringLiteral("text/uri-list"));
+                      return uris && uris->trimmed() == uri;
+                  });
+                  if (!copied)
+                      return copied;
+                  const auto part = Film::read(trimmed);
+                  if (!part)
+                      return part.failure();
+                  const int frames = QImageReader(gif).imageCount();
+                  return std::abs(frames - 10 * part->seconds) <= 1.5
+                             ? Outcome<void>()
+                             : Failure{QStringLiteral("it has %1 frames").arg(frames)};
+              });
+    tour.show(gif);
     tour.step(QStringLiteral("Space plays the part alone; Ctrl+W closes the window"),
               [&]() -> Outcome<void> {
                   if (const auto played = input.key(QStringLiteral("space")); !played)
