@@ -152,8 +152,8 @@ PossibleFailure animateHalves(const OpenVideo& open, const AnimatedGIF::Frames& 
                          : PossibleFailure(other.failure());
         };
         // Waited for at the end of the block.
-        const auto secondReader = std::async(
-            std::launch::async, [&] { handover.endLater(contained(readSecond)); });
+        const auto secondReader =
+            std::async(std::launch::async, [&] { handover.endLater(contained(readSecond)); });
         const PossibleFailure failure = contained([&]() -> PossibleFailure {
             if (PossibleFailure unread = first.read(**video, times.first(middle)))
                 return unread;
@@ -182,6 +182,5 @@ PossibleFailure GIF::animate(const OpenVideo& open, const AnimatedGIF::Frames& f
                              const Sink& sink, const Cancellation& cancellation,
                              std::size_t mostKept)
 {
-    return contained(
-        [&] { return animateHalves(open, frames, sink, cancellation, mostKept); });
+    return contained([&] { return animateHalves(open, frames, sink, cancellation, mostKept); });
 }
