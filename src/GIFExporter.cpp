@@ -3,10 +3,10 @@
 #include "GIFSchedule.h"
 #include "Media/AnimatedGIF.h"
 #include "Media/FrameReader.h"
+#include "Support/Background.h"
 #include "Support/FileTurn.h"
 
 #include <QCoreApplication>
-#include <QThreadPool>
 
 #include <limits>
 #include <memory>
@@ -17,27 +17,17 @@ namespace {
 
 constexpr QSize largest = {800, 800}; // pixels
 
-/// Those that run, whoever asked for them.
-struct Exports {
-    Exports()
-    {
-        threads.setMaxThreadCount(std::numeric_limits<int>::max());
-        // The application object is there until the last one has ended.
-        qAddPostRoutine([] {
-            running().cancellation.cancel();
-            running().threads.waitForDone();
-        });
-    }
-
-    static Exports& running()
-    {
-        static Exports exports;
-        return exports;
-    }
-
-    Cancellation cancellation;
-    QThreadPool threads;
-};
+/// Of all exports, whoever asked for them: their GIFs are of no use to a program that has ended.
+const Cancellation& endOfProgram()
+{
+    static const Cancellation cancellation = [] {
+        // Routines that are added last are called first: the threads are waited for afterwards.
+        (void)Background::threads();
+        qAddPostRoutine([] { endOfProgram().cancel(); });
+        return Cancellation();
+    }();
+    return cancellation;
+}
 
 /// In seconds, 0 when it cannot be found out; absent when it is no video.
 std::optional<double> durationOf(const QString& video, const Cancellation& cancellation)
@@ -70,15 +60,14 @@ bool makeGIF(const QString& video, TimeRange range, const QString& destination,
 void GIFExporter::exportVideo(const QUrl& video, TimeRange range, const QUrl& destination,
                               std::function<void(bool succeeded)> completion)
 {
-    Exports& exports = Exports::running();
     const auto turn = std::make_shared<FileTurn>(destination.toLocalFile());
-    exports.threads.start([source = video.toLocalFile(), range, target = destination.toLocalFile(),
-                           completion = std::move(completion), turn,
-                           cancellation = exports.cancellation] {
-        turn->await();
-        const bool succeeded = makeGIF(source, range, target, cancellation);
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(), [completion, succeeded] { completion(succeeded); },
-            Qt::QueuedConnection);
-    });
+    Background::threads().start(
+        [source = video.toLocalFile(), range, target = destination.toLocalFile(),
+         completion = std::move(completion), turn, cancellation = endOfProgram()] {
+            turn->await();
+            const bool succeeded = makeGIF(source, range, target, cancellation);
+            QMetaObject::invokeMethod(
+                QCoreApplication::instance(), [completion, succeeded] { completion(succeeded); },
+                Qt::QueuedConnection);
+        });
 }

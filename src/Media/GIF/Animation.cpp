@@ -2,10 +2,12 @@
 
 #include "Media/Fitting.h"
 
+#include <atomic>
 #include <condition_variable>
+#include <exception>
+#include <future>
 #include <mutex>
 #include <span>
-#include <thread>
 #include <utility>
 
 using namespace GIF;
@@ -24,7 +26,19 @@ std::size_t half(const FrameSource& video, std::size_t frames)
     return frames < fewFrames || isLarge ? frames : (frames + 1) / 2;
 }
 
-/// Brings the bytes of two halves that are made at the same time into one file.
+/// What `work` comes back with; a failure where it throws.
+template <typename Work>
+PossibleFailure contained(const Work& work)
+{
+    try {
+        return work();
+    } catch (const std::exception& error) { // above all there is no memory left
+        return Failure{error.what()};
+    }
+}
+
+/// Brings the bytes of two halves that are made at the same time into one file. Once one has
+/// failed, both are over.
 class Handover {
 public:
     Handover(const Sink& sink, std::size_t mostHeld)
@@ -45,7 +59,7 @@ public:
             return {};
         }
         m_changed.wait(lock, [this] { return m_isEarlierOver; });
-        if (m_failure)
+        if (m_hasFailed)
             return m_failure;
         if (PossibleFailure failure = putHeld())
             return failure;
@@ -53,11 +67,11 @@ public:
     }
 
     /// The later half has been read.
-    void endLater()
+    void endLater(const PossibleFailure& failure)
     {
         const std::lock_guard lock(m_mutex);
         m_isLaterRead = true;
-        m_changed.notify_all();
+        end(failure);
     }
 
     /// Waits until it is known whether the later half has written something before all of it was
@@ -74,11 +88,24 @@ public:
     {
         const std::lock_guard lock(m_mutex);
         m_isEarlierOver = true;
-        m_failure = failure;
+        end(failure);
+    }
+
+    bool hasFailed() const { return m_hasFailed; }
+
+    /// Of the half that failed first. When both are over.
+    PossibleFailure failure() const { return m_failure; }
+
+private:
+    void end(const PossibleFailure& failure)
+    {
+        if (failure && !m_hasFailed) {
+            m_failure = failure;
+            m_hasFailed = true;
+        }
         m_changed.notify_all();
     }
 
-private:
     PossibleFailure putHeld()
     {
         const Bytes held = std::exchange(m_held, {});
@@ -87,6 +114,7 @@ private:
 
     const Sink& m_sink;
     const std::size_t m_mostHeld;
+    std::atomic<bool> m_hasFailed = false;
     std::mutex m_mutex; // for the rest
     std::condition_variable m_changed;
     Bytes m_held;
@@ -96,11 +124,9 @@ private:
     PossibleFailure m_failure;
 };
 
-} // namespace
-
-PossibleFailure GIF::animate(const OpenVideo& open, const AnimatedGIF::Frames& frames,
-                             const Sink& sink, const Cancellation& cancellation,
-                             std::size_t mostKept)
+PossibleFailure animateHalves(const OpenVideo& open, const AnimatedGIF::Frames& frames,
+                              const Sink& sink, const Cancellation& cancellation,
+                              std::size_t mostKept)
 {
     const auto video = open();
     if (!video)
@@ -111,36 +137,50 @@ PossibleFailure GIF::animate(const OpenVideo& open, const AnimatedGIF::Frames& f
     const std::size_t middle = half(**video, times.size());
 
     Handover handover(sink, mostKept);
-    Section first(layout, Section::Place::AtTheBeginning, sink, cancellation);
+    const auto isOver = [&] { return cancellation.isCancelled() || handover.hasFailed(); };
+    Section first(layout, Section::Place::AtTheBeginning, sink, isOver);
     Section second(
         layout, Section::Place::Behind,
-        [&handover](const Bytes& bytes) { return handover.putLater(bytes); }, cancellation);
-    PossibleFailure secondFailure;
-    std::thread secondReader([&] {
-        if (middle < times.size()) {
+        [&handover](const Bytes& bytes) { return handover.putLater(bytes); }, isOver);
+    bool isApart = false;
+    {
+        const auto readSecond = [&]() -> PossibleFailure {
+            if (middle == times.size())
+                return {};
             const auto other = open();
-            secondFailure = other ? second.read(**other, times.subspan(middle))
-                                  : PossibleFailure(other.failure());
-        }
-        handover.endLater();
-    });
-    PossibleFailure failure = first.read(**video, times.first(middle));
-    // Frames that are still kept get the same colours in both halves.
-    const bool isApart = !failure && handover.awaitLater();
-    if (isApart)
-        failure = first.finish();
-    if (isApart || failure)
-        handover.endEarlier(failure);
-    secondReader.join();
-    if (failure || secondFailure)
-        return failure ? failure : secondFailure;
+            return other ? second.read(**other, times.subspan(middle))
+                         : PossibleFailure(other.failure());
+        };
+        // Waited for at the end of the block.
+        const auto secondReader =
+            std::async(std::launch::async, [&] { handover.endLater(contained(readSecond)); });
+        const PossibleFailure failure = contained([&]() -> PossibleFailure {
+            if (PossibleFailure unread = first.read(**video, times.first(middle)))
+                return unread;
+            // Frames that are still kept get the same colours in both halves.
+            isApart = handover.awaitLater();
+            return isApart ? first.finish() : PossibleFailure();
+        });
+        if (isApart || failure)
+            handover.endEarlier(failure);
+    }
+    if (PossibleFailure failure = handover.failure())
+        return failure;
     if (first.isEmpty() && second.isEmpty())
         return Failure{"there is no frame at these times"};
-    failure = isApart ? second.finish() : first.finish(&second);
-    if (failure)
+    if (PossibleFailure failure = isApart ? second.finish() : first.finish(&second))
         return failure;
     Bytes end;
     appendEnd(end);
     handover.endEarlier({});
     return handover.putLater(end);
+}
+
+} // namespace
+
+PossibleFailure GIF::animate(const OpenVideo& open, const AnimatedGIF::Frames& frames,
+                             const Sink& sink, const Cancellation& cancellation,
+                             std::size_t mostKept)
+{
+    return contained([&] { return animateHalves(open, frames, sink, cancellation, mostKept); });
 }

@@ -16,7 +16,7 @@ using OpenVideo = std::function<Result<std::unique_ptr<FrameSource>>()>;
 inline constexpr std::size_t usuallyKept = 20'000'000;
 
 /// Gives the bytes of the file that AnimatedGIF::write makes to `sink`; none when there is no
-/// frame. `open` is called for each thread that reads.
+/// frame. `open` is called for each thread that reads. What is thrown meanwhile is a failure.
 PossibleFailure animate(const OpenVideo& open, const AnimatedGIF::Frames& frames, const Sink& sink,
                         const Cancellation& cancellation, std::size_t mostKept = usuallyKept);
 

@@ -4,8 +4,8 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <future>
 #include <mutex>
-#include <thread>
 #include <utility>
 
 using namespace GIF;
@@ -59,10 +59,10 @@ QImage conformed(const QImage& picture, QSize size)
 
 } // namespace
 
-Section::Section(const Layout& layout, Place place, Sink sink, Cancellation cancellation)
+Section::Section(const Layout& layout, Place place, Sink sink, IsOver isOver)
     : m_layout(layout)
     , m_sink(std::move(sink))
-    , m_cancellation(std::move(cancellation))
+    , m_isOver(std::move(isOver))
     , m_beginsFile(place == Place::AtTheBeginning)
     , m_kept(static_cast<std::size_t>(layout.size.width()) *
              static_cast<std::size_t>(layout.size.height()))
@@ -74,7 +74,7 @@ PossibleFailure Section::read(FrameSource& video, std::span<const double> times)
 {
     std::optional<double> last; // when the frame that was taken last begins
     for (const double time : times) {
-        if (m_cancellation.isCancelled())
+        if (m_isOver())
             return Failure{"it was cancelled"};
         const auto showing = video.goTo(time);
         if (!showing || !isClose(*showing, time))
@@ -131,7 +131,7 @@ PossibleFailure Section::write(const PackedFrames& frames, int threads)
 {
     PackedFrames::Reader reader(frames);
     for (std::size_t written = 0; written < frames.count();) {
-        if (m_cancellation.isCancelled())
+        if (m_isOver())
             return Failure{"it was cancelled"};
         const std::size_t count = std::min(framesAtOnce, frames.count() - written);
         for (const Bytes& bytes : encoded(reader, count, threads)) {
@@ -161,11 +161,11 @@ std::vector<Bytes> Section::encoded(PackedFrames::Reader& frames, std::size_t co
                         compressor);
         }
     };
-    std::vector<std::thread> others;
+    std::vector<std::future<void>> others; // which are waited for also where one throws
     for (int i = 1; i < threads; ++i)
-        others.emplace_back(work);
+        others.push_back(std::async(std::launch::async, work));
     work();
-    for (std::thread& other : others)
-        other.join();
+    for (std::future<void>& other : others)
+        other.get();
     return all;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Media/Cancellation.h"
 #include "Media/FrameReader.h"
 #include "Media/GIF/FrameMapping.h"
 #include "Media/GIF/PackedFrames.h"
@@ -33,7 +32,10 @@ public:
     /// Whether the section begins the file: its first colours are the file's then.
     enum class Place { AtTheBeginning, Behind };
 
-    Section(const Layout& layout, Place place, Sink sink, Cancellation cancellation);
+    /// Whether it is of no use to go on; asked before each frame. Any thread.
+    using IsOver = std::function<bool()>;
+
+    Section(const Layout& layout, Place place, Sink sink, IsOver isOver);
 
     /// Takes the frames of `video` that show at `times`, which grow.
     PossibleFailure read(FrameSource& video, std::span<const double> times);
@@ -55,7 +57,7 @@ private:
 
     Layout m_layout;
     Sink m_sink;
-    Cancellation m_cancellation;
+    IsOver m_isOver;
     bool m_beginsFile;
     bool m_hasWritten = false;
     bool m_isPaletteOfFile = false;

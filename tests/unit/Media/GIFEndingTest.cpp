@@ -1,131 +1,144 @@
-// GIFs whose program ends while they are written, and how often one that is complete plays.
-
-#include "Media/AnimatedGIF.h"
-#include "support/ChildProcess.h"
-#include "support/TemporaryFolder.h"
-#include "unit/Media/Videos.h"
+#include "Media/GIF/Animation.h"
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <cstdint>
-#include <filesystem>
+#include <atomic>
+#include <chrono>
+#include <new>
+#include <optional>
+#include <thread>
+
+using namespace std::chrono_literals;
 
 namespace {
 
-namespace fs = std::filesystem;
+constexpr int frameCount = 20'000;
+constexpr int half = frameCount / 2;
 
-class GIFEnding : public testing::Test {
-protected:
-    GIFEnding() { fs::create_directory(m_folder / "out"); }
+/// What a reader does instead of giving its tenth frame.
+enum class Trouble { None, Failure, Throwing, NoEnd };
 
-    TemporaryFolder m_folder;
-    std::string m_film = m_folder / "film.mp4";
-    std::string m_gif = m_folder / "out/made.gif";
-};
-
-/// Goes through a GIF file (GIF89a specification) by itself.
-class Blocks {
+/// A still film with as many frames as one will ever look at.
+class Still : public FrameSource {
 public:
-    explicit Blocks(const std::string& bytes)
-        : m_bytes(bytes)
+    Still(Trouble trouble, std::atomic<int>& taken)
+        : m_trouble(trouble)
+        , m_taken(taken)
     {
-        m_place = 13 + coloursBehind(10);
     }
 
-    /// The numbers of repetitions that are asked for before the first picture and behind it, and
-    /// how many pictures there are.
-    struct Found {
-        std::vector<int> before, behind;
-        int pictures = 0;
-    };
-    Found find()
+    QSize size() const override { return {4, 4}; }
+    std::optional<double> duration() const override { return frameCount; }
+
+    Result<Showing> goTo(double seconds) override
     {
-        Found found;
-        for (int kind = next(); kind != 0x3b; kind = next()) {
-            if (kind == 0x21)
-                takeExtension(found.pictures == 0 ? found.before : found.behind);
-            else
-                takePicture(found.pictures);
-        }
-        return found;
+        m_at = seconds;
+        ++m_taken;
+        if (m_trouble == Trouble::NoEnd) // within reason
+            std::this_thread::sleep_for(1ms);
+        if (m_trouble == Trouble::Throwing && ++m_asked == 10)
+            throw std::bad_alloc();
+        return Showing{seconds, seconds + 1};
+    }
+
+    Result<QImage> picture(QSize) override
+    {
+        QImage image(4, 4, QImage::Format_RGB32);
+        image.fill(static_cast<unsigned>(m_at));
+        return image;
     }
 
 private:
-    int at(std::size_t place) const { return static_cast<std::uint8_t>(m_bytes.at(place)); }
-    int next() { return at(m_place++); }
-    /// How many bytes of colours follow a place that says so.
-    std::size_t coloursBehind(std::size_t place) const
+    const Trouble m_trouble;
+    std::atomic<int>& m_taken;
+    int m_asked = 0;
+    double m_at = 0;
+};
+
+/// Makes a GIF of two halves, and says why there is none.
+class GIFEnding : public testing::Test {
+protected:
+    std::optional<std::string> failure(Trouble first, Trouble second,
+                                       std::size_t mostKept = GIF::usuallyKept)
     {
-        const int flags = at(place);
-        return (flags & 0x80) != 0 ? std::size_t{3} << ((flags & 7) + 1) : 0;
-    }
-    std::string subBlock()
-    {
-        const auto length = static_cast<std::size_t>(next());
-        m_place += length;
-        return m_bytes.substr(m_place - length, length);
-    }
-    void takeExtension(std::vector<int>& repetitions)
-    {
-        const bool isOfApplication = next() == 0xff;
-        const bool isLoop = subBlock() == "NETSCAPE2.0" && isOfApplication;
-        for (std::string block = subBlock(); !block.empty(); block = subBlock()) {
-            if (isLoop && block.size() == 3 && block[0] == 1)
-                repetitions.push_back(static_cast<std::uint8_t>(block[1]) +
-                                      256 * static_cast<std::uint8_t>(block[2]));
-        }
-    }
-    void takePicture(int& pictures)
-    {
-        ++pictures;
-        m_place += 9 + coloursBehind(m_place + 8) + 1;
-        while (!subBlock().empty()) {
-        }
+        AnimatedGIF::Frames frames{{}, 10, {800, 800}};
+        for (int i = 0; i < frameCount; ++i)
+            frames.times.push_back(i);
+        const auto failure = GIF::animate(
+            [&]() -> Result<std::unique_ptr<FrameSource>> {
+                const bool isFirst = m_opened++ == 0;
+                const Trouble trouble = isFirst ? first : second;
+                if (trouble == Trouble::Failure)
+                    return Failure{"cannot be opened"};
+                return std::unique_ptr<FrameSource>(
+                    std::make_unique<Still>(trouble, isFirst ? m_takenFirst : m_takenSecond));
+            },
+            frames, m_sink, m_cancellation, mostKept);
+        return failure ? std::optional(failure->message) : std::nullopt;
     }
 
-    const std::string& m_bytes;
-    std::size_t m_place = 0;
+    GIF::Sink m_sink = [](const GIF::Bytes&) { return PossibleFailure(); };
+    Cancellation m_cancellation;
+    std::atomic<int> m_opened = 0;
+    std::atomic<int> m_takenFirst = 0;
+    std::atomic<int> m_takenSecond = 0;
 };
 
 } // namespace
 
-TEST_F(GIFEnding, OfTheProgramWhileMuchIsWrittenLeavesNothing)
+TEST_F(GIFEnding, OfOneHalfIsThatOfTheOther)
 {
-    // Noise, of which only so much is kept before it is written; the rest takes seconds.
-    Videos::make({"-f", "lavfi", "-i", "color=gray:s=480x360:r=10:d=12,noise=alls=100:allf=t",
-                  "-pix_fmt", "yuv420p", "-preset", "ultrafast", "-crf", "30", "-g", "10", m_film});
-    const Outcome outcome = run({{TAMRIK_GIF_PROGRAM, m_film, m_gif, "100000"}, {}});
-    EXPECT_EQ(outcome.status, 0) << outcome.error;
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_TRUE(fs::is_empty(m_folder / "out"));
+    EXPECT_EQ(failure(Trouble::NoEnd, Trouble::Failure), "cannot be opened");
+    EXPECT_LT(m_takenFirst, half);
+    m_opened = 0;
+    m_takenFirst = 0;
+    EXPECT_EQ(failure(Trouble::NoEnd, Trouble::Throwing), "std::bad_alloc");
+    EXPECT_LT(m_takenFirst, half);
+    m_opened = 0;
+    m_takenSecond = 0;
+    EXPECT_EQ(failure(Trouble::Throwing, Trouble::NoEnd), "std::bad_alloc");
+    EXPECT_LT(m_takenSecond, half);
 }
 
-TEST_F(GIFEnding, OfAProgramThatIsKilledWhileItWritesLeavesNothing)
+TEST_F(GIFEnding, OfAFullDiskIsThatOfBothHalves)
 {
-    writeFile(m_folder / "raw", Videos::greyFrames(60));
-    Videos::encode(m_folder / "raw", {}, m_film);
-    // The system kills it when it writes more than 1024 bytes.
-    const Outcome outcome = run({{"sh", "-c", "ulimit -c 0; ulimit -f 2; exec \"$@\"", "sh",
-                                  TAMRIK_GIF_PROGRAM, m_film, m_gif, "1000000"},
-                                 {}});
-    EXPECT_EQ(outcome.signal, SIGXFSZ) << outcome.status << outcome.error;
-    EXPECT_TRUE(fs::is_empty(m_folder / "out"));
+    m_sink = [](const GIF::Bytes&) { return Failure{"the disk is full"}; };
+    EXPECT_EQ(failure(Trouble::None, Trouble::NoEnd, 1), "the disk is full");
+    EXPECT_LT(m_takenFirst, half);
+    EXPECT_LT(m_takenSecond, half);
+    // The later half has more than is kept for it, and waits.
+    m_opened = 0;
+    m_takenFirst = 0;
+    EXPECT_EQ(failure(Trouble::NoEnd, Trouble::None, 1), "the disk is full");
+    EXPECT_LT(m_takenFirst, half);
 }
 
-TEST_F(GIFEnding, IsNotTheEndOfWhatItShowsWhichBeginsAgainForEver)
+TEST_F(GIFEnding, OfWhatThrowsWhileItIsWrittenIsAFailure)
 {
-    writeFile(m_folder / "raw", Videos::greyFrames(9));
-    Videos::encode(m_folder / "raw", {}, m_film);
-    for (const std::vector<double>& times : {std::vector<double>{0}, {0, 0.1, 0.2}}) {
-        const PossibleFailure failure =
-            AnimatedGIF::write(QString::fromStdString(m_film), {times, 10, {800, 800}},
-                               QString::fromStdString(m_gif), {});
-        ASSERT_FALSE(failure) << failure->message;
-        const std::string bytes = contentOf(m_gif);
-        const Blocks::Found found = Blocks(bytes).find();
-        EXPECT_EQ(found.pictures, static_cast<int>(times.size()));
-        EXPECT_EQ(found.before, std::vector<int>{0});
-        EXPECT_EQ(found.behind, std::vector<int>{});
-    }
+    m_sink = [](const GIF::Bytes&) -> PossibleFailure { throw std::bad_alloc(); };
+    EXPECT_EQ(failure(Trouble::None, Trouble::None), "std::bad_alloc");
+    m_opened = 0;
+    EXPECT_EQ(failure(Trouble::None, Trouble::None, 1'000), "std::bad_alloc");
+}
+
+TEST_F(GIFEnding, ComesSoonWhenItIsCancelled)
+{
+    m_sink = [this](const GIF::Bytes&) {
+        m_cancellation.cancel();
+        return PossibleFailure();
+    };
+    EXPECT_EQ(failure(Trouble::NoEnd, Trouble::NoEnd, 1), "it was cancelled");
+    EXPECT_LT(m_takenFirst, half);
+    EXPECT_LT(m_takenSecond, half);
+    // And while it is written.
+    m_opened = 0;
+    m_cancellation = {};
+    int pieces = 0;
+    m_sink = [&](const GIF::Bytes&) {
+        ++pieces;
+        m_cancellation.cancel();
+        return PossibleFailure();
+    };
+    EXPECT_EQ(failure(Trouble::None, Trouble::None), "it was cancelled");
+    EXPECT_LT(pieces, 20);
 }
