@@ -212,6 +212,19 @@ TEST_F(AppDelegateTest, AnUndecidedCameraIsAskedFor)
     EXPECT_TRUE(menuItem("Camera Bubble")->isChecked());
 }
 
+TEST_F(AppDelegateTest, ACameraThatTheUserRefusesWhenAskedIsNotShownAndNothingIsSaid)
+{
+    authorization = Subsystems::CameraAuthorization::notDetermined;
+    launch();
+    app->toggleCamera();
+    answerCamera(nullptr);
+    EXPECT_FALSE(app->hasCameraBubble());
+    EXPECT_FALSE(menuItem("Camera Bubble")->isChecked());
+    takeNotes();
+    app->toggleCamera();
+    EXPECT_EQ(takeNotes(), QStringList{QStringLiteral("camera asked")}) << "it was no call-off";
+}
+
 TEST_F(AppDelegateTest, ACameraThatDoesNotAnswerIsCalledOff)
 {
     std::vector<std::pair<QPointer<QObject>, Subsystems::Camera::Completion>> searches;

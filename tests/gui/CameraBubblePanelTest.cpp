@@ -122,6 +122,7 @@ TEST_F(CameraBubblePanelTest, IsABlackDiscWithABorderUntilThereIsAPicture)
     }
     EXPECT_EQ(at(100, 3), QColor(Qt::black));
     EXPECT_GT(at(20, 20).lightness(), 60) << "outside the circle there is but its shadow";
+    EXPECT_LT(at(100, 203).lightness(), at(100, 217).lightness()) << "which is there";
 }
 
 TEST_F(CameraBubblePanelTest, MirrorsThePicture)

