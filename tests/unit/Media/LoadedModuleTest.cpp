@@ -1,6 +1,7 @@
 #include "Media/CameraModule.h"
 #include "Media/MediaModule.h"
 #include "Media/PlayerModule.h"
+#include "support/EventLoop.h"
 
 #include <gtest/gtest.h>
 
@@ -22,7 +23,7 @@ TEST(LoadedModule, ThePlayerIsFoundLikewise)
     ASSERT_TRUE(PlayerModule::get());
     const std::unique_ptr<Player> player = Player::open(QStringLiteral("/nothing/here.mp4"));
     ASSERT_TRUE(player);
-    EXPECT_EQ(player->state().phase, PlayerState::Phase::failed);
+    EXPECT_TRUE(runUntil([&] { return player->state().phase == PlayerState::Phase::failed; }));
 }
 
 TEST(LoadedModule, TheCameraIsFoundLikewise)
