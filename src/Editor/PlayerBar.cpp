@@ -111,7 +111,9 @@ void PlayerBar::show(const PlayerState& state, FilmRange range)
     m_range = range;
     const bool isReady = state.phase == PlayerState::Phase::ready;
     const double length = range.end - range.start;
-    const double elapsed = std::clamp(state.time - range.start, 0.0, std::max(length, 0.0));
+    // The last frame may stand for long.
+    const double time = state.atEnd ? range.end : state.time;
+    const double elapsed = std::clamp(time - range.start, 0.0, std::max(length, 0.0));
     for (QWidget* control : std::initializer_list<QWidget*>{m_play, m_position})
         control->setEnabled(isReady);
     showPlaying(*m_play, state.playing);

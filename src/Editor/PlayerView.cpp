@@ -212,6 +212,12 @@ void PlayerView::mouseMoveEvent(QMouseEvent* event)
         revealControls();
 }
 
+void PlayerView::leaveEvent(QEvent* event)
+{
+    revealControls(); // and looks again later
+    QWidget::leaveEvent(event);
+}
+
 void PlayerView::revealControls()
 {
     ++m_activity;
@@ -222,7 +228,10 @@ void PlayerView::revealControls()
 
 void PlayerView::hideControlsIfUnused(int since)
 {
-    if (since != m_activity || !m_playback.state().playing)
+    if (since != m_activity)
+        return;
+    // A film that stands still can be seen whole when the mouse is elsewhere.
+    if (!m_playback.state().playing && underMouse())
         return;
     if (m_bar->underMouse() || m_bar->position().isSliderDown() || m_bar->volume().isSliderDown())
         revealControls(); // and looks again later

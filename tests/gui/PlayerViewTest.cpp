@@ -2,6 +2,7 @@
 
 #include "gui/VideoEditorFixture.h"
 
+#include "Fade.h"
 #include "NumberLabel.h"
 
 #include <QAccessible>
@@ -138,6 +139,12 @@ TEST_F(PlayerViewTest, TheBarShowsWhereTheFilmStands)
     EXPECT_EQ(bar.playButton().accessibleName(), QStringLiteral("Play (Space)"));
     press(Qt::Key_Space);
     EXPECT_EQ(bar.playButton().accessibleName(), QStringLiteral("Pause (Space)"));
+    PlayerState ended = state();
+    ended.time = 9.2; // where the last frame begins
+    ended.atEnd = true;
+    record.player->become(ended);
+    EXPECT_EQ(bar.position().value(), 10000);
+    EXPECT_EQ(bar.elapsed().text(), QStringLiteral("0:10"));
     EXPECT_EQ(clockText(3723.99), QStringLiteral("1:02:03"));
     EXPECT_EQ(clockText(59.99999), QStringLiteral("1:00"));
     EXPECT_EQ(clockText(-1), QStringLiteral("0:00"));
@@ -215,8 +222,6 @@ TEST_F(PlayerViewTest, SoundCanBeTurnedDownWhereThereIsSome)
 TEST_F(PlayerViewTest, ControlsGoWhileItPlaysAndComeBack)
 {
     EXPECT_TRUE(view().controlsShow());
-    clock.advance(10s);
-    EXPECT_TRUE(view().controlsShow()); // it does not play
     press(Qt::Key_Space);
     clock.advance(2400ms);
     EXPECT_TRUE(view().controlsShow());
@@ -243,6 +248,30 @@ TEST_F(PlayerViewTest, ControlsGoWhileItPlaysAndComeBack)
         QCoreApplication::sendEvent(control, &moved);
         EXPECT_TRUE(view().controlsShow());
     }
+}
+
+TEST_F(PlayerViewTest, ControlsOfAFilmThatStandsStillGoWithTheMouse)
+{
+    const auto move = [this](QEvent::Type type) {
+        QEnterEvent entered({300, 300}, {300, 300}, {300, 300});
+        QEvent left(QEvent::Leave);
+        view().setAttribute(Qt::WA_UnderMouse, type == QEvent::Enter);
+        QCoreApplication::sendEvent(&view(), type == QEvent::Enter ? &entered : &left);
+    };
+    move(QEvent::Enter);
+    clock.advance(3s);
+    QWidget other;
+    auto* const asLong = new Fade(other, 1);
+    asLong->animateTo(0);
+    EXPECT_TRUE(runUntil([&] { return asLong->opacity() == 0; }));
+    EXPECT_TRUE(view().controlsShow());
+    move(QEvent::Leave);
+    clock.advance(2s);
+    EXPECT_TRUE(view().controlsShow());
+    clock.advance(1s);
+    EXPECT_TRUE(runUntil([&] { return !view().controlsShow(); }));
+    press(Qt::Key_Right);
+    EXPECT_TRUE(view().controlsShow());
 }
 
 TEST_F(PlayerViewTest, AClickOnThePicturePlays)
