@@ -9,7 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iostream>
+#include <iterator>
 #include <thread>
 
 using namespace Desktop;
@@ -170,16 +170,18 @@ TEST_F(RecordingTruth, AfterManyPausesEveryBeepIsHeardWhenItsFlashIsSeen)
     EXPECT_GE(seen.size(), flashes - excused(flashes));
     EXPECT_LE(std::abs(static_cast<qsizetype>(heard.size()) - flashes), excused(flashes));
     ASSERT_FALSE(heard.empty());
-    qsizetype apart = 0;
-    double farthest = 0;
-    for (auto flash = seen.begin(); flash != seen.end(); ++flash) {
-        const double distance = Tones::nearest(heard, flash.value()) - flash.value();
-        farthest = std::max(farthest, std::abs(distance));
-        if (std::abs(distance) > 1.0 / 30) {
-            ++apart;
-            std::cout << "after " << flash.key() - 1 << " pauses: " << distance << " s\n";
-        }
-    }
-    EXPECT_LE(apart, excused(flashes));
-    RecordProperty("farthest_milliseconds", std::to_string(1000 * farthest));
+    std::vector<double> apart; // in seconds, in order
+    for (const double flash : seen)
+        apart.push_back(std::abs(Tones::nearest(heard, flash) - flash));
+    // By the middle one, since the machine may be busy when one of them sounds; of the last ones
+    // too, in which errors of all the pauses would have added up.
+    const auto middle = [](std::vector<double> distances) {
+        std::sort(distances.begin(), distances.end());
+        return distances[distances.size() / 2];
+    };
+    EXPECT_LE(middle(apart), 1.0 / 30);
+    EXPECT_LE(middle({apart.end() - std::min<std::ptrdiff_t>(10, std::ssize(apart)), apart.end()}),
+              1.0 / 30);
+    RecordProperty("farthest_milliseconds",
+                   std::to_string(1000 * *std::max_element(apart.begin(), apart.end())));
 }
