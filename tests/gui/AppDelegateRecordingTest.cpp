@@ -140,6 +140,23 @@ TEST_F(AppDelegateTest, AFailedConversionDeliversTheMP4)
     EXPECT_EQ(chips(), QList<QUrl>{file("/movies/a.mp4")});
 }
 
+TEST_F(AppDelegateTest, AConversionThatTheProgramDoesNotLiveToSeeLeavesTheMP4)
+{
+    launch();
+    CaptureFiles::createFolder();
+    const QString film = CaptureFiles::folder() + QStringLiteral("/a.mp4");
+    QFile written(film);
+    ASSERT_TRUE(written.open(QIODevice::WriteOnly));
+    record(true);
+    finishRecording(QUrl::fromLocalFile(film));
+    ASSERT_EQ(gifExports.size(), 1);
+    app.reset();
+    finishGIF(true);
+    EXPECT_TRUE(FakePlatform::current().pasteboard.empty());
+    EXPECT_EQ(QDir(CaptureFiles::folder()).entryList(QDir::Files),
+              QStringList{QStringLiteral("a.mp4")});
+}
+
 TEST_F(AppDelegateTest, WhatAnInterruptedRecordingLeftIsDeliveredAsAnyOther)
 {
     launch();

@@ -179,6 +179,27 @@ TEST_F(GIFExport, IsUprightAndFitsInto800Pixels)
     EXPECT_LT(qGray(high.pixel(350, 400)), 5);
 }
 
+TEST_F(GIFExport, IsSharpAndScaledByWhatEveryPixelIs)
+{
+    // Columns, black and white in turn.
+    const auto columns = [this](const std::string& size) {
+        Videos::make({"-f", "lavfi", "-i",
+                      "nullsrc=s=" + size + ":d=0.1,geq=lum='16+219*mod(X,2)':cb=128:cr=128",
+                      "-pix_fmt", "yuv420p", "-preset", "ultrafast", "-qp", "1",
+                      m_folder / "columns.mp4"});
+        EXPECT_TRUE(exported(m_folder / "columns.mp4"));
+        return PlayedGIF::of(m_gif).frames.at(0);
+    };
+    const QImage whole = columns("400x16");
+    ASSERT_EQ(whole.size(), QSize(400, 16));
+    for (int x = 0; x < 400; ++x)
+        ASSERT_NEAR(qGray(whole.pixel(x, 7)), x % 2 * 255, 3) << x;
+    const QImage half = columns("1600x16");
+    ASSERT_EQ(half.size(), QSize(800, 8));
+    for (int x = 1; x < 799; ++x)
+        ASSERT_NEAR(qGray(half.pixel(x, 3)), 128, 6) << x;
+}
+
 TEST_F(GIFExport, IsMadeOfFilmsOfAllKinds)
 {
     const std::vector<std::pair<std::string, std::vector<std::string>>> kinds = {
@@ -240,10 +261,16 @@ TEST_F(GIFExport, ThatCannotBeWrittenIsAFailureThatLeavesNothing)
     const rlimit small{2'000, usual.rlim_max};
     setrlimit(RLIMIT_FSIZE, &small);
     const bool succeeded = exported(video);
+    const bool isEmpty = fs::is_empty(m_folder / "out");
+    writeFile(m_gif, "old");
+    const bool succeededOverOld = exported(video);
     setrlimit(RLIMIT_FSIZE, &usual);
     std::signal(SIGXFSZ, handler);
     EXPECT_FALSE(succeeded);
-    EXPECT_TRUE(fs::is_empty(m_folder / "out"));
+    EXPECT_TRUE(isEmpty);
+    EXPECT_FALSE(succeededOverOld);
+    EXPECT_EQ(contentOf(m_gif), "old");
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder / "out"), {}), 1);
     EXPECT_TRUE(exported(video));
 }
 
