@@ -151,22 +151,10 @@ TEST_F(CameraFlow, ComesAndGoesWithTheCameraAndEndsWithTheProgramWithoutAWord)
 TEST_F(CameraFlow, AServerThatHangsKeepsNothingElseWaiting)
 {
     ASSERT_NO_FATAL_FAILURE(beginWith({}, VirtualCamera::State::PluggedIn));
-    ASSERT_TRUE(succeeded(bubble().toggle()));
-    ASSERT_TRUE(succeeded(bubble().awaitShown(true)));
-    ASSERT_TRUE(succeeded(bubble().awaitPicture()));
     camera->freeze();
-    ASSERT_TRUE(succeeded(bubble().toggle()));
-    ASSERT_TRUE(succeeded(bubble().awaitShown(false)));
     ASSERT_TRUE(succeeded(bubble().toggle())); // on its way, as long as that takes
     ASSERT_TRUE(succeeded(bubble().toggle())); // and called off
-    camera->thaw();
-    const auto asked = waitFor(QStringLiteral("the bubble"), [&]() -> Desktop::Outcome<void> {
-        const auto again = bubble().toggle();
-        return again ? bubble().awaitShown(true, 2s) : again;
-    });
-    ASSERT_TRUE(succeeded(asked));
-    // Not its picture: a pipewiresink that was begun and ended at once may send nothing more.
-    camera->freeze();
+    EXPECT_FALSE(bubble().isShown());
     ASSERT_TRUE(succeeded(tamrik->app().signal(SIGTERM)));
     const auto ended = tamrik->app().waitForExit();
     camera->thaw();
