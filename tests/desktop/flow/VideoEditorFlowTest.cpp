@@ -187,7 +187,9 @@ TEST_P(VideoEditorFlow, PlaysTrimsAndGivesAway)
     ASSERT_TRUE(succeeded(tamrik->awaitChips(2)));
     EXPECT_EQ(editor->title(), QStringLiteral("GIF ✓ film.gif"));
     EXPECT_EQ(uris(), uriOf(beside("film.gif")));
-    expectGIF(beside("film.gif"), first, last, Film::read(trimmed)->seconds);
+    const auto part = Film::read(trimmed);
+    ASSERT_TRUE(succeeded(part));
+    expectGIF(beside("film.gif"), first, last, part->seconds);
     ASSERT_TRUE(succeeded(editor->click(Tool::CopyFile)));
     EXPECT_TRUE(succeeded(
         waitUntil(QStringLiteral("the film's address"), [&] { return uris() == uriOf(film); })));

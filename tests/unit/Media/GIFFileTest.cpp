@@ -15,9 +15,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class GIFEnding : public testing::Test {
+class GIFFile : public testing::Test {
 protected:
-    GIFEnding() { fs::create_directory(m_folder / "out"); }
+    GIFFile() { fs::create_directory(m_folder / "out"); }
 
     TemporaryFolder m_folder;
     std::string m_film = m_folder / "film.mp4";
@@ -90,7 +90,7 @@ private:
 
 } // namespace
 
-TEST_F(GIFEnding, OfTheProgramWhileMuchIsWrittenLeavesNothing)
+TEST_F(GIFFile, IsNotThereWhenTheProgramEndsWhileMuchOfItIsWritten)
 {
     // Noise, of which only so much is kept before it is written; the rest takes seconds.
     Videos::make({"-f", "lavfi", "-i", "color=gray:s=480x360:r=10:d=12,noise=alls=100:allf=t",
@@ -101,7 +101,7 @@ TEST_F(GIFEnding, OfTheProgramWhileMuchIsWrittenLeavesNothing)
     EXPECT_TRUE(fs::is_empty(m_folder / "out"));
 }
 
-TEST_F(GIFEnding, OfAProgramThatIsKilledWhileItWritesLeavesNothing)
+TEST_F(GIFFile, IsNotThereWhenTheProgramIsKilledWhileItWrites)
 {
     writeFile(m_folder / "raw", Videos::greyFrames(60));
     Videos::encode(m_folder / "raw", {}, m_film);
@@ -113,7 +113,7 @@ TEST_F(GIFEnding, OfAProgramThatIsKilledWhileItWritesLeavesNothing)
     EXPECT_TRUE(fs::is_empty(m_folder / "out"));
 }
 
-TEST_F(GIFEnding, IsNotTheEndOfWhatItShowsWhichBeginsAgainForEver)
+TEST_F(GIFFile, SaysThatItBeginsAgainForEver)
 {
     writeFile(m_folder / "raw", Videos::greyFrames(9));
     Videos::encode(m_folder / "raw", {}, m_film);
