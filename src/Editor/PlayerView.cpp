@@ -93,6 +93,9 @@ void PlayerView::playerChanged()
 {
     if (m_playback.isReady() && !std::exchange(m_timesAsked, true))
         loadTimes();
+    const QSize size = m_playback.state().size;
+    if (std::exchange(m_filmSize, size) != size)
+        update(); // the picture may have come before its size
     showState();
     if (m_onceOpened && m_playback.state().phase != PlayerState::Phase::opening)
         std::exchange(m_onceOpened, nullptr)();

@@ -71,6 +71,7 @@ private:
     Clock m_clock;
     FilmPlayback m_playback;
     QImage m_picture;
+    QSize m_filmSize;
     std::optional<double> m_duration;
     std::function<void()> m_onceOpened;
     bool m_timesAsked = false;

@@ -7,6 +7,7 @@
 
 #include <QAccessible>
 #include <QMouseEvent>
+#include <QPaintEvent>
 
 #include <gmock/gmock.h>
 
@@ -39,7 +40,37 @@ protected:
     }
 };
 
+/// Where a widget is painted from now on.
+class Painted : public QObject {
+public:
+    explicit Painted(QWidget& widget) { widget.installEventFilter(this); }
+    const QRegion& region() const { return m_region; }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint)
+            m_region += static_cast<QPaintEvent*>(event)->region();
+        return false;
+    }
+
+private:
+    QRegion m_region;
+};
+
 } // namespace
+
+TEST_F(VideoEditorTest, APictureThatComesBeforeTheFilmsSizeShows)
+{
+    open(file("clip.mp4"));
+    record.player->onPicture();
+    settle();
+    const Painted painted(view());
+    record.player->become(readyState());
+    settle();
+    EXPECT_TRUE(painted.region().contains(view().pictureRect().toAlignedRect().center()));
+    EXPECT_EQ(painted.region().boundingRect(), view().rect());
+}
 
 TEST_F(PlayerViewTest, ThePictureIsFittedIntoBlack)
 {
