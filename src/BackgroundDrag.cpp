@@ -19,6 +19,7 @@ bool BackgroundDrag::eventFilter(QObject*, QEvent* event)
     };
     switch (event->type()) {
     case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick: // a second press
         if (isOfLeftButton())
             m_pointer = Platform::mouseLocation();
         return true;

@@ -7,8 +7,6 @@
 #include <functional>
 #include <optional>
 
-QT_FORWARD_DECLARE_CLASS(QMouseEvent)
-
 /// Lets the user drag a panel by its background, with the left button. Whatever of the panel's
 /// takes presses itself is none.
 class BackgroundDrag : public QObject {

@@ -2,6 +2,7 @@
 
 #include "RecordingJournal.h"
 #include "Support/Background.h"
+#include "Support/CaptureFiles.h"
 #include "Support/Guarded.h"
 #include "Support/Log.h"
 #include "Support/MoveFile.h"
@@ -9,6 +10,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+
+#include <algorithm>
 
 namespace {
 
@@ -70,13 +73,15 @@ void RecordingFinisher::remux(const RecordedSegments& recorded)
 {
     using MovieExport::End, MovieExport::Outcome;
     const auto exported = [this, recorded](const Outcome& outcome) {
+        if (m_running.isCancelled())
+            return;
         if (outcome.end == End::failed || outcome.end == End::unreadable)
             Log::line(QStringLiteral("mp4 remux failed: ") +
                       QString::fromStdString(outcome.reason));
         if (!outcome.succeeded()) {
             if (outcome.end == End::unreadable)
                 recorded.journal->loseAttempt(); // it may not be possible to move it either
-            moveSegments(recorded);
+            giveSegments(recorded);
             return;
         }
         remove(recorded);
@@ -89,7 +94,9 @@ void RecordingFinisher::remux(const RecordedSegments& recorded)
 void RecordingFinisher::concatenate(const RecordedSegments& recorded)
 {
     using Outcome = MovieExport::Outcome;
-    const auto exported = [recorded](const Outcome& outcome) {
+    const auto exported = [this, recorded](const Outcome& outcome) {
+        if (m_running.isCancelled())
+            return;
         if (outcome.end == MovieExport::End::unreadable)
             recorded.journal->loseAttempt(); // the next start tries again, but not for ever
         else
@@ -115,28 +122,34 @@ QList<QUrl> RecordingFinisher::places(const QUrl& finalURL, qsizetype segments)
 
 void RecordingFinisher::giveSegments(const RecordedSegments& recorded)
 {
-    makeFolder(recorded);
-    moveSegments(recorded);
-}
-
-void RecordingFinisher::moveSegments(const RecordedSegments& recorded)
-{
-    const auto ended = [recorded](const QList<QUrl>& moved) {
-        if (moved.size() == recorded.segments.size())
-            recorded.journal->remove(); // else the next start tries again
-        recorded.completion(moved.isEmpty() ? QUrl() : moved.front());
+    struct Moved {
+        QList<QUrl> files;
+        bool areAll = true;
     };
-    // They may go to another disk.
-    Background::threads().start([segments = recorded.segments,
-                                 targets = places(recorded.finalURL, recorded.segments.size()),
-                                 ended = Guarded::once<const QList<QUrl>&>(this, ended),
-                                 cancellation = m_running] {
-        QList<QUrl> moved;
+    const auto ended = [recorded](const Moved& moved) {
+        if (moved.areAll)
+            recorded.journal->remove(); // else the next start tries again
+        recorded.completion(moved.files.isEmpty() ? QUrl() : moved.files.front());
+    };
+    const auto move = [segments = recorded.segments,
+                       targets = places(recorded.finalURL, recorded.segments.size()),
+                       cancellation = m_running] {
+        Moved moved;
         for (qsizetype i = 0; i < segments.size(); ++i) {
-            if (!moveFile(segments[i].toLocalFile(), targets[i].toLocalFile(),
-                          [&] { return cancellation.isCancelled(); }))
-                moved += targets[i];
+            if (CaptureFiles::exists(segments[i]) &&
+                moveFile(segments[i].toLocalFile(), targets[i].toLocalFile(),
+                         [&] { return cancellation.isCancelled(); }))
+                moved.areAll = false;
+            else if (CaptureFiles::exists(targets[i]))
+                moved.files += targets[i];
         }
-        ended(moved);
-    });
+        return moved;
+    };
+    if (std::none_of(recorded.segments.begin(), recorded.segments.end(), CaptureFiles::exists)) {
+        ended(move());
+        return;
+    }
+    makeFolder(recorded);
+    Background::threads().start( // they may go to another disk
+        [move, ended = Guarded::once<const Moved&>(this, ended)] { ended(move()); });
 }

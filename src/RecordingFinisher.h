@@ -14,7 +14,7 @@ class RecordingJournal;
 
 /// What is there of a recording that is over.
 struct RecordedSegments {
-    /// Oldest first; all exist.
+    /// Oldest first; all exist, but for those that only are to be given.
     QList<QUrl> segments;
     /// The MP4 to produce.
     QUrl finalURL;
@@ -38,14 +38,12 @@ public:
     void finish(const RecordedSegments& recorded);
 
     /// Makes no film: moves the segments to where it was to be, with the extension "mov", and
-    /// numbered when there are several. The first one is what completes the recording. Those that
-    /// cannot be moved stay with their journal.
+    /// numbered when there are several. Some may have been moved by an earlier run. The first one
+    /// that is there then is what completes the recording. Those that cannot be moved stay with
+    /// their journal.
     void giveSegments(const RecordedSegments& recorded);
 
-    /// Where `giveSegments` puts so many of them.
-    static QList<QUrl> places(const QUrl& finalURL, qsizetype segments);
-
-    /// Ends what is under way, as going does.
+    /// Ends what is under way, and all of this's work, as going does.
     void cancel() { m_running.cancel(); }
 
     /// Deletes everything; there is no file.
@@ -54,7 +52,7 @@ public:
 private:
     void remux(const RecordedSegments& recorded);
     void concatenate(const RecordedSegments& recorded);
-    void moveSegments(const RecordedSegments& recorded);
+    static QList<QUrl> places(const QUrl& finalURL, qsizetype segments);
 
     RecordingTools::Remux m_remux;
     RecordingTools::Concatenate m_concatenate;

@@ -4,6 +4,8 @@
 #include "Support/CaptureFiles.h"
 #include "Support/Guarded.h"
 
+#include <QThread>
+
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
@@ -43,7 +45,7 @@ RecordingRecovery::~RecordingRecovery()
 /// as it does at a logout.
 void RecordingRecovery::endInOrder()
 {
-    if (!busy)
+    if (!busy || QThread::currentThread() != busy->thread())
         return;
     busy->m_finisher.cancel();
     busy->endAttempt();
@@ -94,10 +96,8 @@ void RecordingRecovery::take(RecordingJournal::Found found, const Recovered& rec
     if (m_tried.contains(left.journal->path()))
         return; // the next start may have more luck
     m_tried.insert(left.journal->path());
-    if (left.segments.isEmpty()) {
-        completeMoved(left, entry);
-    } else if (entry.lostAttempts >= mostLostAttempts) {
-        m_finisher.giveSegments(left);
+    if (left.segments.isEmpty() || entry.lostAttempts >= mostLostAttempts) {
+        give(std::move(left), entry, recovered);
     } else {
         const auto place =
             std::find_if(m_waiting.begin(), m_waiting.end(), [&](const Waiting& other) {
@@ -107,14 +107,17 @@ void RecordingRecovery::take(RecordingJournal::Found found, const Recovered& rec
     }
 }
 
-/// The program may have ended when they were moved, before anybody was told.
-void RecordingRecovery::completeMoved(const RecordedSegments& left,
-                                      const RecordingJournal::Entry& entry)
+/// The program may have ended when some of them or all were moved, before anybody was told.
+void RecordingRecovery::give(RecordedSegments segments, const RecordingJournal::Entry& entry,
+                             const Recovered& recovered)
 {
-    const QList<QUrl> places = RecordingFinisher::places(entry.finalURL, entry.segments.size());
-    left.journal->remove();
-    left.completion(!places.isEmpty() && CaptureFiles::exists(places.front()) ? places.front()
-                                                                              : QUrl());
+    segments.segments = entry.segments; // they are numbered as they were
+    // Nothing is made of them: they are only a part of what was filmed, or they end the program.
+    segments.completion = [recovered](const QUrl& file) {
+        if (!file.isEmpty())
+            recovered(file, false);
+    };
+    m_finisher.giveSegments(segments);
 }
 
 void RecordingRecovery::recoverNext()

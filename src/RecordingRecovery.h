@@ -15,7 +15,7 @@
 /// Makes films of the segments that earlier runs of the program left. Main thread only.
 ///
 /// One at a time, and those first with which the program has not ended before: what a file does to
-/// the library for videos may end it. After three times such segments become the file as they are.
+/// the library for videos may end it. After three times such segments are given as they are.
 class RecordingRecovery : public QObject {
 public:
     /// Called with each file; empty ones do not come.
@@ -33,7 +33,8 @@ public:
 private:
     void look(const Recovered& recovered, int number);
     void take(RecordingJournal::Found found, const Recovered& recovered);
-    static void completeMoved(const RecordedSegments& left, const RecordingJournal::Entry& entry);
+    void give(RecordedSegments segments, const RecordingJournal::Entry& entry,
+              const Recovered& recovered);
     void recoverNext();
     void endAttempt();
     static void endInOrder();

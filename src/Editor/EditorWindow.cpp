@@ -11,6 +11,7 @@
 #include <QKeyEvent>
 #include <QWindow>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -39,7 +40,9 @@ void EditorWindow::place(Geometry::Size content, Geometry::Size smallest)
     const Geometry::Rect visible = visibleFrame();
     const Geometry::Size least = EditorLayout::smallestContent(smallest, visible.size());
     setMinimumSize(static_cast<int>(least.width), static_cast<int>(least.height));
-    Platform::setFrame(*this, EditorLayout::placed(content, visible));
+    const Geometry::Size size = {std::max(content.width, least.width),
+                                 std::max(content.height, least.height)};
+    Platform::setFrame(*this, EditorLayout::placed(size, visible));
 }
 
 void EditorWindow::setTitle(QString text)

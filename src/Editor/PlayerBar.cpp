@@ -112,7 +112,7 @@ void PlayerBar::show(const PlayerState& state, FilmRange range)
     const bool isReady = state.phase == PlayerState::Phase::ready;
     const double length = range.end - range.start;
     // The last frame may stand for long.
-    const double time = state.atEnd ? range.end : state.time;
+    const double time = state.atEnd && !state.seeking ? range.end : state.time;
     const double elapsed = std::clamp(time - range.start, 0.0, std::max(length, 0.0));
     for (QWidget* control : std::initializer_list<QWidget*>{m_play, m_position})
         control->setEnabled(isReady);

@@ -7,6 +7,7 @@
 #include "Platform/WindowTraits.h"
 #include "Support/Guarded.h"
 #include "Support/Log.h"
+#include "Support/RemoveFile.h"
 #include "Support/Sibling.h"
 
 #include <QCoreApplication>
@@ -35,7 +36,7 @@ void removeItem(const QString& path)
     if (item.isDir() && !item.isSymLink())
         QDir(path).removeRecursively();
     else
-        QFile::remove(path);
+        removeFile(path);
 }
 
 } // namespace

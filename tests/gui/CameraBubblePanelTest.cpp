@@ -182,6 +182,14 @@ TEST_F(CameraBubblePanelTest, IsDraggedByTheLeftButton)
     QTest::mouseMove(panel.get(), {120, 118});
     EXPECT_EQ(panel->frame().origin(), (Point{1216 - 290, 24 + 300}));
     QTest::mouseRelease(panel.get(), Qt::RightButton, {}, {118, 118});
+    // A second press soon after one.
+    QTest::mouseDClick(panel.get(), Qt::LeftButton, {}, {118, 118});
+    QMouseEvent again(QEvent::MouseButtonDblClick, {118, 118}, {118, 118}, Qt::LeftButton,
+                      Qt::LeftButton, {});
+    QCoreApplication::sendEvent(panel.get(), &again);
+    FakePlatform::current().mouse = {910, 400};
+    QTest::mouseMove(panel.get(), {121, 118});
+    EXPECT_EQ(panel->frame().origin(), (Point{1216 - 280, 24 + 300}));
 }
 
 TEST_F(CameraBubblePanelTest, ComesBackFromAScreenThatGoes)

@@ -67,7 +67,24 @@ TEST_F(RecordingAttemptsTest, ASegmentThatWasMovedWhenTheProgramEndedIsAnnounced
     crash();
     ASSERT_TRUE(QFile::rename(run(0).file(), fallbackPath()));
     recover();
+    ASSERT_TRUE(runUntil([this] { return !recovered.empty(); }));
     EXPECT_THAT(recovered, ElementsAre(Pair(QUrl::fromLocalFile(fallbackPath()), false)));
+    EXPECT_TRUE(isTidy());
+}
+
+TEST_F(RecordingAttemptsTest, PiecesKeepTheirNumbersThoughSomeWereMovedBefore)
+{
+    startAsGIF();
+    recordAndPause();
+    manager->togglePause();
+    crash();
+    write(journalPath(), contents(journalPath()).replace("Attempts\": 0", "Attempts\": 3"));
+    ASSERT_TRUE(QFile::rename(run(0).file(), part(1, 2)));
+    recover();
+    ASSERT_TRUE(runUntil([this] { return !recovered.empty(); }));
+    EXPECT_THAT(recovered, ElementsAre(Pair(QUrl::fromLocalFile(part(1, 2)), false)));
+    EXPECT_EQ(contents(part(2, 2)), "film");
+    EXPECT_EQ(exports.size(), 0u);
     EXPECT_TRUE(isTidy());
 }
 
@@ -76,7 +93,9 @@ TEST_F(RecordingAttemptsTest, AFilmThatCannotBePutInItsPlaceIsNotGivenUp)
     start();
     crash();
     recover();
-    QDir(folder.filePath(QStringLiteral("captures"))).removeRecursively();
+    const QString captures = folder.filePath(QStringLiteral("captures"));
+    QDir(captures).removeRecursively();
+    write(captures, "in the way");
     complete(MovieExport::End::impossible);
     ASSERT_TRUE(runUntil([this] { return lostAttempts() == 0; }));
 }
@@ -115,6 +134,7 @@ TEST_F(RecordingAttemptsTest, OneThatCannotBeMovedForItsDiskEitherIsOnlyMovedAft
         recover();
         ASSERT_EQ(exports.size(), static_cast<std::size_t>(attempt));
         QDir(captures).removeRecursively();
+        write(captures, "in the way");
         complete(MovieExport::End::unreadable, "the disk is broken");
         EXPECT_EQ(TestLog::takeLines(),
                   QStringList{QStringLiteral("mp4 remux failed: the disk is broken")});
@@ -123,7 +143,6 @@ TEST_F(RecordingAttemptsTest, OneThatCannotBeMovedForItsDiskEitherIsOnlyMovedAft
         EXPECT_EQ(lostAttempts(), attempt);
         makeManager();
     }
-    write(captures, "in the way");
     for (int start = 0; start < 2; ++start) {
         recover();
         awaitEnded();

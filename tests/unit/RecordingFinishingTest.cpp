@@ -60,12 +60,15 @@ TEST_F(RecordingFinishingTest, ASegmentThatCannotBeMovedEitherStaysAndGivesNothi
     start();
     manager->stop(false);
     end();
-    QDir(folder.filePath(QStringLiteral("captures"))).removeRecursively();
+    const QString captures = folder.filePath(QStringLiteral("captures"));
+    QDir(captures).removeRecursively();
+    write(captures, "in the way");
     complete(MovieExport::End::impossible);
     ASSERT_TRUE(runUntil([this] { return !results.isEmpty(); }));
     EXPECT_THAT(results, ElementsAre(nothing));
     EXPECT_EQ(segmentFiles(), QStringList{QFileInfo(run(0).file()).fileName()});
     // The next start tries again: nobody holds the journal any more.
+    QFile::remove(captures);
     exports.clear();
     Background::threads().waitForDone();
     manager->recover([this](const QUrl& file, bool) { results.append(file); });

@@ -119,8 +119,9 @@ std::int64_t FrameDecoder::endOf(const AVFrame& frame) const
 
 bool FrameDecoder::isKnownToShow(const AVFrame& frame, std::int64_t time) const
 {
-    // Tables are in the order of decoding, which is that of showing where no frame is held back.
-    if (m_codec->has_b_frames > 0 || !Tracks::hasWholeTable(m_stream))
+    // Tables tell when frames are decoded.
+    const bool isShownAtOnce = m_codec->has_b_frames == 0 && frame.pkt_dts == frame.pts;
+    if (!isShownAtOnce || !Tracks::tableReachesBeyond(m_stream, time))
         return false;
     const auto end = Tracks::endOfSample(m_stream, frame.pts);
     return end && *end > time;

@@ -42,9 +42,11 @@ std::optional<std::int64_t> Tracks::endOfSample(AVStream& track, std::int64_t ti
     return end > time ? std::optional(end) : std::nullopt;
 }
 
-bool Tracks::hasWholeTable(const AVStream& track)
+bool Tracks::tableReachesBeyond(AVStream& track, std::int64_t time)
 {
-    return track.nb_frames > 0 && track.nb_frames == avformat_index_get_entries_count(&track);
+    const int count = avformat_index_get_entries_count(&track);
+    return count > 0 && track.nb_frames == count &&
+           avformat_index_get_entry(&track, count - 1)->timestamp > time;
 }
 
 void Tracks::readOnly(AVFormatContext& file, const AVStream* wanted, const AVStream* alsoWanted)

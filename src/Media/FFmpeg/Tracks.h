@@ -18,9 +18,10 @@ AVStream* sound(AVFormatContext& file);
 /// once.
 std::optional<std::int64_t> endOfSample(AVStream& track, std::int64_t time);
 
-/// Whether every sample is known without reading on. Other containers' tables have the key frames
-/// only, those of fragmented films what was read so far.
-bool hasWholeTable(const AVStream& track);
+/// Whether all samples that are decoded up to `time`, in the track's ticks, and one after it are
+/// known without reading on. Other containers' tables have the key frames only, those of fragmented
+/// films what was read so far.
+bool tableReachesBeyond(AVStream& track, std::int64_t time);
 
 /// Other tracks are not read any more. `wanted` may be null.
 void readOnly(AVFormatContext& file, const AVStream* wanted, const AVStream* alsoWanted = nullptr);

@@ -42,17 +42,21 @@ LiveCamera::LiveCamera(int side, Show show)
 void LiveCamera::start()
 {
     m_idleLooks = 0;
+    m_isFresh = false; // the last camera's
     const Gst::Owner<GstDevice> device = Devices::first();
-    if (!device)
+    if (!device) {
+        m_way = Way::BestFormat; // the next one may be another
         return;
+    }
     for (const Way way : {m_way, otherThan(m_way)}) {
-        m_way = way;
         m_pipeline = CameraPipeline::start(*device, way, m_side, [this](const QImage& picture) {
             m_isFresh = true;
             m_show(picture);
         });
-        if (m_pipeline)
+        if (m_pipeline) {
+            m_way = way;
             return;
+        }
     }
 }
 
@@ -64,9 +68,12 @@ void LiveCamera::check()
     if (m_pipeline && !m_pipeline->hasEnded() &&
         m_idleLooks < (m_hasPicture ? mostIdleLooks : mostFirstLooks))
         return;
-    if (std::exchange(m_pipeline, nullptr) && !m_hasPicture)
-        m_way = otherThan(m_way);
-    if (std::exchange(m_hasPicture, false))
+    const bool wasTried = std::exchange(m_pipeline, nullptr) != nullptr;
+    if (std::exchange(m_hasPicture, false)) {
+        m_way = Way::BestFormat;
         m_show({});
+    } else if (wasTried) {
+        m_way = otherThan(m_way);
+    }
     start();
 }

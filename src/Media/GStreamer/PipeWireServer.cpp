@@ -17,16 +17,21 @@ std::string variable(const char* name)
     return value ? value : "";
 }
 
-/// Where PipeWire's clients find it; empty where there is no such place.
-std::string socketPath()
+/// Where PipeWire's clients look for it, in this order.
+std::vector<std::string> socketPaths()
 {
     const std::string remote = variable("PIPEWIRE_REMOTE");
     if (remote.starts_with('/'))
-        return remote;
+        return {remote};
     std::string folder = variable("PIPEWIRE_RUNTIME_DIR");
     if (folder.empty())
         folder = variable("XDG_RUNTIME_DIR");
-    return folder.empty() ? folder : folder + '/' + (remote.empty() ? "pipewire-0" : remote);
+    const std::string name = '/' + (remote.empty() ? "pipewire-0" : remote);
+    std::vector<std::string> paths;
+    if (!folder.empty())
+        paths.push_back(folder + name);
+    paths.push_back("/run/pipewire" + name); // one server for all users
+    return paths;
 }
 
 /// Invalid when nobody listens there.
@@ -34,7 +39,7 @@ FileDescriptor connectedTo(const std::string& path)
 {
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
-    if (path.empty() || path.size() >= sizeof address.sun_path)
+    if (path.size() >= sizeof address.sun_path)
         return FileDescriptor();
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     FileDescriptor made(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
@@ -75,18 +80,24 @@ bool PipeWireServer::isConnected() const
     if (m_connections.empty())
         return false;
     pollfd socket = {m_connections.back().socket.get(), POLLRDHUP, 0};
-    return poll(&socket, 1, 0) == 0;
+    return poll(&socket, 1, 0) <= 0; // a signal tells nothing
 }
 
 void PipeWireServer::connect()
 {
-    FileDescriptor socket = connectedTo(socketPath());
+    FileDescriptor socket;
+    for (const std::string& path : socketPaths()) {
+        socket = connectedTo(path);
+        if (socket)
+            break;
+    }
     if (!socket)
         return;
     Gst::Owner<GstDeviceProvider> devices = makeDevices(socket.get());
     if (!devices)
         return;
-    gst_device_provider_start(devices.get());
+    if (!gst_device_provider_start(devices.get()))
+        return;
     // We ask for the list; what it tells of each change would heap up.
     const Gst::Owner<GstBus> bus(gst_device_provider_get_bus(devices.get()));
     gst_bus_set_flushing(bus.get(), TRUE);

@@ -7,6 +7,7 @@
 #include <mpv/client.h>
 #include <mpv/render.h>
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include <algorithm>
@@ -58,8 +59,13 @@ std::shared_ptr<MpvFilm> MpvFilm::open(const QString& path, const Cancellation& 
     if (!file)
         return nullptr;
     file->size = readableEnd(*file, [&] { return cancellation.isCancelled(); });
+    if (cancellation.isCancelled())
+        return nullptr;
     const std::shared_ptr<MpvFilm> film(new MpvFilm(std::move(*file)), [](MpvFilm* ended) {
-        Background::threads().start([ended] { delete ended; });
+        if (QCoreApplication::closingDown()) // nobody waits for a thread any more
+            delete ended;
+        else
+            Background::threads().start([ended] { delete ended; });
     });
     return film->begin() ? film : nullptr;
 }

@@ -23,7 +23,8 @@ void DecodingTimes::put(Av::Packet picture)
         m_failure = Failure{"the times of its pictures are out of range"};
         return;
     }
-    m_times.insert(picture->pts);
+    while (!m_times.insert(picture->pts).second)
+        ++picture->pts; // two within one tick, as uneven films have them
     m_pictures.push_back(std::move(picture));
 }
 
@@ -43,7 +44,7 @@ void DecodingTimes::findOrder()
     }
     const std::int64_t length = *m_times.rbegin() - *m_times.begin();
     m_step = std::max<std::int64_t>(length / static_cast<std::int64_t>(m_times.size()), 1);
-    m_early = overtaken;
+    m_early = std::max(m_early, overtaken);
 }
 
 std::int64_t DecodingTimes::nextTime()

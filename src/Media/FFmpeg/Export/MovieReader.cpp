@@ -3,6 +3,7 @@
 #include "Media/FFmpeg/Export/MovieWriter.h"
 #include "Media/FFmpeg/Tracks.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -39,6 +40,28 @@ void MovieReader::readOnly(const AVStream* wanted, const AVStream* alsoWanted)
 bool MovieReader::hasDecodingTimes() const
 {
     return std::strstr(m_file->context().iformat->name, "matroska") == nullptr;
+}
+
+std::size_t MovieReader::pictureDelay() const
+{
+    const AVCodec* const codec = avcodec_find_decoder(m_picture.codecpar->codec_id);
+    const Av::Codec context(codec ? avcodec_alloc_context3(codec) : nullptr);
+    if (!context || avcodec_parameters_to_context(context.get(), m_picture.codecpar) < 0)
+        return 0;
+    context->thread_count = 1;
+    if (avcodec_open2(context.get(), codec, nullptr) < 0)
+        return 0;
+    return static_cast<std::size_t>(std::max(context->has_b_frames, 0));
+}
+
+std::int64_t MovieReader::soundDuration() const
+{
+    if (!m_sound)
+        return 0;
+    const std::int64_t whole = m_file->context().duration; // of the longest track
+    if (m_sound->duration > 0 || whole <= 0)
+        return std::max<std::int64_t>(m_sound->duration, 0);
+    return av_rescale_q(whole, {1, AV_TIME_BASE}, m_sound->time_base);
 }
 
 bool MovieReader::seek(std::int64_t time)

@@ -21,6 +21,13 @@ public:
     /// Whether it says when pictures are to be decoded; Matroska says only when they show.
     bool hasDecodingTimes() const;
 
+    /// By what the codec's header says, how many pictures may be decoded before the first one
+    /// shows.
+    std::size_t pictureDelay() const;
+
+    /// In the sound's ticks, by the file's header; 0 when it does not say or there is none.
+    std::int64_t soundDuration() const;
+
     /// Goes on near a key frame at or before `time`, in the picture's ticks; false when it cannot,
     /// and nothing has changed then.
     bool seek(std::int64_t time);

@@ -118,7 +118,7 @@ PossibleFailure Trim::open()
     }
     m_hasAllSound = !m_sound;
     if (!m_reader->hasDecodingTimes())
-        m_order.emplace();
+        m_order.emplace(m_reader->pictureDelay());
     m_reader->readOnly(m_picture, m_sound);
     // Where that is not possible everything is read. (Before the first key frame of a WebM FFmpeg
     // finds the second picture.)
@@ -165,13 +165,14 @@ PossibleFailure Trim::take(Av::Packet packet)
 
 PossibleFailure Trim::takeOrdered()
 {
-    while (Av::Packet packet = m_order->next()) {
-        if (m_hasAllPictures)
-            return {};
+    while (!m_hasAllPictures) {
+        Av::Packet packet = m_order->next();
+        if (!packet)
+            return m_order->failure();
         if (PossibleFailure failure = takePicture(std::move(packet)))
             return failure;
     }
-    return m_order->failure();
+    return {};
 }
 
 PossibleFailure Trim::takePicture(Av::Packet packet)
@@ -247,7 +248,7 @@ PossibleFailure Trim::beginMovie()
     };
     // No silence is made up behind the film's end.
     const std::int64_t length = samples(m_shown.end - m_shown.begin);
-    const bool endsBefore = m_sound && m_sound->duration > 0 && m_heard.end < m_sound->duration;
+    const bool endsBefore = m_sound && m_heard.end < m_reader->soundDuration();
     auto copy = MovieCopy::create(m_destination, *m_reader, m_patience, -samples(m_shown.begin),
                                   endsBefore ? std::optional(length) : std::nullopt);
     if (!copy)
