@@ -317,6 +317,20 @@ TEST_F(Trim, OfMatroskaWhichDoesNotSayWhenPicturesAreDecoded)
     }
 }
 
+TEST_F(Trim, OfMatroskaMayHavePicturesThatAreOvertakenOnlyLater)
+{
+    const std::string first = m_folder / "first.ts", second = m_folder / "second.ts";
+    const std::string source = m_folder / "both.mkv";
+    Videos::make({"-f", "lavfi", "-i", "color=gray:s=64x48:r=30:d=3,noise=alls=100:allf=t", "-c:v",
+                  "libx264", "-bf", "3", "-x264-params",
+                  "b-adapt=2:b-bias=-100:scenecut=0:keyint=30", first}); // none
+    Videos::make({"-f", "lavfi", "-i", "testsrc2=s=64x48:r=30:d=2", "-c:v", "libx264", "-bf", "3",
+                  "-x264-params", "b-adapt=0:scenecut=0:keyint=30", second}); // three of four
+    Videos::make({"-i", "concat:" + first + "|" + second, "-c", "copy", source});
+    expectTrimmed(source, 0.99, 4.51);
+    EXPECT_GE(PlayedMovie::of(m_target).frames.size(), 105U);
+}
+
 TEST_F(Trim, OfAnotherKindOfVp9IsAFailure)
 {
     const std::string source = m_folder / "full.webm";

@@ -42,14 +42,15 @@ bool MovieReader::hasDecodingTimes() const
     return std::strstr(m_file->context().iformat->name, "matroska") == nullptr;
 }
 
-std::size_t MovieReader::pictureDelay() const
+std::size_t MovieReader::pictureDelay(const AVPacket& key) const
 {
     const AVCodec* const codec = avcodec_find_decoder(m_picture.codecpar->codec_id);
     const Av::Codec context(codec ? avcodec_alloc_context3(codec) : nullptr);
     if (!context || avcodec_parameters_to_context(context.get(), m_picture.codecpar) < 0)
         return 0;
     context->thread_count = 1;
-    if (avcodec_open2(context.get(), codec, nullptr) < 0)
+    if (avcodec_open2(context.get(), codec, nullptr) < 0 ||
+        avcodec_send_packet(context.get(), &key) < 0)
         return 0;
     return static_cast<std::size_t>(std::max(context->has_b_frames, 0));
 }

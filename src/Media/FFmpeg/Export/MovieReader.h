@@ -21,9 +21,8 @@ public:
     /// Whether it says when pictures are to be decoded; Matroska says only when they show.
     bool hasDecodingTimes() const;
 
-    /// By what the codec's header says, how many pictures may be decoded before the first one
-    /// shows.
-    std::size_t pictureDelay() const;
+    /// How many pictures may be decoded before the first one shows, by what a key frame says.
+    std::size_t pictureDelay(const AVPacket& key) const;
 
     /// In the sound's ticks, by the file's header; 0 when it does not say or there is none.
     std::int64_t soundDuration() const;

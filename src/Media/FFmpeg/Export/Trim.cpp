@@ -117,8 +117,6 @@ PossibleFailure Trim::open()
                    av_rescale_q(m_shown.end, ticks, m_sound->time_base)};
     }
     m_hasAllSound = !m_sound;
-    if (!m_reader->hasDecodingTimes())
-        m_order.emplace(m_reader->pictureDelay());
     m_reader->readOnly(m_picture, m_sound);
     // Where that is not possible everything is read. (Before the first key frame of a WebM FFmpeg
     // finds the second picture.)
@@ -156,7 +154,9 @@ PossibleFailure Trim::take(Av::Packet packet)
     if (packet->pts == AV_NOPTS_VALUE)
         return {};
     const bool isPicture = packet->stream_index == m_picture->index;
-    if (isPicture && m_order) {
+    if (isPicture && !m_reader->hasDecodingTimes()) {
+        if (!m_order)
+            m_order.emplace(m_reader->pictureDelay(*packet));
         m_order->put(std::move(packet));
         return takeOrdered();
     }
