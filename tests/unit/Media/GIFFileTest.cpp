@@ -24,7 +24,7 @@ protected:
     std::string m_gif = m_folder / "out/made.gif";
 };
 
-/// Goes through a GIF file (GIF89a specification) by itself.
+/// Goes through a GIF file (GIF89a) by itself.
 class Blocks {
 public:
     explicit Blocks(const std::string& bytes)
