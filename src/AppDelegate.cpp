@@ -34,7 +34,7 @@ constexpr auto fontDelay = 250ms;
 /// Hands a file or folder to the user's desktop. One that does not exist opens nothing.
 void openInWorkspace(const QUrl& url)
 {
-    if (QFileInfo::exists(url.toLocalFile()))
+    if (CaptureFiles::exists(url))
         QDesktopServices::openUrl(url);
 }
 

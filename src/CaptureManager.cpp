@@ -7,8 +7,6 @@
 #include "Support/Process.h"
 #include "Support/ToolRectangle.h"
 
-#include <QFileInfo>
-
 CaptureManager::CaptureManager(Clock clock, QObject* parent)
     : QObject(parent)
     , m_clock(std::move(clock))
@@ -42,7 +40,7 @@ void CaptureManager::captureRect(Geometry::Rect rect, const Completion& completi
     const PossibleFailure failure = process->start(command, [this, process, file, completion] {
         process->deleteLater();
         m_isCapturing = false;
-        completion(QFileInfo::exists(file.toLocalFile()) ? file : QUrl());
+        completion(CaptureFiles::exists(file) ? file : QUrl());
     });
     if (failure) {
         process->deleteLater();

@@ -7,6 +7,7 @@
 #include "Support/Log.h"
 #include "Support/MoveFile.h"
 #include "Support/RemoveFile.h"
+#include "Support/Sibling.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -28,8 +29,7 @@ QStringList paths(const QList<QUrl>& files)
 void remove(const RecordedSegments& recorded)
 {
     recorded.journal->remove();
-    for (const QUrl& segment : recorded.segments)
-        removeFile(segment.toLocalFile()); // one that stays does no harm
+    removeFiles(recorded.segments);
 }
 
 /// It may have been taken away meanwhile.
@@ -109,13 +109,11 @@ void RecordingFinisher::concatenate(const RecordedSegments& recorded)
 
 QList<QUrl> RecordingFinisher::places(const QUrl& finalURL, qsizetype segments)
 {
-    const QFileInfo wanted(finalURL.toLocalFile());
     QList<QUrl> result;
     for (qsizetype i = 1; i <= segments; ++i) {
         const QString number =
             segments == 1 ? QString() : QStringLiteral(" (%1 of %2)").arg(i).arg(segments);
-        result += QUrl::fromLocalFile(wanted.path() + QLatin1Char('/') + wanted.completeBaseName() +
-                                      number + QStringLiteral(".mov"));
+        result += sibling(finalURL, number + QStringLiteral(".mov"));
     }
     return result;
 }

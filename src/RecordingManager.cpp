@@ -17,12 +17,6 @@
 
 namespace {
 
-void remove(const QList<QUrl>& files)
-{
-    for (const QUrl& file : files)
-        removeFile(file.toLocalFile()); // one that stays does no harm
-}
-
 QUrl newSegment(const QString& folder)
 {
     return QUrl::fromLocalFile(folder + QStringLiteral("/tamrik-seg-") +
@@ -65,7 +59,7 @@ RecordingManager::~RecordingManager()
     interrupt();
     const bool isFilming = m_film && !m_film->waitForEnd();
     if (m_session && m_discardOnFinish) {
-        remove(m_segments + QList{m_filming});
+        removeFiles(m_segments + QList{m_filming});
         // A file that is still to come needs somebody to throw it away.
         if (!isFilming)
             m_journal->remove();
@@ -248,7 +242,7 @@ void RecordingManager::interrupt()
 
 void RecordingManager::cleanupSegments()
 {
-    remove(std::exchange(m_segments, {}));
+    removeFiles(std::exchange(m_segments, {}));
 }
 
 void RecordingManager::note(const QList<QUrl>& segments)

@@ -82,8 +82,6 @@ struct Subsystems {
         std::function<void(QObject& request, Completion)> requestAndShow;
     };
 
-    using TimeRange = ::TimeRange;
-
     struct GIF {
         std::function<void(const QUrl& video, TimeRange range, const QUrl& destination,
                            std::function<void(bool succeeded)> completion)>

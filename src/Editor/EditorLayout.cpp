@@ -16,6 +16,12 @@ Size smallerOf(Size a, Size b)
     return {std::min(a.width, b.width), std::min(a.height, b.height)};
 }
 
+/// The most that a screen has room for below a title bar, in whole points.
+Size room(Size visible)
+{
+    return {std::floor(visible.width), std::floor(visible.height - EditorLayout::titleBarHeight)};
+}
+
 } // namespace
 
 double EditorLayout::initialMagnification(Size picture, Size visible)
@@ -30,11 +36,6 @@ Size EditorLayout::contentSize(Size picture, double magnification)
 {
     return {std::max(picture.width * magnification, smallestWindow.width),
             picture.height * magnification + toolbarHeight};
-}
-
-Size EditorLayout::room(Size visible)
-{
-    return {std::floor(visible.width), std::floor(visible.height - titleBarHeight)};
 }
 
 Rect EditorLayout::placed(Size content, Rect visible)

@@ -16,9 +16,6 @@ double initialMagnification(Geometry::Size picture, Geometry::Size visible);
 /// The window's content then.
 Geometry::Size contentSize(Geometry::Size picture, double magnification);
 
-/// The most that a screen has room for below a title bar, in whole points.
-Geometry::Size room(Geometry::Size visible);
-
 /// Where a window's content lies: in the middle, no larger than there is room for, its title bar
 /// on the screen too.
 Geometry::Rect placed(Geometry::Size content, Geometry::Rect visible);

@@ -8,8 +8,6 @@
 #include <QPainterPath>
 #include <QSignalBlocker>
 
-#include <utility>
-
 namespace {
 
 constexpr double radius = 5;
@@ -62,8 +60,8 @@ void TrimHandle::mouseMoveEvent(QMouseEvent* event)
 
 void TrimHandle::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton && std::exchange(m_isDragged, false))
-        Q_EMIT dragEnded();
+    if (event->button() == Qt::LeftButton)
+        m_isDragged = false;
 }
 
 void TrimHandle::keyPressEvent(QKeyEvent* event)

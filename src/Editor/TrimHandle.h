@@ -21,7 +21,6 @@ Q_SIGNALS:
     void dragBegan();
     /// Where the inner edge is drawn to, in the parent's points.
     void dragged(double x);
-    void dragEnded();
     void stepped(int frames);
     /// Seconds.
     void wanted(double time);

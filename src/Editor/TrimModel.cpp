@@ -11,13 +11,6 @@ TrimModel::TrimModel(FrameGrid frames)
 {
 }
 
-TrimModel::TrimModel(FrameGrid frames, FilmRange range)
-    : TrimModel(std::move(frames))
-{
-    move(Handle::end, range.end);
-    move(Handle::start, range.start);
-}
-
 FilmRange TrimModel::range() const
 {
     return {m_frames.startOf(m_start), m_frames.startOf(m_end)};

@@ -10,7 +10,6 @@ public:
 
     explicit TrimModel(FrameGrid frames);
     /// `range` is moved to the nearest beginnings of frames.
-    TrimModel(FrameGrid frames, FilmRange range);
 
     const FrameGrid& frames() const { return m_frames; }
     FilmRange range() const;

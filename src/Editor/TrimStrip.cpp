@@ -37,7 +37,6 @@ TrimHandle* TrimStrip::makeHandle(TrimModel::Handle side)
     connect(handle, &TrimHandle::dragBegan, this, [this, side] { Q_EMIT dragBegan(side); });
     connect(handle, &TrimHandle::dragged, this,
             [this, side](double x) { Q_EMIT moved(side, line().seconds(x)); });
-    connect(handle, &TrimHandle::dragEnded, this, &TrimStrip::dragEnded);
     connect(handle, &TrimHandle::wanted, this,
             [this, side](double time) { Q_EMIT moved(side, time); });
     connect(handle, &TrimHandle::stepped, this,

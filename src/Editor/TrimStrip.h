@@ -42,7 +42,6 @@ Q_SIGNALS:
     void dragBegan(TrimModel::Handle side);
     void moved(TrimModel::Handle side, double time);
     void stepped(TrimModel::Handle side, int frames);
-    void dragEnded();
     /// The row itself was pressed or drawn along, at a time in seconds.
     void sought(double time);
     void resized();

@@ -2,8 +2,6 @@
 
 #include "ChromeViews.h"
 
-class ChromeButton;
-
 /// The bar above a video: what can be made of it.
 class VideoEditorToolbar : public ChromeBarView {
     Q_OBJECT

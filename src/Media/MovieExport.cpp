@@ -14,8 +14,6 @@ MovieExport::Outcome missingModule()
     return {MovieExport::End::impossible, "the library for video files is missing"};
 }
 
-using Background::threads; // an export takes minutes: who reads a thumbnail shall not wait for it
-
 } // namespace
 
 bool MovieExport::isPossible()
@@ -49,22 +47,24 @@ void MovieExport::remuxInBackground(const QString& source, const QString& destin
                                     Completion completion, const Cancellation& cancellation,
                                     OnThread onThread)
 {
-    threads().start([=, completion = std::move(completion), onThread = std::move(onThread)] {
-        if (onThread)
-            onThread();
-        completion(remux(source, destination, cancellation));
-    });
+    Background::threads().start(
+        [=, completion = std::move(completion), onThread = std::move(onThread)] {
+            if (onThread)
+                onThread();
+            completion(remux(source, destination, cancellation));
+        });
 }
 
 void MovieExport::concatenateInBackground(const QStringList& segments, const QString& destination,
                                           Completion completion, const Cancellation& cancellation,
                                           OnThread onThread)
 {
-    threads().start([=, completion = std::move(completion), onThread = std::move(onThread)] {
-        if (onThread)
-            onThread();
-        completion(concatenate(segments, destination, cancellation));
-    });
+    Background::threads().start(
+        [=, completion = std::move(completion), onThread = std::move(onThread)] {
+            if (onThread)
+                onThread();
+            completion(concatenate(segments, destination, cancellation));
+        });
 }
 
 void MovieExport::trimInBackground(const QString& source, double start, double end,
@@ -72,7 +72,7 @@ void MovieExport::trimInBackground(const QString& source, double start, double e
                                    const Cancellation& cancellation)
 {
     const auto turn = std::make_shared<FileTurn>(destination);
-    threads().start([=, completion = std::move(completion)] {
+    Background::threads().start([=, completion = std::move(completion)] {
         turn->await();
         completion(trim(source, start, end, destination, cancellation));
     });

@@ -21,3 +21,9 @@ void removeFile(const QString& path)
     if (*file)
         Background::threads().start([file = std::move(file)]() mutable { file.reset(); });
 }
+
+void removeFiles(const QList<QUrl>& files)
+{
+    for (const QUrl& file : files)
+        removeFile(file.toLocalFile());
+}

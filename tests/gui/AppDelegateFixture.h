@@ -89,8 +89,8 @@ protected:
         subsystems.editors.makeVideoEditor = [this](const QUrl& url) {
             return makeEditor("video", url);
         };
-        subsystems.gif.exportVideo = [this](const QUrl& video, Subsystems::TimeRange range,
-                                            const QUrl& gif, auto completion) {
+        subsystems.gif.exportVideo = [this](const QUrl& video, TimeRange range, const QUrl& gif,
+                                            auto completion) {
             EXPECT_EQ(range.start, 0);
             EXPECT_TRUE(std::isinf(range.duration));
             gifExports.append({video, gif});

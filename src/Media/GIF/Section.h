@@ -49,7 +49,6 @@ public:
     PossibleFailure finish(const Section* next = nullptr);
 
 private:
-    void keep(const QImage& picture);
     PossibleFailure writeKept();
     PossibleFailure begin(const ColourCount& colours);
     PossibleFailure write(const PackedFrames& frames, int threads);

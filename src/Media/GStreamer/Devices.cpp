@@ -1,5 +1,6 @@
 #include "Media/GStreamer/Devices.h"
 
+#include "Media/GStreamer/DeviceList.h"
 #include "Media/GStreamer/PipeWireServer.h"
 
 #include <algorithm>
@@ -34,11 +35,7 @@ std::vector<Provider> startProviders()
         Gst::Owner<GstDeviceProvider> devices(gst_device_provider_factory_get(factory));
         if (!devices)
             continue;
-        if (gst_device_provider_can_monitor(devices.get()))
-            gst_device_provider_start(devices.get());
-        // We ask for the list; what it tells of each change would heap up.
-        const Gst::Owner<GstBus> bus(gst_device_provider_get_bus(devices.get()));
-        gst_bus_set_flushing(bus.get(), TRUE);
+        (void)keepList(*devices); // or else it looks whenever it is asked
         started.push_back({name, std::move(devices)});
     }
     g_list_free_full(factories, gst_object_unref);

@@ -1,5 +1,7 @@
 #include "Media/GStreamer/PipeWireServer.h"
 
+#include "Media/GStreamer/DeviceList.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -94,12 +96,6 @@ void PipeWireServer::connect()
     if (!socket)
         return;
     Gst::Owner<GstDeviceProvider> devices = makeDevices(socket.get());
-    if (!devices)
-        return;
-    if (!gst_device_provider_start(devices.get()))
-        return;
-    // We ask for the list; what it tells of each change would heap up.
-    const Gst::Owner<GstBus> bus(gst_device_provider_get_bus(devices.get()));
-    gst_bus_set_flushing(bus.get(), TRUE);
-    m_connections.push_back({std::move(socket), std::move(devices)});
+    if (devices && keepList(*devices))
+        m_connections.push_back({std::move(socket), std::move(devices)});
 }

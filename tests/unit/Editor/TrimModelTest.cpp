@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 using Handle = TrimModel::Handle;
 
 namespace {
@@ -11,6 +13,14 @@ namespace {
 FrameGrid uneven()
 {
     return {{0, 0.1, 0.2, 1.2, 1.25, 1.5}, 2};
+}
+
+TrimModel chosen(FrameGrid frames, double start, double end)
+{
+    TrimModel model(std::move(frames));
+    model.move(Handle::end, end);
+    model.move(Handle::start, start);
+    return model;
 }
 
 } // namespace
@@ -115,10 +125,10 @@ TEST(TrimModel, StepsGoByFrames)
 
 TEST(TrimModel, AGivenRangeIsTakenToFrames)
 {
-    EXPECT_EQ(TrimModel(uneven(), {0.11, 1.3}).range(), (FilmRange{0.1, 1.25}));
-    EXPECT_TRUE(TrimModel(uneven(), {0, 2}).isWhole());
+    EXPECT_EQ(chosen(uneven(), 0.11, 1.3).range(), (FilmRange{0.1, 1.25}));
+    EXPECT_TRUE(chosen(uneven(), 0, 2).isWhole());
     // One that holds no frame holds one.
-    EXPECT_EQ(TrimModel(uneven(), {1.5, 1.5}).range(), (FilmRange{1.25, 1.5}));
+    EXPECT_EQ(chosen(uneven(), 1.5, 1.5).range(), (FilmRange{1.25, 1.5}));
 }
 
 TEST(TrimModel, TheRangeStaysWhenTheFramesBecomeKnown)
@@ -126,9 +136,9 @@ TEST(TrimModel, TheRangeStaysWhenTheFramesBecomeKnown)
     TrimModel model(FrameGrid::even(2));
     model.setFrames(uneven());
     EXPECT_TRUE(model.isWhole());
-    TrimModel chosen(FrameGrid::even(2), {0.3, 1.3});
-    chosen.setFrames(uneven());
-    EXPECT_EQ(chosen.range(), (FilmRange{0.2, 1.25}));
+    TrimModel part = chosen(FrameGrid::even(2), 0.3, 1.3);
+    part.setFrames(uneven());
+    EXPECT_EQ(part.range(), (FilmRange{0.2, 1.25}));
 }
 
 TEST(TrimModel, AFilmOfOneFrameCanOnlyBeWhole)
